@@ -1,0 +1,16 @@
+// Fatal assertions: part of the library's contract, in every build type.
+#pragma once
+
+namespace Frudata_Private {
+
+/// Receives every failed assertion: prints `file` and `condition` to standard error and aborts. The one
+/// place to replace where a failed assertion must not end the process (the fuzzers do).
+[[noreturn]] void FailAssertion(const char* file, const char* condition);
+
+/// Ends the process unless `holds`. `condition` is the text that is printed.
+inline void Assert(bool holds, const char* file, const char* condition) {
+    if (!holds) [[unlikely]]
+        FailAssertion(file, condition);
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,109 @@
+// The debug trace log. The file is opened for each line, so that a host can move or empty it at any time
+// and a crash loses nothing.
+#include "frudata/debug.h"
+
+#include "common/scopedfile.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <cwchar>
+#include <memory>
+#include <new>
+#include <strings.h>
+
+unsigned int LIBDBG_DEBUG_LEVEL = 1;
+
+namespace {
+
+using Frudata_Private::SCOPED_FILE;
+
+constexpr wchar_t LOG_FILE[] = L"DBGLOG.txt";
+constexpr int BYTES_PER_ROW = 16;
+
+std::unique_ptr<char[]> ToMultibyte(const wchar_t* text) {
+    const std::size_t size = std::wcslen(text) + 1;
+    std::unique_ptr<char[]> bytes(new (std::nothrow) char[size]());
+    if (!bytes || std::wcstombs(bytes.get(), text, size - 1) == static_cast<std::size_t>(-1))
+        return nullptr;
+    return bytes;
+}
+
+void WriteRow(FILE* file, const unsigned char* row) {
+    for (int column = 0; column < BYTES_PER_ROW; ++column) {
+        // 0xCC is what fresh memory holds on the hosts that these dumps come from.
+        if (row[column] == 0xCC)
+            std::fwprintf(file, L"   ");
+        else
+            std::fwprintf(file, L" %02X", row[column]);
+    }
+    std::fwprintf(file, L"\t");
+    for (int column = 0; column < BYTES_PER_ROW; ++column) {
+        const bool printable = row[column] >= 0x20 && row[column] <= 0x7E;
+        std::fwprintf(file, L"%c", printable ? row[column] : '.');
+    }
+    std::fwprintf(file, L"\r\n");
+}
+
+} // namespace
+
+void Dbg(const wchar_t* format, unsigned int level, ...) {
+    if (level > LIBDBG_DEBUG_LEVEL)
+        return;
+    const SCOPED_FILE file(wfopen(LOG_FILE, L"ab"));
+    if (!file)
+        return;
+    std::va_list arguments;
+    va_start(arguments, level);
+    std::vfwprintf(file.get(), format, arguments);
+    va_end(arguments);
+    std::fwprintf(file.get(), L"\r\n");
+}
+
+void DbgBuffer(const wchar_t* title, const unsigned char* data, int length) {
+    if (LIBDBG_DEBUG_LEVEL < 2)
+        return;
+    const SCOPED_FILE file(wfopen(LOG_FILE, L"ab"));
+    if (!file)
+        return;
+    std::fwprintf(file.get(), L"%ls\r\n", title);
+    for (int offset = 0; offset < length; offset += BYTES_PER_ROW)
+        WriteRow(file.get(), data + offset);
+    std::fwprintf(file.get(), L"\r\n");
+}
+
+void SetLibDebugLevel(unsigned int level) {
+    LIBDBG_DEBUG_LEVEL = level;
+}
+
+unsigned int DecodeDebugLevel(int argc, char** argv) {
+    static const char* const options[] = {"-debug1", "-debug2", "-debug3"};
+    LIBDBG_DEBUG_LEVEL = 0;
+    for (int argument = 1; argument < argc; ++argument) {
+        for (unsigned int level = 1; level <= 3; ++level) {
+            if (strcasecmp(argv[argument], options[level - 1]) != 0)
+                continue;
+            LIBDBG_DEBUG_LEVEL = level;
+            const SCOPED_FILE emptied(wfopen(LOG_FILE, L"w"));
+            return level;
+        }
+    }
+    return 0;
+}
+
+FILE* wfopen(const wchar_t* path, const wchar_t* mode) {
+    if (!path || !mode)
+        return nullptr;
+    const std::unique_ptr<char[]> narrowPath = ToMultibyte(path);
+    const std::unique_ptr<char[]> narrowMode = ToMultibyte(mode);
+    return narrowPath && narrowMode ? std::fopen(narrowPath.get(), narrowMode.get()) : nullptr;
+}
+
+void PrintBuffer(const wchar_t* title, const unsigned char* data, int length) {
+    // "%s" takes multibyte text: of a wide title only the leading byte shows. Hosts compare this output.
+    std::wprintf(L"%s", reinterpret_cast<const char*>(title));
+    for (int offset = 0; offset < length; ++offset)
+        std::wprintf(L" %02X", data[offset]);
+    std::wprintf(L"\n");
+}
+
+void debug(int, wchar_t*) {}

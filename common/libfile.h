@@ -1,0 +1,68 @@
+// A text file in memory, cut into lines that can be edited in place.
+#pragma once
+
+#include "common/scopedfile.h"
+#include "frudata/types.h"
+
+#include <memory>
+
+namespace Frudata_Private {
+
+/// Loads a whole file and gives access to its lines. A line ends at CR, LF, CR LF or LF CR. Each line is
+/// followed by a zero byte, so it is a text; editing keeps it so. A line index out of range, or a query
+/// of a file that is not loaded, is a fatal assertion.
+class CFile {
+  public:
+    CFile() = default;
+    /// As Open; a failure leaves an empty object.
+    explicit CFile(const char* path) { Open(path); }
+    CFile(const CFile&) = delete;
+    CFile& operator=(const CFile&) = delete;
+    virtual ~CFile() = default;
+
+    /// Loads the file at `path` in place of an earlier one. @return false when it cannot be opened or is empty
+    bool Open(const char* path);
+    bool IsOpen() const { return m_File != nullptr; }
+    /// Closes the file; its lines stay.
+    void Close() { m_File.reset(); }
+
+    UINT32 LineCount() const;
+    /// The text of line `line`, valid while the file is loaded.
+    const char* GetLine(UINT32 line) const;
+    UINT32 GetLineLength(UINT32 line) const;
+    /// Whether `text` occurs in the line.
+    bool LineContains(UINT32 line, const char* text) const;
+    /// The text between the first two delimiters of the line, valid until the next call; null without them.
+    const char* GetDelimitedString(UINT32 line, char delimiter);
+
+    /// Remove leading, trailing, or both kinds of blanks and tabs, of one line or of all.
+    void StripLeft(UINT32 line);
+    void StripRight(UINT32 line);
+    void Strip(UINT32 line);
+    void StripLeft() { ForAllLines(&CFile::StripLeft); }
+    void StripRight() { ForAllLines(&CFile::StripRight); }
+    void Strip() { ForAllLines(&CFile::Strip); }
+    /// Removes every blank and tab of the line.
+    void SquishLine(UINT32 line);
+    /// Cuts the line, or all lines, at the first occurrence of `sequence`.
+    void StripRightFromSequence(const char* sequence, UINT32 line);
+    void StripRightFromSequence(const char* sequence);
+
+  private:
+    bool LoadCache();
+    bool CutIntoLines();
+    UINT32 CountLines() const;
+    UINT32 LineEndSize(UINT32 position) const;
+    char* LineText(UINT32 line) const;
+    void ForAllLines(void (CFile::*edit)(UINT32));
+
+    SCOPED_FILE m_File;
+    UINT32 m_NumLines = 0;
+    std::unique_ptr<UINT32[]> m_Offset;
+    std::unique_ptr<UINT32[]> m_Length;
+    UINT32 m_CacheSize = 0;
+    std::unique_ptr<char[]> m_Cache;
+    std::unique_ptr<char[]> m_Delimited;
+};
+
+} // namespace Frudata_Private

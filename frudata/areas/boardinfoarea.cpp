@@ -1,0 +1,114 @@
+#include "frudata/areas/boardinfoarea.h"
+
+#include "common/lasterror.h"
+
+#include <cstring>
+#include <ctime>
+#include <cwchar>
+#include <new>
+
+namespace Frudata_Private {
+
+namespace {
+
+constexpr UINTN MFG_DATE_TIME_SIZE = 3;
+/// 1995-12-31 00:00 UTC in seconds since 1970. The origin lies one day before the standard's: every board
+/// stamped and every date shown since the first release counts from here.
+constexpr std::int32_t MFG_DATE_TIME_ORIGIN = 820368000;
+constexpr std::size_t DATE_TIME_TEXT_SIZE = 256;
+
+constexpr INFO_AREA_FIELD FIELDS[] = {
+    {STRING_BOARD_MFG_DATE_TIME, L"SetMfgDateTime"}, {STRING_BOARD_MANUFACTURER, L"SetManufacturer"},
+    {STRING_BOARD_PRODUCT_NAME, L"SetProductName"},  {STRING_BOARD_SERIAL_NUMBER, L"SetSerialNumber"},
+    {STRING_BOARD_PART_NUMBER, L"SetPartNumber"},    {STRING_BOARD_FILE_ID, L"SetFileId"},
+};
+static_assert(std::size(FIELDS) == CBoardInfoArea::NUMBER_OF_FIELDS);
+
+constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
+    .className = L"CBoardInfoArea",
+    .sourceFile = "boardinfoarea.cpp",
+    .firstField = FRU_FIELD_BOARD_MFG_DATE_TIME,
+    .fields = FIELDS,
+    .customTitle = STRING_BOARD_CUSTOM_FIELD,
+    .headerSize = 6,
+    .headerFieldOffset = 3,
+    .headerFieldSize = MFG_DATE_TIME_SIZE,
+    .headerFieldMarksModified = false,
+    .customFieldsMarkModified = true,
+    .assertsFieldSelection = true,
+    .assertsPadding = true,
+    .customIndexCondition = "nIndexOfFieldToGet <= m_NumOfCustomFields",
+    .customPositionCondition = "nCurFieldIndex < m_NumOfCustomFields",
+    .tooLong = L"FRU Data too long",
+    .valueNoMemory = L"FRU Error allocation",
+    .customValueNoMemory = nullptr,
+};
+
+} // namespace
+
+CBoardInfoArea::CBoardInfoArea() : CInfoArea(DESCRIPTION) {}
+
+const UINT8* CBoardInfoArea::GetMfgDateTime() const {
+    return Trace(L"GetMfgDateTime").Exit(&m_header[HEADER_MFG_DATE_TIME]);
+}
+
+bool CBoardInfoArea::SetMfgDateTime(const UINT8* value, UINTN length) {
+    const CTrace trace = Trace(L"SetMfgDateTime");
+    if (!value || length != MFG_DATE_TIME_SIZE)
+        return false;
+    std::memmove(&m_header[HEADER_MFG_DATE_TIME], value, MFG_DATE_TIME_SIZE);
+    UpdateChecksum();
+    return trace.Exit(true);
+}
+
+bool CBoardInfoArea::isMfgDateTimeSet() const {
+    const CTrace trace = Trace(L"isMfgDateTimeSet");
+    const UINT8* date = &m_header[HEADER_MFG_DATE_TIME];
+    return trace.Exit((date[0] | date[1] | date[2]) != 0);
+}
+
+void CBoardInfoArea::updateMfgDateTime() {
+    const CTrace trace = Trace(L"updateMfgDateTime");
+    if (!isMfgDateTimeSet()) {
+        getCurTimeInMfgDateTimeFormat(&m_header[HEADER_MFG_DATE_TIME]);
+        UpdateChecksum();
+    }
+    trace.Exit();
+}
+
+bool CBoardInfoArea::getCurTimeInMfgDateTimeFormat(UINT8* out) const {
+    const CTrace trace = Trace(L"getCurTimeInMfgDateTimeFormat");
+    if (!out)
+        return false;
+    const auto minutes = static_cast<std::int32_t>(std::time(nullptr) - MFG_DATE_TIME_ORIGIN) / 60;
+    for (UINTN index = 0; index < MFG_DATE_TIME_SIZE; ++index)
+        out[index] = static_cast<UINT8>(static_cast<UINT32>(minutes) >> 8 * index);
+    return trace.Exit(true);
+}
+
+bool CBoardInfoArea::SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) {
+    if (SetMfgDateTime(data, length))
+        return true;
+    trace.Fail(L"Invalid Mfg Date Time");
+    RecordLastError(STRING_INVALID_MFG_DATE_TIME);
+    return false;
+}
+
+std::unique_ptr<WCHAR[]> CBoardInfoArea::HeaderFieldText(const CTrace& trace) const {
+    const UINT8* date = &m_header[HEADER_MFG_DATE_TIME];
+    const std::time_t seconds = (date[0] | date[1] << 8 | date[2] << 16) * 60 + MFG_DATE_TIME_ORIGIN;
+    const std::tm* time = std::gmtime(&seconds);
+    if (!time) {
+        trace.Fail(L"Invalid Timestamp");
+        RecordLastError(STRING_INVALID_TIMESTAMP);
+        return nullptr;
+    }
+    const WCHAR* format = GetFormat(STRING_DATE_TIME_FORMAT, "uuuuuu");
+    std::unique_ptr<WCHAR[]> text(format ? new (std::nothrow) WCHAR[DATE_TIME_TEXT_SIZE]() : nullptr);
+    if (text)
+        std::swprintf(text.get(), DATE_TIME_TEXT_SIZE, format, time->tm_mon + 1, time->tm_mday, time->tm_year + 1900,
+                      time->tm_hour, time->tm_min, time->tm_sec);
+    return text;
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,34 @@
+#include "frudata/areas/typelength.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace Frudata_Private {
+
+bool CFruField::Assign(UINT8 typeLength, const UINT8* data) {
+    const UINTN length = DecodeLength(typeLength);
+    std::unique_ptr<UINT8[]> copy(new (std::nothrow) UINT8[length + 1]);
+    if (!copy)
+        return false;
+    std::memcpy(copy.get(), data, length);
+    copy[length] = 0;
+    m_data = std::move(copy);
+    m_typeLength = typeLength;
+    return true;
+}
+
+std::unique_ptr<WCHAR[]> ToDisplayText(const UINT8* data) {
+    const char* bytes = data ? reinterpret_cast<const char*>(data) : "";
+    std::size_t length = std::mbstowcs(nullptr, bytes, 0);
+    if (length == static_cast<std::size_t>(-1)) {
+        bytes = "";
+        length = 0;
+    }
+    std::unique_ptr<WCHAR[]> text(new (std::nothrow) WCHAR[length + 1]);
+    if (text)
+        std::mbstowcs(text.get(), bytes, length + 1);
+    return text;
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,20 @@
+#include "frudata/image/fileheader.h"
+
+#include "common/assertion.h"
+
+#include <cstring>
+#include <new>
+
+namespace Frudata_Private {
+
+bool CFileHeader::Store(std::unique_ptr<char[]>& value, const char* text) {
+    Assert(text != nullptr, "fileheader.cpp", "text");
+    const std::size_t size = std::strlen(text) + 1;
+    value.reset(new (std::nothrow) char[size]);
+    if (!value)
+        return false;
+    std::memcpy(value.get(), text, size);
+    return true;
+}
+
+} // namespace Frudata_Private

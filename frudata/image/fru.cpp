@@ -1,0 +1,212 @@
+#include "frudata/image/fru.h"
+
+#include "common/assertion.h"
+#include "common/lasterror.h"
+
+#include <cstring>
+#include <cwchar>
+
+namespace Frudata_Private {
+
+int g_fdPlatform = 0;
+
+namespace {
+
+constexpr char SOURCE_FILE[] = "fru.cpp";
+/// Below this a buffer could not hold a useful identifier.
+constexpr int SMALLEST_IDENTIFIER_BYTES = 100;
+
+CTrace Trace(const WCHAR* operation) {
+    return {L"CFru", operation};
+}
+
+} // namespace
+
+CInfoArea* CFru::GetInfoArea(FRU_AREA area) {
+    switch (area) {
+    case FRU_AREA_CHASSIS:
+        return &m_chassis;
+    case FRU_AREA_BOARD:
+        return &m_board;
+    case FRU_AREA_PRODUCT:
+        return &m_product;
+    default:
+        return nullptr;
+    }
+}
+
+CFruArea* CFru::GetFieldArea(FRU_AREA area) {
+    if (area == FRU_AREA_INTERNAL_USE)
+        return &m_internalUse;
+    return GetInfoArea(area);
+}
+
+EFI_STATUS CFru::GetFruNameString(const WCHAR*& name) const {
+    const CTrace trace = Trace(L"GetFruNameString");
+    name = m_locator.name;
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+UINTN CFru::GetInternalAreaLength() const {
+    return Trace(L"GetInternalAreaLength").Exit(m_internalUse.GetLength());
+}
+
+UINT16 CFru::GetMultiRecAreaLength() const {
+    return Trace(L"GetMultiRecAreaLength").Exit(m_multiRecLength);
+}
+
+EFI_STATUS CFru::CreateFruList() {
+    return Trace(L"CreateFruList").Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::LoadFromFile(std::FILE*) {
+    FailAssertion(SOURCE_FILE, "0");
+}
+
+bool CFru::HasInternalArea() const {
+    return Trace(L"HasInternalArea").Exit(m_header.Has(FRU_HEADER_INTERNAL_USE));
+}
+
+bool CFru::HasChassisArea() const {
+    return Trace(L"HasChassisArea").Exit(m_header.Has(FRU_HEADER_CHASSIS));
+}
+
+bool CFru::HasBoardArea() const {
+    return Trace(L"HasBoardArea").Exit(m_header.Has(FRU_HEADER_BOARD));
+}
+
+bool CFru::HasProductArea() const {
+    return Trace(L"HasProductArea").Exit(m_header.Has(FRU_HEADER_PRODUCT));
+}
+
+bool CFru::HasMultiRecArea() const {
+    return Trace(L"HasMultiRecArea").Exit(m_header.Has(FRU_HEADER_MULTIRECORD));
+}
+
+UINTN CFru::GetNumberOfAreas() const {
+    const CTrace trace = Trace(L"GetNumberOfAreas");
+    UINTN count = 0;
+    for (UINTN place = FRU_HEADER_INTERNAL_USE; place <= FRU_HEADER_MULTIRECORD; ++place)
+        count += m_header[place] != 0;
+    return trace.Exit(count);
+}
+
+EFI_STATUS CFru::DecodeHeader(const UINT8* data) {
+    const CTrace trace = Trace(L"DecodeHeader");
+    m_header.SetData(data);
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SerializeCommonHeader(UINT8* data) {
+    const CTrace trace = Trace(L"SerializeCommonHeader");
+    Assert(data != nullptr, SOURCE_FILE, "data");
+    std::memcpy(data, m_header.GetData(), CFruHeader::FRU_HEADER_LENGTH);
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+UINT8 CFru::CalculateChecksum(const UINT8* data, int length) {
+    return Trace(L"CalculateChecksum").Exit(ZeroChecksum(data, length));
+}
+
+UINT16 CFru::GetOverallLength() const {
+    const CTrace trace = Trace(L"GetOverallLength");
+    return trace.Exit(static_cast<UINT16>(m_board.GetLength() + m_chassis.GetLength() + m_product.GetLength() +
+                                          m_multiRecLength + m_internalUse.GetLength() + m_header.GetLength()));
+}
+
+EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
+    const CTrace trace = Trace(L"ComputeAreaLengths");
+    // From the back: `end` is where the area behind the one at hand starts.
+    int end = totalLength;
+    const auto lengthOf = [this, &end](FRU_HEADER_BYTE area) {
+        const int length = m_header.Has(area) ? end - static_cast<int>(m_header.Offset(area)) : 0;
+        end -= length;
+        return static_cast<UINTN>(length);
+    };
+    m_multiRecLength = static_cast<UINT16>(lengthOf(FRU_HEADER_MULTIRECORD));
+    m_product.SetLength(lengthOf(FRU_HEADER_PRODUCT));
+    m_board.SetLength(lengthOf(FRU_HEADER_BOARD));
+    m_chassis.SetLength(lengthOf(FRU_HEADER_CHASSIS));
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SetMultiRecArea(const UINT8* data, UINTN length, bool modified) {
+    const CTrace trace = Trace(L"SetMultiRecArea");
+    m_multiRecords.reset();
+    m_multiRecLength = static_cast<UINT16>(length);
+    const EFI_STATUS status = DecodeMultiRecArea(data);
+    if (status != FRU_STATUS_SUCCESS) {
+        RecordLastError(STRING_UNEXPECTED);
+        return trace.Fail(L"Unexpected", status);
+    }
+    m_multiRecModified = modified;
+    return trace.Exit(status);
+}
+
+EFI_STATUS CFru::DecodeMultiRecArea(const UINT8* data) {
+    const CTrace trace = Trace(L"DecodeMultiRecArea");
+    m_multiRecords.reset();
+    CMultiRecordAppender records(m_multiRecords);
+    for (UINTN offset = 0; offset < m_multiRecLength;) {
+        FRUMultiRecord* record = records.Append();
+        if (!record)
+            return FRU_STATUS_OUT_OF_MEMORY;
+        record->Decode(data + offset, m_multiRecLength - offset);
+        offset += MULTIRECORD_HEADER_LENGTH + record->length;
+    }
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::TakeMultiRecBlock(const UINT8* data, UINTN length) {
+    m_multiRecLength = static_cast<UINT16>(length);
+    return DecodeMultiRecArea(data);
+}
+
+EFI_STATUS CFru::SerializeMultiRecArea(UINT8* buffer, UINTN& length) const {
+    const CTrace trace = Trace(L"SerializeMultiRecArea");
+    const UINTN capacity = length;
+    UINTN written = 0;
+    length = 0;
+    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
+        if (capacity - written < MULTIRECORD_HEADER_LENGTH)
+            return trace.Fail(L"Unexpected", FRU_STATUS_BUFFER_TOO_SMALL);
+        record->EncodeHeader(buffer + written);
+        written += MULTIRECORD_HEADER_LENGTH;
+        if (capacity - written < record->length)
+            return FRU_STATUS_BUFFER_TOO_SMALL;
+        std::memcpy(buffer + written, record->data, record->length);
+        written += record->length;
+    }
+    length = written;
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+bool CFru::CheckMultiRecCheckSum() const {
+    const CTrace trace = Trace(L"CheckMultiRecCheckSum");
+    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
+        if (!record->IsValid())
+            return false;
+    }
+    return trace.Exit(true);
+}
+
+const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* buffer, int bufferBytes) {
+    const CTrace trace = Trace(L"GetFriendlyFruIdentifier");
+    if (!locator || !buffer || bufferBytes < SMALLEST_IDENTIFIER_BYTES)
+        return L"";
+    const std::size_t size = static_cast<std::size_t>(bufferBytes) / sizeof(WCHAR);
+    if (locator->name) {
+        std::wcsncpy(buffer, locator->name, size - 1);
+    } else {
+        const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
+        if (!format ||
+            std::swprintf(buffer, size, format, static_cast<unsigned>(locator->deviceId),
+                          static_cast<unsigned>(locator->controller), static_cast<unsigned>(locator->deviceAddress),
+                          static_cast<unsigned>(locator->bus)) < 0)
+            buffer[0] = 0;
+    }
+    buffer[size - 1] = 0;
+    return trace.Exit(static_cast<const WCHAR*>(buffer));
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,44 @@
+#include "frudata/image/fruheader.h"
+
+#include "common/trace.h"
+
+#include <cstring>
+
+namespace Frudata_Private {
+
+namespace {
+
+CTrace Trace(const WCHAR* operation) {
+    return {L"CFruHeader", operation};
+}
+
+} // namespace
+
+UINT8 ZeroChecksum(const UINT8* data, int length) {
+    UINTN sum = 0;
+    for (int index = 0; index < length; ++index)
+        sum += data[index];
+    return static_cast<UINT8>(0U - sum);
+}
+
+UINTN CFruHeader::GetLength() const {
+    return Trace(L"GetLength").Exit(FRU_HEADER_LENGTH + 0);
+}
+
+const UINT8* CFruHeader::GetData() {
+    const CTrace trace = Trace(L"GetData");
+    std::memcpy(m_copy, m_bytes, FRU_HEADER_LENGTH);
+    return trace.Exit(m_copy);
+}
+
+void CFruHeader::SetData(const UINT8* data) {
+    const CTrace trace = Trace(L"SetData");
+    std::memcpy(m_bytes, data, FRU_HEADER_LENGTH);
+    trace.Exit();
+}
+
+bool CFruHeader::IsValid() const {
+    return Trace(L"IsValid").Exit(ZeroChecksum(m_bytes, FRU_HEADER_LENGTH) == 0);
+}
+
+} // namespace Frudata_Private

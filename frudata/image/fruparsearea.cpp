@@ -1,0 +1,145 @@
+// Reading one area block of a FRU text file.
+#include "common/assertion.h"
+#include "common/lasterror.h"
+#include "frudata/image/fru.h"
+#include "frudata/image/textfilekeys.h"
+
+#include <cstring>
+
+namespace Frudata_Private {
+
+namespace {
+
+constexpr char SOURCE_FILE[] = "frureadfile.cpp";
+
+/// Collects the bytes of one block.
+class CAreaBlock {
+  public:
+    static constexpr UINTN SIZE = 512;
+
+    bool IsFull() const { return m_length == SIZE; }
+    UINTN GetLength() const { return m_length; }
+    UINT8* GetData() { return m_data; }
+    void Clear();
+
+    EFI_STATUS AddText(const char* text, UINTN length);
+    EFI_STATUS AddHexadecimal(const char* digits);
+    /// A byte's two digits stand on one line.
+    void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
+
+  private:
+    UINT8 m_data[SIZE];
+    UINTN m_length;
+    bool m_isHalf;
+    UINT8 m_half;
+};
+
+/// The value of a hexadecimal digit, or 16.
+constexpr UINT8 DigitValue(char digit) {
+    if (digit >= '0' && digit <= '9')
+        return static_cast<UINT8>(digit - '0');
+    const char lower = static_cast<char>(digit | 0x20);
+    if (lower >= 'a' && lower <= 'f')
+        return static_cast<UINT8>(lower - 'a' + 10);
+    return 16;
+}
+
+void CAreaBlock::Clear() {
+    std::memset(m_data, 0, SIZE);
+    m_length = 0;
+    m_isHalf = false;
+}
+
+EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
+    if (length > SIZE - m_length)
+        return FRU_STATUS_AREA_TOO_BIG;
+    std::memcpy(m_data + m_length, text, length);
+    m_length += length;
+    return FRU_STATUS_SUCCESS;
+}
+
+EFI_STATUS CAreaBlock::AddHexadecimal(const char* digits) {
+    AssertWholeByte();
+    for (; *digits; ++digits) {
+        if (*digits == '#' || *digits == ' ' || *digits == '\t')
+            continue;
+        const UINT8 value = DigitValue(*digits);
+        if (value > 0x0F)
+            return FRU_STATUS_UNEXPECTED_CHARACTER;
+        if (!m_isHalf) {
+            m_half = value;
+        } else {
+            if (IsFull())
+                return FRU_STATUS_AREA_TOO_BIG;
+            m_data[m_length++] = static_cast<UINT8>(m_half << 4 | value);
+        }
+        m_isHalf = !m_isHalf;
+    }
+    return FRU_STATUS_SUCCESS;
+}
+
+/// Adds one line. @return false when the line ends the block
+bool AddLine(const char* line, CAreaBlock& block, EFI_STATUS& status) {
+    status = FRU_STATUS_SUCCESS;
+    if (*line == 0)
+        return true;
+    const char* first = std::strchr(line, FRU_SINGLE_QUOTE);
+    const char* second = first ? std::strchr(first + 1, FRU_SINGLE_QUOTE) : nullptr;
+    if (second) {
+        status = block.AddText(first + 1, static_cast<UINTN>(second - first - 1));
+        return true;
+    }
+    if (std::strstr(line, FRU_CLOSE_PAREN) || std::strstr(line, FRU_AREA_TAG_PREFIX))
+        return false;
+    status = block.AddHexadecimal(line);
+    return true;
+}
+
+/// One for the whole library: an image reads its areas one after another.
+CAreaBlock g_areaBlock;
+
+} // namespace
+
+EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
+    const CTrace trace(L"CFru", L"ParseArea");
+    g_areaBlock.Clear();
+    if (!file.LineContains(line, tag))
+        return trace.Fail(L"Missing Area Tag", FRU_STATUS_MISSING_AREA_TAG);
+    EFI_STATUS status = FRU_STATUS_SUCCESS;
+    const UINTN lines = file.LineCount();
+    while (++line < lines && !g_areaBlock.IsFull() && AddLine(file.GetLine(line), g_areaBlock, status)) {
+        if (status == FRU_STATUS_AREA_TOO_BIG)
+            return trace.Fail(L"Area Too Big", status);
+        if (status == FRU_STATUS_UNEXPECTED_CHARACTER)
+            return trace.Fail(L"Unexpected Character", status);
+    }
+    g_areaBlock.AssertWholeByte();
+    // An area may be one byte short of the buffer: one that fills it could have been cut.
+    Assert(!g_areaBlock.IsFull(), SOURCE_FILE, "index != 512");
+    data = g_areaBlock.GetData();
+    length = g_areaBlock.GetLength();
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename) {
+    static constexpr struct {
+        EFI_STATUS status;
+        const WCHAR* reason;
+        STRING_ID message;
+    } MESSAGES[] = {
+        {FRU_STATUS_MISSING_AREA_TAG, L"Missing Area Tag", STRING_FILE_MISSING_AREA_TAG},
+        {FRU_STATUS_AREA_TOO_BIG, L"Area Too Big", STRING_FILE_AREA_TOO_BIG},
+        {FRU_STATUS_UNEXPECTED_CHARACTER, L"Unexpected Character", STRING_FILE_UNEXPECTED_CHARACTER},
+        {FRU_STATUS_SUCCESS, L"Area Parse Error", STRING_FILE_AREA_INVALID}, // every other failure
+    };
+    const CTrace trace(L"CFru", L"SetParseAreaErrorMessage");
+    Assert(status != FRU_STATUS_SUCCESS, SOURCE_FILE, "status");
+    const auto* row = MESSAGES;
+    while (row->status != FRU_STATUS_SUCCESS && row->status != status)
+        ++row;
+    trace.Fail(row->reason);
+    RecordLastError(row->message, areaName, filename);
+    trace.Exit();
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,309 @@
+// Reading a FRU text file: a state machine over its lines, one row a state.
+#include "common/assertion.h"
+#include "common/lasterror.h"
+#include "frudata/image/fru.h"
+#include "frudata/image/textfilekeys.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <span>
+
+namespace Frudata_Private {
+
+namespace {
+
+constexpr char SOURCE_FILE[] = "frureadfile.cpp";
+
+enum READ_STATE : unsigned {
+    READ_START = 0,
+    READ_LF_NAME = 1,
+    READ_LF_VERSION = 2,
+    READ_LF_FMT_VER = 3,
+    READ_IPMI_VERSION = 4,
+    READ_FRU = 5,
+    READ_FRU_TITLE = 6,
+    READ_START_ADDR = 7,
+    READ_DATA_LEN = 8,
+    READ_NVS_TYPE = 9,
+    READ_DEV_ID = 10,
+    READ_DEV_CNTR = 11,
+    READ_NVS_LUN = 12,
+    READ_DEV_BUS = 13,
+    READ_DEV_ADDRESS = 14,
+    READ_COMMON = 15,
+    READ_INTERNAL = 16,
+    READ_CHASSIS = 17,
+    READ_BOARD = 18,
+    READ_PRODUCT = 19,
+    READ_MULTIREC = 20,
+    READ_CLOSE_PAREN = 21,
+    READ_MBMC_SIZE_ADRS = 22,
+    READ_MBMC_SIZE_DATA = 23,
+    READ_DONE = 24,
+    READ_FAILED = 25
+};
+
+constexpr std::int64_t BYTE_LIMIT = 0xFF;
+constexpr std::int64_t WORD_LIMIT = 0xFFFF;
+constexpr std::int64_t NO_LIMIT = INT64_MAX;
+
+class CFruFileReader;
+
+/// What one state waits for, and what it does with it.
+struct READ_STEP {
+    const char* key; ///< the line must hold it
+    READ_STATE (CFruFileReader::*read)(const READ_STEP& step);
+    READ_STATE next;
+    STRING_ID name;           ///< what an error message calls the value or area
+    STRING_ID outOfRangeName; ///< the same where a number was scanned and is too large
+    std::int64_t limit;       ///< largest number accepted
+    bool isOptional;          ///< else the line is tried as the next state's
+    bool isSilent;            ///< failures leave no line in the debug log
+    union {
+        bool (CFileHeader::*setText)(const char* text);
+        void (*storeNumber)(CFru& fru, UINT32 number);
+        bool (*storeArea)(CFru& fru, const UINT8* data, UINTN length);
+    };
+};
+
+/// One reading of one file into one image.
+class CFruFileReader {
+  public:
+    CFruFileReader(CFru& fru, CFile& file, const char* filename, const CTrace& trace)
+        : m_fru(fru), m_file(file), m_filename(filename), m_trace(trace) {}
+
+    /// @return READ_DONE, READ_FAILED, or the state in which the lines ran out
+    READ_STATE Run();
+
+    READ_STATE ReadHeaderText(const READ_STEP& step);
+    READ_STATE ReadOpenParen(const READ_STEP& step);
+    READ_STATE ReadTitle(const READ_STEP& step);
+    READ_STATE SkipValue(const READ_STEP& step);
+    READ_STATE ReadType(const READ_STEP& step);
+    READ_STATE ReadNumber(const READ_STEP& step);
+    READ_STATE ReadArea(const READ_STEP& step);
+
+  private:
+    bool ScanNumber(const READ_STEP& step, std::int64_t& number) const;
+    READ_STATE RefuseValue(const READ_STEP& step, STRING_ID name) const;
+    READ_STATE NextArea(READ_STATE areaRead) const;
+
+    CFru& m_fru;
+    CFile& m_file;
+    const char* m_filename;
+    const CTrace& m_trace;
+    UINT32 m_line = 0;
+};
+
+constexpr READ_STEP TextStep(const char* key, STRING_ID name, bool (CFileHeader::*setText)(const char*),
+                             READ_STATE next) {
+    return {key, &CFruFileReader::ReadHeaderText, next, name, name, NO_LIMIT, false, false, {.setText = setText}};
+}
+
+constexpr READ_STEP NumberStep(const char* key, STRING_ID name, std::int64_t limit, void (*store)(CFru&, UINT32),
+                               READ_STATE next) {
+    return {key, &CFruFileReader::ReadNumber, next, name, name, limit, false, false, {.storeNumber = store}};
+}
+
+/// The mBMC sizes share the messages of bus and address, and never had lines in the debug log.
+constexpr READ_STEP MbmcStep(const char* key, std::int64_t limit, void (*store)(CFru&, UINT32), READ_STATE next) {
+    return {key,  &CFruFileReader::ReadNumber, next, STRING_KEY_DEV_BUS, STRING_KEY_DEV_ADDRESS, limit, false,
+            true, {.storeNumber = store}};
+}
+
+constexpr READ_STEP AreaStep(const char* tag, STRING_ID name, bool (*store)(CFru&, const UINT8*, UINTN)) {
+    return {tag, &CFruFileReader::ReadArea, READ_DONE, name, name, NO_LIMIT, false, false, {.storeArea = store}};
+}
+
+constexpr READ_STEP Step(const char* key, READ_STATE (CFruFileReader::*read)(const READ_STEP&), STRING_ID name,
+                         bool isOptional, READ_STATE next) {
+    return {key, read, next, name, name, NO_LIMIT, isOptional, false, {.setText = nullptr}};
+}
+
+bool StoreCommonHeader(CFru& fru, const UINT8* data, UINTN length) {
+    Assert(length == CFruHeader::FRU_HEADER_LENGTH, SOURCE_FILE, "length == 8");
+    return fru.DecodeHeader(data) == FRU_STATUS_SUCCESS;
+}
+
+bool StoreMultiRecords(CFru& fru, const UINT8* data, UINTN length) {
+    Assert(length >= MULTIRECORD_HEADER_LENGTH, SOURCE_FILE, "length >= 5");
+    return fru.TakeMultiRecBlock(data, length) == FRU_STATUS_SUCCESS;
+}
+
+template <UINT8 FRU_LOCATOR::*FIELD> void StoreAddressByte(CFru& fru, UINT32 number) {
+    fru.GetDevLocator()->*FIELD = static_cast<UINT8>(number);
+}
+
+// Indexed by state.
+constexpr READ_STEP STEPS[] = {
+    TextStep(FRU_LF_NAME, STRING_KEY_LF_NAME, &CFileHeader::SetLfName, READ_LF_VERSION),
+    TextStep(FRU_LF_NAME, STRING_KEY_LF_NAME, &CFileHeader::SetLfName, READ_LF_VERSION),
+    TextStep(FRU_LF_VERSION, STRING_KEY_LF_VERSION, &CFileHeader::SetLfVersion, READ_LF_FMT_VER),
+    TextStep(FRU_LF_FMT_VER, STRING_KEY_LF_FMT_VER, &CFileHeader::SetLfFmtVersion, READ_IPMI_VERSION),
+    TextStep(FRU_IMPI_VERSION, STRING_KEY_IPMI_VERSION, &CFileHeader::SetIpmiVersion, READ_FRU),
+    Step(FRU_FRU, &CFruFileReader::ReadOpenParen, STRING_KEY_FRU_TITLE, false, READ_FRU_TITLE),
+    Step(FRU_FRU_TITLE, &CFruFileReader::ReadTitle, STRING_KEY_FRU_TITLE, true, READ_START_ADDR),
+    Step(FRU_START_ADDR, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, false, READ_DATA_LEN),
+    NumberStep(
+        FRU_DATA_LEN, STRING_KEY_DATA_LEN, WORD_LIMIT,
+        [](CFru& fru, UINT32 length) { fru.ComputeAreaLengths(static_cast<int>(length)); }, READ_NVS_TYPE),
+    Step(FRU_NVS_TYPE, &CFruFileReader::ReadType, STRING_KEY_NVS_TYPE, true, READ_DEV_ID),
+    NumberStep(FRU_DEV_ID, STRING_KEY_DEV_ID, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::deviceId>, READ_DEV_CNTR),
+    NumberStep(FRU_DEV_CNTR, STRING_KEY_DEV_CNTR, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::controller>, READ_NVS_LUN),
+    NumberStep(FRU_NVS_LUN, STRING_KEY_NVS_LUN, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::lun>, READ_DEV_BUS),
+    NumberStep(FRU_DEV_BUS, STRING_KEY_DEV_BUS, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::bus>, READ_DEV_ADDRESS),
+    NumberStep(FRU_DEV_ADDRESS, STRING_KEY_DEV_ADDRESS, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::deviceAddress>,
+               READ_COMMON),
+    AreaStep(FRU_COMMON, STRING_AREA_COMMON_HEADER, StoreCommonHeader),
+    AreaStep(FRU_INTERNAL, STRING_AREA_INTERNAL_USE,
+             [](CFru& fru, const UINT8* data, UINTN length) {
+                 return fru.GetInternalUseArea().SetData(data, length, false);
+             }),
+    AreaStep(FRU_CHASSIS, STRING_AREA_CHASSIS,
+             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetChassisInfoArea().SetData(data, length); }),
+    AreaStep(FRU_BOARD, STRING_AREA_BOARD,
+             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetBoardInfoArea().SetData(data, length); }),
+    AreaStep(FRU_PRODUCT, STRING_AREA_PRODUCT,
+             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetProductInfoArea().SetData(data, length); }),
+    AreaStep(FRU_MULTIREC, STRING_AREA_MULTIRECORD, StoreMultiRecords),
+    Step(FRU_CLOSE_PAREN, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, false, READ_DONE),
+    MbmcStep(
+        FRU_MBMC_SIZE_ADDRS, BYTE_LIMIT,
+        [](CFru& fru, UINT32 size) { fru.GetDevLocator()->mbmcSizeAddress = static_cast<UINT16>(size); },
+        READ_MBMC_SIZE_DATA),
+    MbmcStep(FRU_MBMC_SIZE_DATA, NO_LIMIT, StoreAddressByte<&FRU_LOCATOR::mbmcSizeData>, READ_DEV_BUS),
+};
+static_assert(std::size(STEPS) == READ_DONE);
+
+READ_STATE CFruFileReader::Run() {
+    READ_STATE state = READ_START;
+    const UINT32 lines = m_file.LineCount();
+    for (m_line = 0; m_line < lines && state < READ_DONE; ++m_line) {
+        const READ_STEP* step = &STEPS[state];
+        if (step->isOptional && !m_file.LineContains(m_line, step->key))
+            ++step;
+        if (m_file.LineContains(m_line, step->key))
+            state = (this->*step->read)(*step);
+        // An opening without its parenthesis is no opening: the state stays.
+    }
+    return state;
+}
+
+READ_STATE CFruFileReader::RefuseValue(const READ_STEP& step, STRING_ID name) const {
+    if (!step.isSilent)
+        m_trace.Fail(L"Unexpected Error while reading file");
+    RecordLastError(STRING_FILE_BAD_VALUE, GetText(name), m_filename);
+    return READ_FAILED;
+}
+
+READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
+    const char* text = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
+    return (m_fru.GetFileHeader().*step.setText)(text) ? step.next : RefuseValue(step, step.name);
+}
+
+READ_STATE CFruFileReader::ReadOpenParen(const READ_STEP& step) {
+    return m_file.LineContains(m_line, FRU_OPEN_PAREN) ? step.next : READ_FRU;
+}
+
+READ_STATE CFruFileReader::ReadTitle(const READ_STEP& step) {
+    const char* title = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
+    return m_fru.GetDevLocator()->SetName(title) == 0 ? step.next : RefuseValue(step, step.name);
+}
+
+READ_STATE CFruFileReader::SkipValue(const READ_STEP& step) {
+    return step.next;
+}
+
+READ_STATE CFruFileReader::ReadType(const READ_STEP& step) {
+    static constexpr struct {
+        const char* name;
+        FRU_TYPE type;
+        READ_STATE next;
+    } TYPES[] = {
+        {FRU_NVS_TYPE_AT24CO2, FRU_TYPE_AT24CO2, READ_DEV_ID},
+        {FRU_NVS_TYPE_DS1624S, FRU_TYPE_DS1624S, READ_DEV_ID},
+        {FRU_NVS_TYPE_IMBDEVICE, FRU_TYPE_IMBDEVICE, READ_DEV_ID},
+        {FRU_NVS_TYPE_MBMC, FRU_TYPE_MBMC_FRU, READ_MBMC_SIZE_ADRS},
+    };
+    const char* name = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
+    for (const auto& row : TYPES) {
+        if (!name || std::strcmp(name, row.name) != 0)
+            continue;
+        if (row.type == FRU_TYPE_MBMC_FRU && g_fdPlatform != FRU_PLATFORM_MBMC)
+            break;
+        m_fru.GetDevLocator()->type = row.type;
+        return row.next;
+    }
+    return RefuseValue(step, step.name);
+}
+
+bool CFruFileReader::ScanNumber(const READ_STEP& step, std::int64_t& number) const {
+    const char* line = m_file.GetLine(m_line);
+    const std::size_t keyLength = std::strlen(step.key);
+    if (std::strncmp(line, step.key, keyLength) != 0)
+        return false;
+    const char* digits = line + keyLength;
+    char* end = nullptr;
+    number = std::strtoll(digits, &end, 16);
+    return end != digits;
+}
+
+READ_STATE CFruFileReader::ReadNumber(const READ_STEP& step) {
+    std::int64_t number = 0;
+    if (!ScanNumber(step, number))
+        return RefuseValue(step, step.name);
+    if (step.limit != NO_LIMIT && (number < 0 || number > step.limit))
+        return RefuseValue(step, step.outOfRangeName);
+    step.storeNumber(m_fru, static_cast<UINT32>(number));
+    return step.next;
+}
+
+READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
+    UINT8* data = nullptr;
+    UINTN length = 0;
+    const EFI_STATUS status = CFru::ParseArea(step.key, m_file, m_line, data, length);
+    if (status != FRU_STATUS_SUCCESS) {
+        m_trace.Fail(L"Area Parse Error");
+        CFru::SetParseAreaErrorMessage(status, GetText(step.name), m_filename);
+        return READ_FAILED;
+    }
+    if (!step.storeArea(m_fru, data, length)) {
+        m_trace.Fail(L"Area Parse Error");
+        RecordLastError(STRING_FILE_AREA_INVALID, GetText(step.name), m_filename);
+        return READ_FAILED;
+    }
+    return NextArea(static_cast<READ_STATE>(&step - STEPS));
+}
+
+/// The first area behind `areaRead` that the header has: the areas' states follow the header's bytes.
+READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
+    for (unsigned state = areaRead + 1; state <= READ_MULTIREC; ++state) {
+        if (m_fru.GetFRUHeader()[state - READ_COMMON] != 0)
+            return static_cast<READ_STATE>(state);
+    }
+    return READ_DONE;
+}
+
+} // namespace
+
+EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
+    const CTrace trace(L"CFru", L"ReadFRUFromFile");
+    Assert(filename != nullptr, SOURCE_FILE, "filename");
+    CFile file;
+    if (!file.Open(filename)) {
+        RecordLastError(STRING_FILE_NOT_OPENED, filename);
+        return trace.Fail(L"Unexpected", FRU_STATUS_FILE_READ_ERROR);
+    }
+    file.StripRightFromSequence(FRU_COMMENT);
+    file.Strip();
+    const READ_STATE state = CFruFileReader(*this, file, filename, trace).Run();
+    if (state == READ_DONE)
+        return trace.Exit(FRU_STATUS_SUCCESS);
+    if (state != READ_FAILED) {
+        trace.Fail(L"Unexpected EOF");
+        RecordLastError(STRING_FILE_UNEXPECTED_END, filename);
+    }
+    return trace.Fail(L"File Read Error", FRU_STATUS_FILE_READ_ERROR);
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,218 @@
+// Writing a FRU text file. Each section opens the file for itself and appends.
+#include "common/lasterror.h"
+#include "frudata/image/fru.h"
+#include "frudata/image/textfilekeys.h"
+
+namespace Frudata_Private {
+
+namespace {
+
+CTrace Trace(const WCHAR* operation) {
+    return {L"CFru", operation};
+}
+
+SCOPED_FILE OpenSection(const CTrace& trace, const char* path, const char* mode) {
+    SCOPED_FILE file(std::fopen(path, mode));
+    if (!file) {
+        trace.Fail(L"Error Writing File");
+        RecordLastError(STRING_FILE_NOT_WRITTEN, path);
+    }
+    return file;
+}
+
+SCOPED_FILE AppendSection(const CTrace& trace, const char* path) {
+    return OpenSection(trace, path, "a");
+}
+
+void WriteQuoted(std::FILE* file, const char* key, const char* text) {
+    std::fprintf(file, "%s\t%c%s%c\n", key, FRU_SINGLE_QUOTE, text, FRU_SINGLE_QUOTE);
+}
+
+void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
+    const UINTN length = area.GetLength();
+    const UINT8* data = area.GetData();
+    const int major = length >= 2 ? static_cast<signed char>(data[length - 2]) : 0;
+    const int minor = length >= 1 ? static_cast<signed char>(data[length - 1]) : 0;
+    // Bytes from 0x80 on come out with eight digits: tools that read these files know them so.
+    std::fprintf(file, "%s\t%c%X.%02X%c\n", FRU_LF_VERSION, FRU_SINGLE_QUOTE, static_cast<unsigned>(major),
+                 static_cast<unsigned>(minor), FRU_SINGLE_QUOTE);
+}
+
+/// The title as multibyte text; empty where there is none or the locale cannot convert it, since printf
+/// would give up in the middle of the line.
+std::unique_ptr<char[]> ToNarrowTitle(const WCHAR* title) {
+    const std::size_t length = title ? std::wcstombs(nullptr, title, 0) : 0;
+    const std::size_t size = length == static_cast<std::size_t>(-1) ? 1 : length + 1;
+    std::unique_ptr<char[]> text(new (std::nothrow) char[size]());
+    if (text && size > 1)
+        std::wcstombs(text.get(), title, size);
+    return text;
+}
+
+const char* TypeName(FRU_TYPE type) {
+    switch (type) {
+    case FRU_TYPE_AT24CO2:
+        return FRU_NVS_TYPE_AT24CO2;
+    case FRU_TYPE_DS1624S:
+        return FRU_NVS_TYPE_DS1624S;
+    default:
+        return FRU_NVS_TYPE_IMBDEVICE;
+    }
+}
+
+EFI_STATUS WriteDataToFRUFile(std::FILE* file, const UINT8* data, int typeLength) {
+    const CTrace trace = Trace(L"WriteDataToFRUFile");
+    const UINTN length = DecodeLength(static_cast<UINT8>(typeLength));
+    if (typeLength == END_OF_FIELDS || length == 0)
+        return trace.Exit(FRU_STATUS_SUCCESS);
+    // The format has no form for binary and 6-bit packed data: only their type/length byte is written.
+    switch (typeLength & FIELD_TYPE_MASK) {
+    case FRU_FIELD_TYPE_TEXT:
+        std::fprintf(file, "%c%s%c\n", FRU_SINGLE_QUOTE, reinterpret_cast<const char*>(data), FRU_SINGLE_QUOTE);
+        break;
+    case FRU_FIELD_TYPE_BCD_PLUS:
+        for (UINTN index = 0; index < length; ++index)
+            std::fprintf(file, "%02X ", data[index]);
+        std::fprintf(file, "\n");
+        break;
+    default:
+        break;
+    }
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+/// The header, the fields and the end marker; padding and checksum are the reader's to compute.
+EFI_STATUS SaveInfoArea(const CTrace& trace, const char* path, const char* tag, const CInfoArea& area) {
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    const UINT8* header = area.GetHeader();
+    std::fprintf(file.get(), "%s\n%02X\n%02X\n%02X\n", tag, header[0], header[1], header[2]);
+    if (area.GetHeaderSize() > 3)
+        std::fprintf(file.get(), "%02X %02X %02X\n", header[3], header[4], header[5]);
+    area.ForEachField([&file](UINT8 typeLength, const UINT8* data) {
+        std::fprintf(file.get(), "%02X\n", typeLength);
+        WriteDataToFRUFile(file.get(), data, typeLength);
+    });
+    std::fprintf(file.get(), "%02X\n\n", END_OF_FIELDS);
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+void WriteRecord(std::FILE* file, const FRUMultiRecord& record) {
+    UINT8 header[MULTIRECORD_HEADER_LENGTH];
+    record.EncodeHeader(header);
+    for (const UINT8 byte : header)
+        std::fprintf(file, "%02X\n", byte);
+    for (UINTN index = 0; index < record.length; ++index)
+        std::fprintf(file, index > 1 && index % 16 == 0 ? "\n %02X " : "%02X ", record.data[index]);
+    std::fprintf(file, "\n ");
+}
+
+} // namespace
+
+EFI_STATUS CFru::SaveFRUToFile(const char* path) {
+    const CTrace trace = Trace(L"SaveFRUToFile");
+    const struct {
+        bool isPresent;
+        EFI_STATUS (CFru::*save)(const char* path);
+    } sections[] = {
+        {true, &CFru::SaveFRUFileHeader},
+        {true, &CFru::SaveFRUCommonHeader},
+        {m_header.Has(FRU_HEADER_INTERNAL_USE), &CFru::SaveInternalAreaToFile},
+        {m_header.Has(FRU_HEADER_CHASSIS), &CFru::SaveChassisAreaToFile},
+        {m_header.Has(FRU_HEADER_BOARD), &CFru::SaveBoardAreaToFile},
+        {m_header.Has(FRU_HEADER_PRODUCT), &CFru::SaveProductAreaToFile},
+        {m_header.Has(FRU_HEADER_MULTIRECORD), &CFru::SaveMultiRecAreaToFile},
+    };
+    for (const auto& section : sections) {
+        const EFI_STATUS status = section.isPresent ? (this->*section.save)(path) : FRU_STATUS_SUCCESS;
+        if (status != FRU_STATUS_SUCCESS)
+            return status;
+    }
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    std::fprintf(file.get(), "%s\n", FRU_CLOSE_PAREN);
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
+    const CTrace trace = Trace(L"SaveFRUFileHeader");
+    const SCOPED_FILE file = OpenSection(trace, path, "w");
+    if (!file)
+        return FRU_STATUS_FILE_CREATE_ERROR;
+    const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
+    WriteQuoted(file.get(), FRU_LF_NAME, path);
+    WriteVersion(file.get(), m_internalUse);
+    WriteQuoted(file.get(), FRU_LF_FMT_VER, "1.50");
+    WriteQuoted(file.get(), FRU_IMPI_VERSION, "1.00");
+    std::fprintf(file.get(), "\n\n%s %s\n", FRU_FRU, FRU_OPEN_PAREN);
+    WriteQuoted(file.get(), FRU_FRU_TITLE, title ? title.get() : "");
+    std::fprintf(file.get(), "%s\t%s\n", FRU_START_ADDR, "0000");
+    std::fprintf(file.get(), "%s\t%04X\n", FRU_DATA_LEN, GetOverallLength());
+    WriteQuoted(file.get(), FRU_NVS_TYPE, TypeName(m_locator.type));
+    // The second tab of this one line is part of the format.
+    std::fprintf(file.get(), "%s\t\t%02X\n", FRU_DEV_ID, m_locator.deviceId);
+    const struct {
+        const char* key;
+        UINT8 value;
+    } address[] = {
+        {FRU_DEV_CNTR, m_locator.controller},
+        {FRU_NVS_LUN, m_locator.lun},
+        {FRU_DEV_BUS, m_locator.bus},
+        {FRU_DEV_ADDRESS, m_locator.deviceAddress},
+    };
+    for (const auto& row : address)
+        std::fprintf(file.get(), "%s\t%02X\n", row.key, row.value);
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SaveFRUCommonHeader(const char* path) {
+    const CTrace trace = Trace(L"SaveFRUCommonHeader");
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    std::fprintf(file.get(), "%s\n", FRU_COMMON);
+    for (UINTN place = 0; place < CFruHeader::FRU_HEADER_LENGTH; ++place)
+        std::fprintf(file.get(), "\t%02X\n", m_header[place]);
+    std::fprintf(file.get(), "\n\n");
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SaveInternalAreaToFile(const char* path) {
+    const CTrace trace = Trace(L"SaveInternalAreaToFile");
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    std::fprintf(file.get(), "%s\n", FRU_INTERNAL);
+    for (UINTN index = 0; index < m_internalUse.GetLength(); ++index)
+        std::fprintf(file.get(), index % 16 == 0 ? "\n\t%02X " : "%02X ", m_internalUse.GetData()[index]);
+    std::fprintf(file.get(), "\n\n\n");
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+EFI_STATUS CFru::SaveChassisAreaToFile(const char* path) {
+    return SaveInfoArea(Trace(L"SaveChassisAreaToFile"), path, FRU_CHASSIS, m_chassis);
+}
+
+EFI_STATUS CFru::SaveBoardAreaToFile(const char* path) {
+    return SaveInfoArea(Trace(L"SaveBoardAreaToFile"), path, FRU_BOARD, m_board);
+}
+
+EFI_STATUS CFru::SaveProductAreaToFile(const char* path) {
+    return SaveInfoArea(Trace(L"SaveProductAreaToFile"), path, FRU_PRODUCT, m_product);
+}
+
+EFI_STATUS CFru::SaveMultiRecAreaToFile(const char* path) {
+    const CTrace trace = Trace(L"SaveMultiRecAreaToFile");
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    std::fprintf(file.get(), "%s\n", FRU_MULTIREC);
+    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get())
+        WriteRecord(file.get(), *record);
+    std::fprintf(file.get(), "\n");
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,25 @@
+#include "frudata/operation.h"
+
+namespace Frudata_Private {
+
+EFI_STATUS COperation::Fail(const WCHAR* reason, STRING_ID message, EFI_STATUS status) const {
+    m_trace.Fail(reason);
+    RecordLastError(message);
+    return status;
+}
+
+EFI_STATUS COperation::Check(OPERATION_NEED need) const {
+    if (!g_fInitialized)
+        return FRU_STATUS_NOT_INITIALIZED;
+    const CFruData& state = *g_FruData;
+    if (need == NEED_PROPERTIES)
+        return state.m_fPropertiesLoaded ? FRU_STATUS_SUCCESS : FailUnexpected(FRU_STATUS_NOT_LOADED);
+    if (need >= NEED_LOADED && !state.m_fLoaded)
+        return FailUnexpected(FRU_STATUS_NOT_LOADED);
+    const bool isSelected =
+        (need < NEED_LIST || state.m_listType != FRU_LIST_NONE) && (need < NEED_FRU || state.m_nFru != CURSOR_NONE) &&
+        (need < NEED_AREA || state.m_area != FRU_AREA_NONE) && (need < NEED_FIELD || state.m_nField != CURSOR_NONE);
+    return isSelected ? FRU_STATUS_SUCCESS : FailUnexpected(FRU_STATUS_NOT_SELECTED);
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,51 @@
+// What every operation of the table does the same way: its trace and its checks.
+#pragma once
+
+#include "common/lasterror.h"
+#include "common/trace.h"
+#include "frudata/frudatastate.h"
+
+namespace Frudata_Private {
+
+/// What an operation needs, each level including those before it, except that the properties need no
+/// loaded configuration.
+enum OPERATION_NEED {
+    NEED_INITIALIZED,
+    NEED_LOADED,
+    NEED_LIST,
+    NEED_FRU,
+    NEED_AREA,
+    NEED_FIELD,
+    NEED_PROPERTIES
+};
+
+/// One call of one operation.
+class COperation {
+  public:
+    explicit COperation(const WCHAR* name) : m_trace(L"FruData", name) {}
+
+    /// Checks the state. A failure but the first is traced and recorded.
+    /// @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED
+    EFI_STATUS Check(OPERATION_NEED need) const;
+    /// Traces and records a failure. @return `status`
+    EFI_STATUS Fail(const WCHAR* reason, STRING_ID message, EFI_STATUS status) const;
+    /// The failure that has no better name.
+    EFI_STATUS FailUnexpected(EFI_STATUS status) const { return Fail(L"Unexpected", STRING_UNEXPECTED, status); }
+    const CTrace& Trace() const { return m_trace; }
+
+  private:
+    CTrace m_trace;
+};
+
+/// Runs `body(operation)` where the checks pass, and traces the exit where it succeeds.
+template <typename BODY> EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
+    const COperation operation(name);
+    EFI_STATUS status = operation.Check(need);
+    if (status == FRU_STATUS_SUCCESS)
+        status = body(operation);
+    if (status == FRU_STATUS_SUCCESS)
+        operation.Trace().Exit();
+    return status;
+}
+
+} // namespace Frudata_Private

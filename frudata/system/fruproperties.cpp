@@ -1,0 +1,72 @@
+#include "frudata/system/fruproperties.h"
+
+#include "common/stringresource.h"
+#include "common/trace.h"
+#include "frudata/system/ipmicommands.h"
+#include "frudata/system/messages.h"
+
+#include <cwchar>
+#include <new>
+
+namespace Frudata_Private {
+
+namespace {
+
+constexpr std::size_t COUNT_TEXT_SIZE = 8;
+/// Place of the IPMI version in the answer to Get Device ID.
+constexpr UINTN DEVICE_ID_IPMI_VERSION = 4;
+
+CTrace Trace(const WCHAR* operation) {
+    return {L"FruData", operation};
+}
+
+std::unique_ptr<WCHAR[]> CountText(int count) {
+    std::unique_ptr<WCHAR[]> text(new (std::nothrow) WCHAR[COUNT_TEXT_SIZE]());
+    if (text)
+        std::swprintf(text.get(), COUNT_TEXT_SIZE, L"%i", count);
+    return text;
+}
+
+} // namespace
+
+void CFruProperties::SetNumberOfFrus(UINT8 count) {
+    m_numberOfFrus = count;
+    m_numberOfFrusString = CountText(m_numberOfFrus);
+}
+
+void CFruProperties::SetNumberOfIpmiFrus(UINT8 count) {
+    m_numberOfIpmiFrus = count;
+    m_numberOfIpmiFrusString = CountText(m_numberOfFrus);
+}
+
+void CFruProperties::SetIpmiVersionString(const WCHAR* text) {
+    if (!text)
+        return;
+    const std::size_t size = std::wcslen(text) + 1;
+    m_ipmiVersionString.reset(new (std::nothrow) WCHAR[size]);
+    if (m_ipmiVersionString)
+        std::wmemcpy(m_ipmiVersionString.get(), text, size);
+}
+
+UINT8 GetIPMIRevision() {
+    const CTrace trace = Trace(L"GetIPMIRevision");
+    BuildRequest(BMC_ADDRESS, NETFN_APPLICATION, 0, COMMAND_GET_DEVICE_ID, {});
+    // Without an answer the version byte is the 0 that the transport leaves behind.
+    SendRequest();
+    return trace.Exit(RespMsg->data[DEVICE_ID_IPMI_VERSION]);
+}
+
+EFI_STATUS InitializeFruProperties(CFruProperties& properties, unsigned int numberOfFrus,
+                                   unsigned int numberOfIpmiFrus) {
+    const CTrace trace = Trace(L"InitializeFruProperties");
+    properties.SetNumberOfFrus(0);
+    properties.SetNumberOfIpmiFrus(0);
+    properties.SetIpmiVersion(GetIPMIRevision());
+    properties.SetNumberOfFrus(static_cast<UINT8>(numberOfFrus));
+    properties.SetNumberOfIpmiFrus(static_cast<UINT8>(numberOfIpmiFrus));
+    const bool isFirst = properties.GetIpmiVersion() == 1;
+    properties.SetIpmiVersionString(GetText(isFirst ? STRING_IPMI_VERSION_FIRST : STRING_IPMI_VERSION_LATER));
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+} // namespace Frudata_Private

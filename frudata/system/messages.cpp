@@ -1,0 +1,36 @@
+#include "frudata/system/messages.h"
+
+#include <algorithm>
+#include <new>
+
+namespace Frudata_Private {
+
+std::unique_ptr<BMC_MESSAGE> ReqMsg;
+std::unique_ptr<BMC_MESSAGE> RespMsg;
+
+bool AllocateMessages() {
+    ReqMsg.reset(new (std::nothrow) BMC_MESSAGE());
+    RespMsg.reset(new (std::nothrow) BMC_MESSAGE());
+    return ReqMsg && RespMsg;
+}
+
+void FreeMessages() {
+    ReqMsg.reset();
+    RespMsg.reset();
+}
+
+void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::initializer_list<UINT8> data) {
+    ReqMsg->rsSa = responder;
+    ReqMsg->netFn = netFn;
+    ReqMsg->lun = lun;
+    ReqMsg->cmd = command;
+    std::copy(data.begin(), data.end(), ReqMsg->data);
+    ReqMsg->dataLength = static_cast<UINT32>(data.size());
+    ReqMsg->completionCode = 0;
+}
+
+int SendRequest() {
+    return ProcessMessage(ReqMsg.get(), RespMsg.get(), REQUEST_TIMEOUT);
+}
+
+} // namespace Frudata_Private

@@ -1,0 +1,30 @@
+// The two message records that all requests of this library are built in and answered into.
+#pragma once
+
+#include "frudata/bmclib.h"
+
+#include <initializer_list>
+#include <memory>
+
+namespace Frudata_Private {
+
+/// Allocated by `Initialize`, kept until `DeInitialize`.
+extern std::unique_ptr<BMC_MESSAGE> ReqMsg;
+extern std::unique_ptr<BMC_MESSAGE> RespMsg;
+
+/// Time-out of every request, in milliseconds.
+constexpr unsigned int REQUEST_TIMEOUT = 5000;
+/// Slave address of the BMC.
+constexpr UINT8 BMC_ADDRESS = 0x20;
+
+/// @return false when an allocation fails
+bool AllocateMessages();
+void FreeMessages();
+
+/// Builds a request in ReqMsg, its data being `data`.
+void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::initializer_list<UINT8> data);
+
+/// Sends ReqMsg to where its address says; the answer is in RespMsg. @return a transport value, 0 is success
+int SendRequest();
+
+} // namespace Frudata_Private

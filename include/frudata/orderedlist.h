@@ -1,0 +1,97 @@
+/* frudata: insertion-ordered list of pointers, shared with hosts that run the SDR scan. C++ only. */
+#ifndef FRUDATA_ORDEREDLIST_H
+#define FRUDATA_ORDEREDLIST_H
+
+#include <memory>
+#include <new>
+
+/**
+ * Doubly linked list of pointers in the order in which they were added. It never owns or frees the
+ * elements: the owner removes and destroys them before the list goes. T is a pointer type.
+ */
+template <typename T> class OrderedList {
+  public:
+    OrderedList() = default;
+    OrderedList(const OrderedList&) = delete;
+    OrderedList& operator=(const OrderedList&) = delete;
+    ~OrderedList() {
+        // One node at a time: a chain that destroyed itself recursively could exhaust the stack.
+        while (m_head)
+            m_head = std::move(m_head->next);
+    }
+
+    /** Appends `value`. @return `value`; null when it is null or no node could be allocated */
+    T Add(T value) {
+        if (!value)
+            return nullptr;
+        std::unique_ptr<OrderedListNode> node(new (std::nothrow) OrderedListNode);
+        if (!node)
+            return nullptr;
+        OrderedListNode* last = m_head.get();
+        while (last && last->next)
+            last = last->next.get();
+        node->value = value;
+        node->prev = last;
+        (last ? last->next : m_head) = std::move(node);
+        ++m_count;
+        return value;
+    }
+
+    /** Removes the first node that holds `value`. @return `value`; null when it is not present */
+    T Remove(T value) {
+        OrderedListNode* node = Find(value);
+        if (!node)
+            return nullptr;
+        std::unique_ptr<OrderedListNode>& link = node->prev ? node->prev->next : m_head;
+        std::unique_ptr<OrderedListNode> removed = std::move(link);
+        link = std::move(removed->next);
+        if (link)
+            link->prev = removed->prev;
+        --m_count;
+        return value;
+    }
+
+    /** The first element, or null. */
+    T First() const { return m_head ? m_head->value : nullptr; }
+
+    /** The element behind the first occurrence of `value`, or null. */
+    T Next(T value) const {
+        const OrderedListNode* node = Find(value);
+        return node && node->next ? node->next->value : nullptr;
+    }
+
+    /** The number of elements. */
+    unsigned int Count() const { return m_count; }
+
+    /**
+     * The element at `index`, or null. It walks by value with Next, so an element that was added twice
+     * makes later indices resolve through its first occurrence; owners keep elements unique.
+     */
+    T operator[](unsigned int index) const {
+        if (index >= m_count)
+            return nullptr;
+        T value = First();
+        for (unsigned int position = 0; position < index; ++position)
+            value = Next(value);
+        return value;
+    }
+
+  private:
+    struct OrderedListNode {
+        T value = nullptr;
+        OrderedListNode* prev = nullptr;
+        std::unique_ptr<OrderedListNode> next;
+    };
+
+    OrderedListNode* Find(T value) const {
+        OrderedListNode* node = value ? m_head.get() : nullptr;
+        while (node && node->value != value)
+            node = node->next.get();
+        return node;
+    }
+
+    std::unique_ptr<OrderedListNode> m_head;
+    unsigned int m_count = 0;
+};
+
+#endif

@@ -1,0 +1,26 @@
+/* frudata: finding every FRU device of a server in the BMC's SDR repository. C++ only. */
+#ifndef FRUDATA_SDRSCAN_H
+#define FRUDATA_SDRSCAN_H
+
+#include "frudata/locator.h"
+#include "frudata/orderedlist.h"
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+/**
+ * Walks the SDR repository (IPMI 2.0, section 33) and appends one new locator per FRU Device Locator
+ * record, then one per Management Controller Device Locator record, each in repository order, to
+ * `list`. The caller owns the list and the locators: delete each before the list.
+ *
+ * `Initialize` must have succeeded before. A failure ends the walk; what was decoded before it is
+ * still appended. An unsupported record type anywhere in the repository yields no locator at all.
+ *
+ * @return always 0
+ */
+EFI_STATUS ScanSystemForFruLocators(OrderedList<FRU_LOCATOR*>*& list);
+
+} // extern "C"
+#pragma GCC visibility pop
+
+#endif
