@@ -123,6 +123,7 @@ EFI_STATUS SetDisplayCallback(_EFI_FRU_INTERFACE*, FRU_DISPLAY_CALLBACK callback
 EFI_STATUS SetPwd(_EFI_FRU_INTERFACE*, const UINT8* password, unsigned int) {
     // The caller keeps to 16 bytes: the contract has no status for a longer password, and a hardened C
     // library stops the process rather than overrun the buffer.
+    // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.strcpy)
     std::strcpy(reinterpret_cast<char*>(gPwd), reinterpret_cast<const char*>(password));
     mPasswordSet = true;
     return FRU_STATUS_SUCCESS;

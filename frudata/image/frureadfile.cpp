@@ -54,16 +54,15 @@ struct READ_STEP {
     const char* key; ///< the line must hold it
     READ_STATE (CFruFileReader::*read)(const READ_STEP& step);
     READ_STATE next;
-    STRING_ID name;           ///< what an error message calls the value or area
-    STRING_ID outOfRangeName; ///< the same where a number was scanned and is too large
-    std::int64_t limit;       ///< largest number accepted
-    bool isOptional;          ///< else the line is tried as the next state's
-    bool isSilent;            ///< failures leave no line in the debug log
-    union {
-        bool (CFileHeader::*setText)(const char* text);
-        void (*storeNumber)(CFru& fru, UINT32 number);
-        bool (*storeArea)(CFru& fru, const UINT8* data, UINTN length);
-    };
+    STRING_ID name;                  ///< what an error message calls the value or area
+    STRING_ID outOfRangeName = name; ///< the same where a number was scanned and is too large
+    std::int64_t limit = NO_LIMIT;   ///< largest number accepted
+    bool isOptional = false;         ///< a line without the key is tried as the next state's
+    bool isSilent = false;           ///< failures leave no line in the debug log
+    // Where the value goes; one of them, as `read` needs it.
+    bool (CFileHeader::*setText)(const char* text) = nullptr;
+    void (*storeNumber)(CFru& fru, UINT32 number) = nullptr;
+    bool (*storeArea)(CFru& fru, const UINT8* data, UINTN length) = nullptr;
 };
 
 /// One reading of one file into one image.
@@ -95,29 +94,42 @@ class CFruFileReader {
     UINT32 m_line = 0;
 };
 
+constexpr READ_STEP Step(const char* key, READ_STATE (CFruFileReader::*read)(const READ_STEP&), STRING_ID name,
+                         READ_STATE next) {
+    return {.key = key, .read = read, .next = next, .name = name};
+}
+
+constexpr READ_STEP OptionalStep(const char* key, READ_STATE (CFruFileReader::*read)(const READ_STEP&), STRING_ID name,
+                                 READ_STATE next) {
+    return {.key = key, .read = read, .next = next, .name = name, .isOptional = true};
+}
+
 constexpr READ_STEP TextStep(const char* key, STRING_ID name, bool (CFileHeader::*setText)(const char*),
                              READ_STATE next) {
-    return {key, &CFruFileReader::ReadHeaderText, next, name, name, NO_LIMIT, false, false, {.setText = setText}};
+    return {.key = key, .read = &CFruFileReader::ReadHeaderText, .next = next, .name = name, .setText = setText};
 }
 
 constexpr READ_STEP NumberStep(const char* key, STRING_ID name, std::int64_t limit, void (*store)(CFru&, UINT32),
                                READ_STATE next) {
-    return {key, &CFruFileReader::ReadNumber, next, name, name, limit, false, false, {.storeNumber = store}};
+    return {.key = key,
+            .read = &CFruFileReader::ReadNumber,
+            .next = next,
+            .name = name,
+            .outOfRangeName = name,
+            .limit = limit,
+            .storeNumber = store};
 }
 
 /// The mBMC sizes share the messages of bus and address, and never had lines in the debug log.
 constexpr READ_STEP MbmcStep(const char* key, std::int64_t limit, void (*store)(CFru&, UINT32), READ_STATE next) {
-    return {key,  &CFruFileReader::ReadNumber, next, STRING_KEY_DEV_BUS, STRING_KEY_DEV_ADDRESS, limit, false,
-            true, {.storeNumber = store}};
+    READ_STEP step = NumberStep(key, STRING_KEY_DEV_BUS, limit, store, next);
+    step.outOfRangeName = STRING_KEY_DEV_ADDRESS;
+    step.isSilent = true;
+    return step;
 }
 
 constexpr READ_STEP AreaStep(const char* tag, STRING_ID name, bool (*store)(CFru&, const UINT8*, UINTN)) {
-    return {tag, &CFruFileReader::ReadArea, READ_DONE, name, name, NO_LIMIT, false, false, {.storeArea = store}};
-}
-
-constexpr READ_STEP Step(const char* key, READ_STATE (CFruFileReader::*read)(const READ_STEP&), STRING_ID name,
-                         bool isOptional, READ_STATE next) {
-    return {key, read, next, name, name, NO_LIMIT, isOptional, false, {.setText = nullptr}};
+    return {.key = tag, .read = &CFruFileReader::ReadArea, .next = READ_DONE, .name = name, .storeArea = store};
 }
 
 bool StoreCommonHeader(CFru& fru, const UINT8* data, UINTN length) {
@@ -141,13 +153,13 @@ constexpr READ_STEP STEPS[] = {
     TextStep(FRU_LF_VERSION, STRING_KEY_LF_VERSION, &CFileHeader::SetLfVersion, READ_LF_FMT_VER),
     TextStep(FRU_LF_FMT_VER, STRING_KEY_LF_FMT_VER, &CFileHeader::SetLfFmtVersion, READ_IPMI_VERSION),
     TextStep(FRU_IMPI_VERSION, STRING_KEY_IPMI_VERSION, &CFileHeader::SetIpmiVersion, READ_FRU),
-    Step(FRU_FRU, &CFruFileReader::ReadOpenParen, STRING_KEY_FRU_TITLE, false, READ_FRU_TITLE),
-    Step(FRU_FRU_TITLE, &CFruFileReader::ReadTitle, STRING_KEY_FRU_TITLE, true, READ_START_ADDR),
-    Step(FRU_START_ADDR, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, false, READ_DATA_LEN),
+    Step(FRU_FRU, &CFruFileReader::ReadOpenParen, STRING_KEY_FRU_TITLE, READ_FRU_TITLE),
+    OptionalStep(FRU_FRU_TITLE, &CFruFileReader::ReadTitle, STRING_KEY_FRU_TITLE, READ_START_ADDR),
+    Step(FRU_START_ADDR, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, READ_DATA_LEN),
     NumberStep(
         FRU_DATA_LEN, STRING_KEY_DATA_LEN, WORD_LIMIT,
         [](CFru& fru, UINT32 length) { fru.ComputeAreaLengths(static_cast<int>(length)); }, READ_NVS_TYPE),
-    Step(FRU_NVS_TYPE, &CFruFileReader::ReadType, STRING_KEY_NVS_TYPE, true, READ_DEV_ID),
+    OptionalStep(FRU_NVS_TYPE, &CFruFileReader::ReadType, STRING_KEY_NVS_TYPE, READ_DEV_ID),
     NumberStep(FRU_DEV_ID, STRING_KEY_DEV_ID, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::deviceId>, READ_DEV_CNTR),
     NumberStep(FRU_DEV_CNTR, STRING_KEY_DEV_CNTR, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::controller>, READ_NVS_LUN),
     NumberStep(FRU_NVS_LUN, STRING_KEY_NVS_LUN, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::lun>, READ_DEV_BUS),
@@ -166,7 +178,7 @@ constexpr READ_STEP STEPS[] = {
     AreaStep(FRU_PRODUCT, STRING_AREA_PRODUCT,
              [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetProductInfoArea().SetData(data, length); }),
     AreaStep(FRU_MULTIREC, STRING_AREA_MULTIRECORD, StoreMultiRecords),
-    Step(FRU_CLOSE_PAREN, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, false, READ_DONE),
+    Step(FRU_CLOSE_PAREN, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, READ_DONE),
     MbmcStep(
         FRU_MBMC_SIZE_ADDRS, BYTE_LIMIT,
         [](CFru& fru, UINT32 size) { fru.GetDevLocator()->mbmcSizeAddress = static_cast<UINT16>(size); },
@@ -184,7 +196,6 @@ READ_STATE CFruFileReader::Run() {
             ++step;
         if (m_file.LineContains(m_line, step->key))
             state = (this->*step->read)(*step);
-        // An opening without its parenthesis is no opening: the state stays.
     }
     return state;
 }
@@ -202,6 +213,7 @@ READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
 }
 
 READ_STATE CFruFileReader::ReadOpenParen(const READ_STEP& step) {
+    // Without its parenthesis it is no opening, and the reader goes on looking for one.
     return m_file.LineContains(m_line, FRU_OPEN_PAREN) ? step.next : READ_FRU;
 }
 

@@ -84,12 +84,12 @@ constexpr UINTN SDR_INDEX_MC_LOCATOR = 6;
 struct SDR_TYPE {
     std::unique_ptr<TYPE11V15[]> fruLocators;
     std::unique_ptr<TYPE12V15[]> mcLocators;
-    UINT16 totalBytes;                     ///< of the decoded records, headers included
-    UINT32 recordCount;                    ///< records that the counting pass saw
-    UINT32 typeCount[SDR_SUPPORTED_TYPES]; ///< records of each type decoded so far
-    UINT8 supportedTypes[SDR_SUPPORTED_TYPES];
-    UINT32 fruCapacity; ///< room in fruLocators
-    UINT32 mcCapacity;  ///< room in mcLocators
+    UINT16 totalBytes = 0;                      ///< of the decoded records, headers included
+    UINT32 recordCount = 0;                     ///< records that the counting pass saw
+    UINT32 typeCount[SDR_SUPPORTED_TYPES] = {}; ///< records of each type decoded so far
+    UINT8 supportedTypes[SDR_SUPPORTED_TYPES] = {};
+    UINT32 fruCapacity = 0; ///< room in fruLocators
+    UINT32 mcCapacity = 0;  ///< room in mcLocators
 };
 
 /// Decode a record's header. @return 0, SDR_BAD_HEADER_LENGTH, SDR_BAD_VERSION

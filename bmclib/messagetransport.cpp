@@ -1,0 +1,111 @@
+// Requests: to the BMC itself over the access path that the discovery found, to every other controller
+// bridged by the BMC.
+#include "bmclib/bmcstate.h"
+#include "bmclib/imbdriver.h"
+#include "bmclib/ipmi.h"
+#include "bmclib/platform.h"
+#include "frudata/bmclib.h"
+
+#include <cstring>
+
+namespace {
+
+using namespace Frudata_Private;
+
+constexpr UINT8 CHANNEL_PRIMARY_IPMB = 0;
+// This controller sits on a bus of its own.
+constexpr UINT8 CHANNEL_6 = 6;
+constexpr UINT8 CHANNEL_6_ADDRESS = 0x2C;
+
+constexpr int TRANSPORT_FAILED = 1;
+constexpr int LARGE_REQUEST = 128;
+constexpr unsigned int FRAME_HEADER_SIZE = 2;  // network function, command
+constexpr unsigned int ANSWER_HEADER_SIZE = 3; // network function, command, completion code
+
+int SendOnAccessPath(const _IMBPREQUESTDATA& request, unsigned int timeout, UINT8* data, int* length,
+                     UINT8* completionCode) {
+    switch (g_Mbmcsupport) {
+    case ACCESS_OWN_KCS:
+        return SendTimedImbpRequest_t(&request, static_cast<int>(timeout), data, length, completionCode);
+    case ACCESS_IMB:
+        return SendImbRequest(request, timeout, data, length, completionCode);
+    default:
+        return 0; // no driver for this interface: the request seems to succeed, without data
+    }
+}
+
+int SendToBmc(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout) {
+    int length = RESPONSE_CAPACITY;
+    UINT8 completionCode = 0;
+    int status = TRANSPORT_FAILED;
+    if (request.dataLength <= REQUEST_CAPACITY) {
+        const _IMBPREQUESTDATA record = {request.cmd,
+                                         BMC_ADDRESS,
+                                         0,
+                                         request.netFn,
+                                         request.lun,
+                                         request.data,
+                                         static_cast<int>(request.dataLength)};
+        status = SendOnAccessPath(record, timeout, response.data, &length, &completionCode);
+    }
+    if (length < 0 || length > RESPONSE_CAPACITY) {
+        length = 0;
+        status = status == 0 ? TRANSPORT_FAILED : status;
+    }
+    response.rsSa = request.rsSa;
+    response.netFn = request.netFn;
+    response.lun = request.lun;
+    response.cmd = request.cmd;
+    response.completionCode = completionCode;
+    response.dataLength = static_cast<UINT32>(length);
+    return status;
+}
+
+int SendOverKcs(const _IMBPREQUESTDATA& request, UINT8* responseData, int* responseLength, UINT8* completionCode) {
+    UINT8 frame[RESPONSE_CAPACITY];
+    const unsigned int dataLength = static_cast<unsigned int>(request.dataLength);
+    frame[0] = static_cast<UINT8>(request.netFn << 2); // requests always go to LUN 0
+    frame[1] = request.cmdType;
+    if (dataLength > 0)
+        std::memcpy(frame + FRAME_HEADER_SIZE, request.data, dataLength);
+    if (KCSSendMessage(frame, FRAME_HEADER_SIZE + dataLength) != 0)
+        return TRANSPORT_FAILED;
+    unsigned int count = 0;
+    if (KCSReadBMCData(frame, sizeof frame, &count) != 0 || count < ANSWER_HEADER_SIZE)
+        return TRANSPORT_FAILED;
+    *completionCode = frame[ANSWER_HEADER_SIZE - 1];
+    *responseLength = static_cast<int>(count - ANSWER_HEADER_SIZE);
+    std::memcpy(responseData, frame + ANSWER_HEADER_SIZE, count - ANSWER_HEADER_SIZE);
+    return 0;
+}
+
+} // namespace
+
+int ProcessMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
+    std::memset(response->data, 0, RESPONSE_CAPACITY);
+    AcquirePortAccess();
+    switch (request->rsSa) {
+    case BMC_ADDRESS:
+        return SendToBmc(*request, *response, timeout);
+    case CHANNEL_6_ADDRESS:
+        return ProcessSendMessage(request, response, CHANNEL_6, CHANNEL_6_ADDRESS);
+    default:
+        return ProcessSendMessage(request, response, CHANNEL_PRIMARY_IPMB, request->rsSa);
+    }
+}
+
+int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
+    return ProcessMessage(request, response, timeout);
+}
+
+int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
+                           UINT8* completionCode) {
+    if (request->dataLength < 0 || request->dataLength > REQUEST_CAPACITY)
+        return TRANSPORT_FAILED;
+    if (g_UseUSB == 1 && eInterface == IPMI_INTERFACE_USB)
+        return SendTimedUsbRequest(request, timeout, responseData, responseLength, completionCode);
+    if (g_UseUSB == 1 && eInterface == IPMI_INTERFACE_USB_LARGE && request->dataLength > LARGE_REQUEST &&
+        SendTimedUsbRequest(request, timeout, responseData, responseLength, completionCode) == 0)
+        return 0;
+    return SendOverKcs(*request, responseData, responseLength, completionCode);
+}
