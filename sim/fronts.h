@@ -1,0 +1,23 @@
+// What the fronts serve. Each front is a target of its own, for a host to link what it wants:
+//
+//   fru_sim_imb      open_imb, close_imb, SendTimedImbpRequest: the host's IMB driver
+//   fru_sim_kcs      inb, outb in the place of the library's own
+//   fru_sim_session  the host's end of the session library `ipmi` (libipmi.so), loaded at run time
+//
+// The functions are looked up at load time: the executable needs ENABLE_EXPORTS.
+#pragma once
+
+#include "sim/kcsmodel.h"
+
+namespace Frudata_Sim {
+
+/// Sets the BMC that the IMB and the session front serve, or none with null: then open_imb returns 0 and
+/// no session opens. Not owned; it must stay until replaced.
+void SetCurrentBmc(CSimulatedBmc* bmc);
+CSimulatedBmc* CurrentBmc();
+
+/// Sets the interface that inb and outb serve, or none with null: then every port reads 0xFF. Not owned.
+void SetCurrentKcs(CKcsModel* kcs);
+CKcsModel* CurrentKcs();
+
+} // namespace Frudata_Sim

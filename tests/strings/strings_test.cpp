@@ -1,0 +1,139 @@
+// The string table compiler, run as the build runs it, and the tables that it made for this build.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <numeric>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Replaces the first `from` of `text`, which must be there.
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+struct CRun {
+    int status;
+    std::string output;
+};
+
+CRun RunCompiler(const std::string& arguments) {
+    std::FILE* pipe = popen((std::string(STRC_PROGRAM) + " " + arguments + " 2>&1").c_str(), "r");
+    std::string output;
+    for (int character; (character = std::fgetc(pipe)) != EOF;)
+        output += static_cast<char>(character);
+    return {WEXITSTATUS(pclose(pipe)), output};
+}
+
+class CStrings : public testing::Test {
+  protected:
+    void SetUp() override {
+        char name[] = "/tmp/frudata-strings-XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        m_directory = name;
+        m_source = ReadFile(STRC_SOURCE);
+    }
+    void TearDown() override {
+        std::remove((m_directory + "/in.txt").c_str());
+        std::remove((m_directory + "/out.str").c_str());
+        EXPECT_EQ(rmdir(m_directory.c_str()), 0) << "a temporary file was left behind";
+    }
+    CRun Compile(const std::string& source) {
+        std::ofstream(m_directory + "/in.txt", std::ios::binary) << source;
+        return RunCompiler(m_directory + "/in.txt -o " + m_directory + "/out.str");
+    }
+    std::string m_directory;
+    std::string m_source;
+};
+
+TEST_F(CStrings, RefusesFaultySources) {
+    const struct {
+        const char* from;
+        const char* to;
+        const char* message;
+    } cases[] = {
+        {"138  INVALID_MFG", "# 138  INVALID_MFG", "text 138 INVALID_MFG_DATE_TIME is missing"},
+        {"5    AREA_BOARD  ", "4    AREA_CHASSIS  ", "text 4 is there twice"},
+        {"5    AREA_BOARD  ", "45   AREA_BOARD  ", "there is no text 45"},
+        {"5    AREA_BOARD  ", "4294967301 AREA_BOARD  ", "a line begins with the number"},
+        {"5    AREA_BOARD  ", "5    AREA_PRODUCT  ", "text 5 AREA_BOARD has the wrong name"},
+        {"\"Board Info Area\"", "\"\"", "text 5 AREA_BOARD is empty"},
+        {"\"Board Info Area\"", "\"Board %u\"", "text 5 AREA_BOARD has the wrong placeholders; it takes none"},
+        {"\"Board Info Area\"", "\"100 %\"", "text 5 AREA_BOARD has the wrong placeholders"},
+        {"\"Writing %ls\"", "\"Writing %s\"", "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"\"Writing %ls\"", "\"Writing %ls%n\"",
+         "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"\"Writing %ls\"", "\"Writing %999999999ls\"",
+         "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"%02X, bus 0x%02X", "%02X, bus",
+         "text 134 FRU_IDENTIFIER has the wrong placeholders; it takes %u, %u, %u, %u"},
+        {"\"Board Info Area\"", "\"Board \xF0\x9F\x98\x80\"", "the text contains a character above U+FFFF"},
+        {"\"Board Info Area\"", "\"Board \xED\xA0\x80\"", "the text is not valid UTF-8"},
+        {"\"Board Info Area\"", "\"Board \xC1\x81\"", "the text is not valid UTF-8"},
+        {"\"Board Info Area\"", "\"Board \xE4\"", "the text is not valid UTF-8"},
+        {"\"Board Info Area\"", "\"Board", "the closing double quote is missing"},
+        {"\"Board Info Area\"", "\"Board\\n\"", "a backslash stands before"},
+        {"\"Board Info Area\"", "\"Board\" Area", "there is something after the text"},
+        {"\"Board Info Area\"", "Board", "the text must follow in double quotes"},
+    };
+    for (const auto& faulty : cases) {
+        SCOPED_TRACE(faulty.message);
+        const auto line =
+            1 + std::count_if(m_source.begin(), m_source.begin() + static_cast<long>(m_source.find(faulty.from)),
+                              [](char character) { return character == '\n'; });
+        const std::string expected = m_directory + "/in.txt:" + std::to_string(line) + ": " + faulty.message;
+        const CRun run = Compile(Replaced(m_source, faulty.from, faulty.to));
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.output.substr(0, expected.size()), expected);
+        EXPECT_NE(access((m_directory + "/out.str").c_str(), F_OK), 0) << "a table was written";
+    }
+}
+
+TEST_F(CStrings, KeepsWhatTheSourceSays) {
+    ASSERT_EQ(Compile(Replaced(m_source, "\"Board Info Area\"", "\"\\\"\\\\ 5 %% \xC3\xA4\xE2\x82\xAC\"")).status, 0);
+    const CRun list = RunCompiler("--list " + m_directory + "/out.str");
+    EXPECT_EQ(list.status, 0);
+    EXPECT_NE(list.output.find("\n5\t\"\\ 5 %% \xC3\xA4\xE2\x82\xAC\n6\tProduct Info Area\n"), std::string::npos);
+}
+
+/// Read byte by byte, by the layout that the library relies on.
+TEST(CompiledTables, HaveTheLayoutThatTheLibraryLoads) {
+    for (const std::string path :
+         {STRC_TABLES "/enus/frudata/str/frudata.str", STRC_TABLES "/dede/frudata/str/frudata.str"}) {
+        SCOPED_TRACE(path);
+        const std::string bytes = ReadFile(path);
+        ASSERT_EQ(bytes.size() % 2, 0U);
+        std::vector<unsigned int> words;
+        for (std::size_t i = 0; i < bytes.size(); i += 2)
+            words.push_back(static_cast<unsigned char>(bytes[i]) + static_cast<unsigned char>(bytes[i + 1]) * 256U);
+        EXPECT_EQ(std::accumulate(words.begin(), words.end(), 0U) % 0x10000, 0U);
+        const auto entry = [&](std::size_t index) { return words.at(2 * index) + words.at(2 * index + 1) * 0x10000; };
+        const std::size_t count = entry(0);
+        ASSERT_EQ(count, 139U) << "numbers 0 to 138";
+        std::size_t offset = 4 + 8 * count;
+        for (std::size_t id = 0; id < count; ++id) {
+            EXPECT_EQ(entry(1 + id), offset) << id;
+            offset += 2 * entry(1 + count + id);
+            EXPECT_EQ(words.at(offset / 2 - 1), 0U) << id;
+        }
+        for (const std::size_t id : {0U, 45U, 50U, 136U})
+            EXPECT_EQ(entry(1 + count + id), 1U) << "text " << id << " does not exist";
+        EXPECT_EQ(offset + 2, bytes.size()) << "the texts and the word that makes the sum";
+    }
+}
+
+} // namespace
