@@ -113,7 +113,7 @@ struct _EFI_FRU_INTERFACE {
      * @return 0, NOT_INITIALIZED, MEMORY_ALLOCATION_ERROR, NOT_IPMI_FRU, CHECKSUM_ERROR, READ_FRU_ERROR,
      *         an INVALID_..._AREA code, OUT_OF_MEMORY, BUFFER_TOO_SMALL, or a transport value (bmclib.h)
      */
-    EFI_STATUS (*LoadFruAtAddress)
+    EFI_STATUS(*LoadFruAtAddress)
     (_EFI_FRU_INTERFACE* This, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress, UINT8 bus, UINT8 controller,
      UINT8 deviceId, UINT8 mbmcSizeData, UINT16 mbmcSizeAddress);
     /** Selects FRU_LIST_SYSTEM or FRU_LIST_FILE. @return 0, NOT_INITIALIZED, NOT_LOADED, NO_SUCH_FIELD */
@@ -126,13 +126,13 @@ struct _EFI_FRU_INTERFACE {
     /** Selects by index. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, NO_SUCH_FIELD */
     EFI_STATUS (*SelectFru)(_EFI_FRU_INTERFACE* This, unsigned int index);
     /** Selects the first FRU at an address; the two mBMC values take no part. @return as `SelectFru` */
-    EFI_STATUS (*SelectFruByAddress)
+    EFI_STATUS(*SelectFruByAddress)
     (_EFI_FRU_INTERFACE* This, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress, UINT8 bus, UINT8 controller,
      UINT8 deviceId, UINT8 mbmcSizeData, UINT16 mbmcSizeAddress);
     /** The FRU's name; may yield null. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED */
     EFI_STATUS (*GetFruName)(_EFI_FRU_INTERFACE* This, FRU_OUT(const WCHAR*) name);
     /** The FRU's address. @return as `GetFruName` */
-    EFI_STATUS (*GetFruAddress)
+    EFI_STATUS(*GetFruAddress)
     (_EFI_FRU_INTERFACE* This, FRU_OUT(FRU_TYPE) type, FRU_OUT(UINT8) lun, FRU_OUT(UINT8) deviceAddress,
      FRU_OUT(UINT8) bus, FRU_OUT(UINT8) controller, FRU_OUT(UINT8) deviceId, FRU_OUT(UINT8) mbmcSizeData,
      FRU_OUT(UINT16) mbmcSizeAddress);
@@ -179,7 +179,9 @@ struct _EFI_FRU_INTERFACE {
     /** The field's bytes. The first custom index is the first custom field, every later one the second.
      *  @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, UNSUPPORTED, GET_FIELD_FAILED */
     EFI_STATUS (*GetFieldDataValue)(_EFI_FRU_INTERFACE* This, FRU_OUT(const UINT8*) data, FRU_OUT(unsigned int) length);
-    /** Sets the field: at most 63 bytes, at most its length plus `GetMaxFieldSize`. Custom field indices
+    /** Sets the field: at most 63 bytes, at most its length plus `GetMaxFieldSize`; `data` must not be null,
+     *  not even for a length of 0. One byte makes 0xC1, which ends the fields of an area wherever a custom
+     *  field could stand (section 13). Custom field indices
      *  as for `GetFieldStringValue`. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, UNSUPPORTED,
      *  SET_FIELD_FAILED (nothing changed) */
     EFI_STATUS (*SetFieldDataValue)(_EFI_FRU_INTERFACE* This, const UINT8* data, unsigned int length);
@@ -214,7 +216,7 @@ struct _EFI_FRU_INTERFACE {
     EFI_STATUS (*GetAreaSize)(_EFI_FRU_INTERFACE* This, FRU_OUT(unsigned int) size);
     /** Whether the device holds a valid common header; loads nothing.
      *  @return 0, NOT_INITIALIZED, READ_FRU_ERROR, NOT_IPMI_FRU, CHECKSUM_ERROR, or a transport value */
-    EFI_STATUS (*FindFruAtAddressAndChecksumHeader)
+    EFI_STATUS(*FindFruAtAddressAndChecksumHeader)
     (_EFI_FRU_INTERFACE* This, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress, UINT8 bus, UINT8 controller,
      UINT8 deviceId);
     /** Room of the asset tag in the product area parsed last, whichever FRU that was; 0 before the first.

@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""Writes the inventory of the emulated machine and what has to come of it into a directory.
+
+fru.bin     two FRU devices as the machine starts with them
+afterN.bin  device N as it has to be after the edits
+edits       one edit a line: device, area, field index, value in hexadecimal; areas 2 and 6 as a whole
+assignment  one more edit, of device 0, as fructl takes it
+shown       one line a field of device 0 that a general IPMI tool shows after the edits
+sdr.bin     the SDR repository
+locators    one line a locator that the scan of that repository has to find
+
+The images before and after the edits are built by the same code from two columns of values, never one
+from the other. Layouts: FRU Information Storage Definition, sections 8 to 16; IPMI 2.0, section 43.
+"""
+import datetime
+import pathlib
+import sys
+
+DEVICE_SIZE = 512
+INTERNAL_USE, CHASSIS, BOARD, PRODUCT, MULTIRECORD = 2, 3, 4, 5, 6
+BEFORE, AFTER = 1, 2
+BUILT = datetime.datetime(2019, 6, 22, 9, 18), datetime.datetime(2024, 3, 5, 16, 34)
+
+
+def minutes(date):
+    return int((date - datetime.datetime(1996, 1, 1)).total_seconds() // 60).to_bytes(3, "little")
+
+
+# Fields by index: (name that ipmitool prints or None, before, after). The chassis type and the board's
+# date come first and lie before the texts.
+CHASSIS_FIELDS = [
+    ("Chassis Type", bytes([17]), bytes([22])),
+    ("Chassis Part Number", b"CH-1000", b"CH-2000-B"),
+    ("Chassis Serial", b"C0001", b"C0002-0042"),
+    ("Chassis Extra", b"bay 4", b"bay 11"),
+]
+BOARD_FIELDS = [
+    ("Board Mfg Date", minutes(BUILT[0]), minutes(BUILT[1])),
+    ("Board Mfg", b"Example Works", b"Example Works Ltd"),
+    ("Board Product", b"Controller Board", b"Board"),
+    ("Board Serial", b"BS-1", b"BS-1 reworked"),
+    ("Board Part Number", b"BP-77", b"BP-78"),
+    (None, b"board.fru", b"board-2.fru"),
+    ("Board Extra", b"first run", b"second run"),
+]
+PRODUCT_FIELDS = [
+    ("Product Manufacturer", b"Example Works", b"Example Works Ltd"),
+    ("Product Name", b"Server One", b"Server One Plus"),
+    ("Product Part Number", b"P-1", b"P-1-PLUS"),
+    ("Product Version", b"1.0", b"1.1"),
+    ("Product Serial", b"S-0815", b""),
+    ("Product Asset Tag", b"", b"rack 7, unit 12"),
+    (None, b"product.fru", b"product.fru"),
+    ("Product Extra", b"leased", b"bought"),
+]
+SUPPLY_FIELDS = [
+    ("Product Manufacturer", b"Example Power", b"Example Power"),
+    ("Product Name", b"Supply 500 W", b"Supply 750 W"),
+] + [("Product %d" % i, b"", b"") for i in range(5)]
+
+FRUCTL_FIELD = (0, PRODUCT, 3)
+ASSIGNMENT = "product.version=" + PRODUCT_FIELDS[3][AFTER].decode()
+
+SHOWN_VALUES = {"Chassis Type": "RAID Chassis", "Board Mfg Date": BUILT[1].strftime("%a %b %e %H:%M:%S %Y UTC")}
+
+
+def checksum(data):
+    return bytes([-sum(data) & 0xFF])
+
+
+def area(header, fields, size, column):
+    values = [field[column] for field in fields]
+    data = bytes([1, size // 8]) + header
+    if fields in (CHASSIS_FIELDS, BOARD_FIELDS):
+        data += values.pop(0)
+    for value in values:
+        data += bytes([0xC0 | len(value)]) + value
+    data += b"\xc1"
+    assert len(data) < size
+    data += bytes(size - 1 - len(data))
+    return data + checksum(data)
+
+
+def device(areas):
+    """A whole device from its five areas, packed in the order of the common header."""
+    offsets = []
+    position = 8
+    for content in areas:
+        offsets.append(position // 8 if content else 0)
+        position += len(content)
+    header = bytes([1, *offsets, 0])
+    image = header + checksum(header) + b"".join(areas)
+    return image.ljust(DEVICE_SIZE, b"\0")
+
+
+def internal_use(column):
+    return bytes([1]) + bytes(range(100 * column, 100 * column + 31))
+
+
+def multirecord(column):
+    """One OEM record; the one after the edits is longer, as the last area can grow."""
+    record = b"\x57\x01\x00maker's own" * column
+    start = bytes([0xC0, 0x82, len(record)]) + checksum(record)
+    return start + checksum(start) + record
+
+
+def server(column):
+    return device([internal_use(column), area(b"", CHASSIS_FIELDS, 64, column),
+                   area(b"\x00", BOARD_FIELDS, 104, column), area(b"\x19", PRODUCT_FIELDS, 128, column),
+                   multirecord(column)])
+
+
+def supply(column):
+    return device([b"", b"", b"", area(b"\x19", SUPPLY_FIELDS, 64, column), b""])
+
+
+def edits():
+    yield f"0 {INTERNAL_USE} 0 {internal_use(AFTER).hex()}\n"
+    yield f"0 {MULTIRECORD} 0 {multirecord(AFTER).hex()}\n"
+    for number, area_number, fields in ((0, CHASSIS, CHASSIS_FIELDS), (0, BOARD, BOARD_FIELDS),
+                                        (0, PRODUCT, PRODUCT_FIELDS), (1, PRODUCT, SUPPLY_FIELDS)):
+        for index, (_, before, after) in enumerate(fields):
+            if before != after and (number, area_number, index) != FRUCTL_FIELD:
+                yield f"{number} {area_number} {index} {after.hex() or '-'}\n"
+
+
+def shown():
+    for name, _, after in CHASSIS_FIELDS + BOARD_FIELDS + PRODUCT_FIELDS:
+        if name and after:
+            yield f"{name}: {SHOWN_VALUES.get(name) or after.decode()}\n"
+
+
+def sdr(record_type, body):
+    return bytes([0, 0, 0x51, record_type, len(body)]) + body
+
+
+def named(name):
+    return bytes([0xC0 | len(name)]) + name.encode()
+
+
+def fru_locator(access, device_id, access_byte, device_type, name):
+    return sdr(0x11, bytes([access, device_id, access_byte, 0, 0, device_type, 0, 10, 1, 0]) + named(name))
+
+
+def controller_locator(address, name):
+    return sdr(0x12, bytes([address, 0, 0, 0x29, 0, 0, 0, 46, 1, 0]) + named(name))
+
+
+# The sensors only have to be stepped over; the locators lie among them.
+REPOSITORY = [
+    sdr(0x01, bytes([0x20, 0, 1, 7, 1]) + bytes(38) + named("Inlet Temp")),
+    fru_locator(0x20, 1, 0x80, 0x10, "Power Supply"),
+    sdr(0x02, bytes([0x20, 0, 2, 7, 1]) + bytes(22) + named("Fan 1")),
+    controller_locator(0x20, "BMC"),
+    sdr(0xC0, b"\x57\x01\x00\x01"),
+    fru_locator(0x20, 0xA4, 0x09, 0x08, "Riser EEPROM"),
+    controller_locator(0x40, "Satellite"),
+    sdr(0x01, bytes([0x20, 0, 3, 7, 1]) + bytes(38) + named("CPU Temp")),
+]
+
+LOCATORS = """\
+locator: address 0x20 bus 0x00 device 0x01 controller 0x20 lun 0 type 2 name Power Supply
+locator: address 0xA4 bus 0x01 device 0xA4 controller 0x20 lun 1 type 0 name Riser EEPROM
+locator: address 0x20 bus 0xFF device 0x00 controller 0x20 lun 0 type 2 name BMC
+locator: address 0x40 bus 0x00 device 0x00 controller 0x20 lun 0 type 2 name Satellite
+"""
+
+
+def main(directory):
+    folder = pathlib.Path(directory)
+    (folder / "fru.bin").write_bytes(server(BEFORE) + supply(BEFORE))
+    (folder / "after0.bin").write_bytes(server(AFTER))
+    (folder / "after1.bin").write_bytes(supply(AFTER))
+    (folder / "edits").write_text("".join(edits()))
+    (folder / "assignment").write_text(ASSIGNMENT)
+    (folder / "shown").write_text("".join(shown()))
+    (folder / "sdr.bin").write_bytes(b"".join(REPOSITORY))
+    (folder / "locators").write_text(LOCATORS)
+
+
+main(sys.argv[1])
