@@ -1,0 +1,22 @@
+# What is installed where: library, development files, texts; the tool installs itself.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS frudata EXPORT frudata-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT library NAMELINK_COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/frudata DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/enus ${CMAKE_BINARY_DIR}/dede
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/frudata COMPONENT library)
+
+configure_file(packaging/frudata.pc.in ${CMAKE_BINARY_DIR}/frudata.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/frudata.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# find_package(frudata) gives the target frudata::frudata.
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/frudata)
+install(EXPORT frudata-targets NAMESPACE frudata:: FILE frudata-config.cmake
+  DESTINATION ${package} COMPONENT development)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/frudata-config-version.cmake
+  VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/frudata-config-version.cmake DESTINATION ${package} COMPONENT development)
