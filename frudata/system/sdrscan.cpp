@@ -66,6 +66,12 @@ class CVisitedRecords {
         return isNew;
     }
 
+    /// Id 0 asks for the first record, whatever its own id is: that one is then visited too.
+    void VisitOwnId(UINT32 id, const UINT8* record) {
+        if (id == FIRST_RECORD)
+            Visit(record[0] | static_cast<UINT32>(record[1]) << 8);
+    }
+
   private:
     std::bitset<LAST_RECORD + 1> m_visited;
 };
@@ -98,6 +104,7 @@ EFI_STATUS CountIPMI15SDRTypes(UINT32* counters, const UINT8* supportedTypes, UI
             return trace.Fail(L"Error Reserving SDR", FRU_STATUS_SDR_RESERVE_ERROR);
         if (!GetSdr(RespMsg->data, id, 0, SDR_HEADER_LENGTH))
             return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
+        visited.VisitOwnId(id, RespMsg->data + NEXT_ID_LENGTH);
         const UINT8 type = RespMsg->data[NEXT_ID_LENGTH + 3];
         const UINT8* end = supportedTypes + SDR_SUPPORTED_TYPES;
         const UINT8* found = std::find(supportedTypes, end, type);
@@ -184,7 +191,9 @@ EFI_STATUS GetAllSDRRecs(SDR_TYPE& sdr) {
     UINT32 id = FIRST_RECORD;
     while (id != LAST_RECORD && status == FRU_STATUS_SUCCESS && visited.Visit(id)) {
         UINT8 record[SDR_RECORD_SIZE] = {};
+        const UINT32 asked = id;
         status = ReadRecFromBMC(record, id);
+        visited.VisitOwnId(asked, record);
         if (status == FRU_STATUS_SUCCESS)
             status = DecodeSDR(record, sdr);
         if (status == FRU_STATUS_SUCCESS)
