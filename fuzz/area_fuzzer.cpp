@@ -1,0 +1,54 @@
+// The areas that have fields: input is a control byte, the size of the area image in two bytes, the image, and
+// the changes made to it.
+#include "fuzz/support.h"
+
+namespace {
+
+using namespace Frudata_Fuzz;
+using namespace Frudata_Private;
+
+constexpr UINT8 AREA_MASK = 3;
+constexpr UINT8 REPAIR = 4;
+constexpr UINT8 CUSTOM_FIELDS = 8;
+
+void ChangeCustomFields(CInfoArea& area, CInput& input) {
+    const BYTES added = input.Take(input.Byte());
+    area.AddCustomField(added.data(), static_cast<UINTN>(added.size()), FRU_FIELD_TYPE_TEXT);
+    if (area.GetNumberOfCustomFields() > 0)
+        area.RemoveCustomField(input.Byte());
+    area.UpdateChecksum();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
+    return Run([&] {
+        CInput input(data, size);
+        _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+        const UINT8 control = input.Byte();
+        const auto selector = static_cast<FRU_AREA>(FRU_AREA_INTERNAL_USE + (control & AREA_MASK));
+        const std::size_t imageSize = input.Byte() | static_cast<std::size_t>(input.Byte()) << 8;
+        BYTES image = input.Take(imageSize);
+        if (control & REPAIR)
+            RepairArea(image);
+        if (image.empty())
+            return;
+        auto fru = std::make_unique<CFru>();
+        UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {1};
+        header[selector - 1] = 1;
+        fru->DecodeHeader(header);
+        const auto length = static_cast<UINTN>(image.size());
+        CInfoArea* const area = fru->GetInfoArea(selector);
+        const bool isTaken =
+            area ? area->SetData(image.data(), length) : fru->GetInternalUseArea().SetData(image.data(), length, true);
+        if (!isTaken)
+            return;
+        if (area && (control & CUSTOM_FIELDS))
+            ChangeCustomFields(*area, input);
+        if (area)
+            area->GetData();
+        SelectNewFru(std::move(fru));
+        UseSelectedFru(table, input);
+        SaveAndReload(table, input);
+    });
+}

@@ -1,0 +1,142 @@
+// Writes the fuzzers' first inputs, one directory a fuzzer: seeds DIRECTORY TABLE FRU-TEXT...
+// TABLE is a compiled string table; the FRU texts are taken as they are.
+#include "fuzz/support.h"
+#include "sim/samples.h"
+#include "sim/sdrrecords.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+namespace {
+
+using namespace Frudata_Fuzz;
+using namespace Frudata_Sim;
+
+std::filesystem::path g_directory;
+
+BYTES ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteSeed(const std::string& fuzzer, const BYTES& bytes) {
+    static unsigned int number = 0;
+    const std::filesystem::path directory = g_directory / fuzzer;
+    std::filesystem::create_directories(directory);
+    std::ofstream(directory / ("seed" + std::to_string(number++)), std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+BYTES operator+(BYTES left, const BYTES& right) {
+    Append(left, right);
+    return left;
+}
+
+BYTES Part(const BYTES& bytes, std::size_t start, std::size_t size) {
+    const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(start);
+    return BYTES(first, first + static_cast<std::ptrdiff_t>(size));
+}
+
+/// Changes that a host makes: a value for every other field.
+const BYTES EDITS = {0x83, 'a', 'b', 'c', 0, 0x80, 0, 0x41, 0, 0x85, '1', '2', '3', '4', '5', 0, 0x01};
+
+std::vector<BYTES> Images() {
+    return {
+        CFruImageBuilder().Board({.manufacturer = "Mk", .productName = "PN"}, 8).Build(),
+        CFruImageBuilder()
+            .Chassis({.chassisType = 0x11, .partNumber = "CP", .customFields = {"c1", "c22"}}, 16)
+            .Build(),
+        CFruImageBuilder().Product({.manufacturer = "PM", .assetTag = "A1"}, 8).MultiRecord(0xC0, {1, 2, 3}).Build(),
+        CFruImageBuilder()
+            .InternalUse({0xAB, 0x02, 0x81})
+            .Board({.partNumber = {FIELD_TYPE::BCD_PLUS, "\x12\x34"}, .customFields = {"one", "two", "three"}})
+            .MultiRecord(0xC0, {1, 2})
+            .MultiRecord(0xC1, {3, 4})
+            .Build(),
+        SamplePsuFru(1)};
+}
+
+void WriteImageSeeds(const BYTES& image) {
+    for (const int control : {0x02, 0x82, 0xA2, 0xC2, 0x80, 0x81, 0x83})
+        WriteSeed("bmc", BYTES{static_cast<UINT8>(control), static_cast<UINT8>((image.size() + 1) / 2)} + image +
+                             EDITS + BYTES(32 - EDITS.size()) + BYTES{0xF8, 0x02, 0xC0, 0x02, 0xCA, 0x25, 0x0C});
+    for (std::size_t place = 1; place <= 5; ++place) {
+        const std::size_t start = image[place] * 8U;
+        if (start == 0)
+            continue;
+        if (place == 5)
+            WriteSeed("multirecord",
+                      BYTES{8} + Part(image, start, 8) + Part(image, start, image.size() - start) + EDITS);
+        const std::size_t size = place == 1 ? 8 : image[start + 1] * 8U;
+        for (const std::size_t control : {0U, 4U, 12U})
+            if (place < 5)
+                WriteSeed("area", BYTES{static_cast<UINT8>(control | (place - 1)), static_cast<UINT8>(size), 0} +
+                                      Part(image, start, size) + EDITS);
+    }
+}
+
+void WriteSdrSeeds() {
+    const std::vector<BYTES> records = {LogicalFruRecord(0x20, 0, 1, "PSU"), ControllerRecord(0xC0, 0, 0x29, "HSC"),
+                                        PhysicalFruRecord(0x20, 0, 1, 0xA0, DEVICE_TYPE_DS1624, "Riser"),
+                                        PhysicalFruRecord(0x20, 0, 1, 0x20, DEVICE_TYPE_EEPROM, ""),
+                                        OemRecord({1, 2, 3})};
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        BYTES seed;
+        for (std::size_t count = 0; count < 1 + index % 3; ++count) {
+            const BYTES& record = records[(index + count) % records.size()];
+            seed = seed + BYTES{static_cast<UINT8>(record.size())} + record;
+        }
+        seed.insert(seed.end(), 2 - index % 3, 0);
+        WriteSeed("sdr", seed + BYTES{0x18, 0x0D, 0x30});
+    }
+}
+
+/// Tables in which all texts are the same one, which keeps them short.
+void WriteTableSeeds(UINT8 count) {
+    const auto start = static_cast<UINT16>(4 + 8 * count);
+    for (const char* text : {"text", "%u %u", "%5ls", "%ls %s", "%u %u %u %u", "%n"}) {
+        BYTES seed = {3, count, 0, 0, 0};
+        for (unsigned int id = 0; id < count; ++id)
+            Append(seed, BYTES{static_cast<UINT8>(start), static_cast<UINT8>(start >> 8), 0, 0});
+        for (unsigned int id = 0; id < count; ++id)
+            Append(seed, BYTES{static_cast<UINT8>(std::strlen(text) + 1), 0, 0, 0});
+        for (const char* character = text; *character; ++character)
+            Append(seed, BYTES{static_cast<UINT8>(*character), 0});
+        WriteSeed("stringtable", seed + BYTES{0, 0});
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount < 3) {
+        std::cerr << "usage: seeds DIRECTORY TABLE FRU-TEXT...\n";
+        return 2;
+    }
+    g_directory = arguments[1];
+    for (const UINT8 count : {UINT8{1}, UINT8{139}})
+        WriteTableSeeds(count);
+    WriteSeed("stringtable", BYTES{0} + ReadFile(arguments[2]));
+    for (int index = 3; index < argumentCount; ++index)
+        WriteSeed("textfile", ReadFile(arguments[index]));
+    for (const BYTES& image : Images())
+        WriteImageSeeds(image);
+    WriteSdrSeeds();
+    // The library's own text of each image.
+    for (const BYTES& image : Images()) {
+        _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+        CInput noFaults(nullptr, 0);
+        CFaultyBmc bmc(noFaults);
+        bmc.Bmc().AddFruDevice(0, image);
+        table->LoadConfigurationFromSystem(table);
+        table->SelectList(table, FRU_LIST_SYSTEM);
+        table->SelectFru(table, 0);
+        if (table->SaveConfigurationToFile(table, OUTPUT_PATH, nullptr) != 0)
+            return 1;
+        WriteSeed("textfile", BYTES(OutputFile().begin(), OutputFile().end()));
+    }
+    return 0;
+}

@@ -1,0 +1,160 @@
+#include "fuzz/support.h"
+
+#include "common/assertion.h"
+#include "common/stringresource.h"
+#include "frudata/bmclib.h"
+#include "frudata/debug.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <cwchar>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+std::span<const UINT8> g_inputFile;
+char g_outputFile[1 << 16];
+
+} // namespace
+
+// What stands in the place of the system's functions.
+extern "C" {
+
+std::FILE* __real_fopen64(const char* path, const char* mode);
+/// Files that live as long as one run need no system call.
+std::FILE* __wrap_fopen64(const char* path, const char* mode) {
+    if (std::string_view(path) == "fuzz:in")
+        return fmemopen(const_cast<UINT8*>(g_inputFile.data()), g_inputFile.size(), "r");
+    if (std::string_view(path) == "fuzz:out")
+        return fmemopen(g_outputFile, mode[0] == 'r' ? Frudata_Fuzz::OutputFile().size() : sizeof g_outputFile, mode);
+    return __real_fopen64(path, mode);
+}
+
+/// The library's pauses take no time; those of the fuzzing engine's own threads do.
+unsigned int sleep(unsigned int seconds) {
+    timespec pause = {static_cast<time_t>(seconds), 0};
+    if (gettid() != getpid())
+        nanosleep(&pause, nullptr);
+    return 0;
+}
+int usleep(useconds_t) {
+    return 0;
+}
+
+/// Every request asks for it.
+int iopl(int) noexcept {
+    return -1;
+}
+
+UINT8 inb(UINT16) {
+    return 0xFF;
+}
+void outb(UINT8, UINT16) {}
+}
+
+namespace Frudata_Private {
+
+void FailAssertion(const char*, const char*) {
+    throw Frudata_Fuzz::FailedAssertion();
+}
+
+} // namespace Frudata_Private
+
+namespace Frudata_Fuzz {
+
+using namespace Frudata_Private;
+
+namespace {
+
+unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int, unsigned int) {
+    return message && std::wcslen(message) > 1000 ? std::abort(), 0 : 0;
+}
+
+UINT8 ZeroChecksum(std::span<const UINT8> bytes) {
+    unsigned int sum = 0;
+    for (const UINT8 byte : bytes)
+        sum += byte;
+    return static_cast<UINT8>(0 - sum);
+}
+
+} // namespace
+
+UINT8 CInput::Byte() {
+    if (m_rest.empty())
+        return 0;
+    const UINT8 byte = m_rest.front();
+    m_rest = m_rest.subspan(1);
+    return byte;
+}
+
+BYTES CInput::Take(std::size_t count) {
+    const auto taken = m_rest.first(std::min(count, m_rest.size()));
+    m_rest = m_rest.subspan(taken.size());
+    return BYTES(taken.begin(), taken.end());
+}
+
+_EFI_FRU_INTERFACE* EmptyLibrary() {
+    _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
+    if (!g_pStringResource) {
+        // The discovery must find a driver, or requests go to the ports.
+        CInput noFaults(nullptr, 0);
+        const CFaultyBmc bmc(noFaults);
+        SetLibDebugLevel(0);
+        if (table->Initialize(nullptr, FRU_PLATFORM_MBMC) != 0 ||
+            table->SetLanguageLocale(table, FRUDATA_TEXTS L"/en", L"us") != 0)
+            std::abort();
+    }
+    g_FruData.reset(new CFruData);
+    table->SetProgressCallback(table, Progress);
+    const WCHAR* message = nullptr;
+    table->GetLastErrorMessage(table, message);
+    return table;
+}
+
+void SelectNewFru(std::unique_ptr<CFru> fru) {
+    g_FruData->m_pFileList->Add(fru.release());
+    g_FruData->m_fLoaded = true;
+    _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
+    table->SelectList(table, FRU_LIST_FILE);
+    table->SelectFru(table, g_FruData->m_pFileList->Count() - 1);
+}
+
+void SetInputFile(std::span<const UINT8> content) {
+    g_inputFile = content;
+}
+
+std::span<const UINT8> OutputFile() {
+    return {reinterpret_cast<const UINT8*>(g_outputFile), strnlen(g_outputFile, sizeof g_outputFile)};
+}
+
+void RepairArea(BYTES& area) {
+    area.resize(std::min<std::size_t>(area.size(), 2040) / 8 * 8);
+    if (area.empty())
+        return;
+    area[1] = static_cast<UINT8>(area.size() / 8);
+    area.back() = 0;
+    area.back() = ZeroChecksum(area);
+}
+
+void RepairImage(BYTES& image) {
+    if (image.size() < 8)
+        return;
+    image[0] = 1;
+    image[6] = image[7] = 0;
+    image[7] = ZeroChecksum(std::span(image).first(8));
+    for (std::size_t place = 2; place <= 4; ++place) {
+        const std::size_t start = image[place] * 8U;
+        const std::size_t size = start + 1 < image.size() ? image[start + 1] * 8U : 0;
+        if (start == 0 || size == 0 || start + size > image.size())
+            continue;
+        UINT8& checksum = image[start + size - 1];
+        checksum = 0;
+        checksum = ZeroChecksum(std::span(image).subspan(start, size));
+    }
+}
+
+} // namespace Frudata_Fuzz

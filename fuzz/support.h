@@ -1,0 +1,89 @@
+// Shared by the fuzzers: the input, the way a failed assertion ends a run, files in memory, a BMC whose faults
+// come from the input, and a host that uses everything an image offers.
+#pragma once
+
+#include "frudata/frudata.h"
+#include "frudata/frudatastate.h"
+#include "sim/fronts.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace Frudata_Fuzz {
+
+using Frudata_Sim::BYTES;
+
+/// The bytes of one run, taken from the front. Behind the end come zeros.
+class CInput {
+  public:
+    CInput(const UINT8* data, std::size_t size) : m_rest(data, size) {}
+
+    bool IsEmpty() const { return m_rest.empty(); }
+    UINT8 Byte();
+    /// At most `count` bytes, in a buffer of exactly their number: what is read behind them is found out.
+    BYTES Take(std::size_t count);
+    BYTES Rest() { return Take(m_rest.size()); }
+
+  private:
+    std::span<const UINT8> m_rest;
+};
+
+/// Thrown in the place of a failed assertion's abort().
+struct FailedAssertion {};
+
+/// Runs `body` to its end or to a failed assertion, which is an end that the library promises. No FRU outlives the
+/// run, so that memory it leaks is found.
+template <typename BODY> int Run(BODY body) {
+    try {
+        body();
+    } catch (const FailedAssertion&) {
+    }
+    Frudata_Private::g_FruData.reset();
+    return 0;
+}
+
+/// The started library without any FRU, as at the beginning of a run. The first call starts it.
+_EFI_FRU_INTERFACE* EmptyLibrary();
+/// Puts `fru` on the file list and selects it.
+void SelectNewFru(std::unique_ptr<Frudata_Private::CFru> fru);
+
+/// Paths that the library opens in memory: the input, and the file that a save leaves behind.
+inline constexpr WCHAR INPUT_PATH[] = L"fuzz:in";
+inline constexpr WCHAR OUTPUT_PATH[] = L"fuzz:out";
+/// Both stay in place until replaced.
+void SetInputFile(std::span<const UINT8> content);
+std::span<const UINT8> OutputFile();
+
+/// Completes the checksums of a common header and of the info areas that it names.
+void RepairImage(BYTES& image);
+/// Sets the length byte and the checksum of one info area.
+void RepairArea(BYTES& area);
+
+/// The faults of a simulated BMC, from a stream of instructions; one or more an answer. At the stream's end
+/// answers are true ones, up to a number that ends every loop.
+class CFaultyBmc {
+  public:
+    /// `faults` must stay.
+    explicit CFaultyBmc(CInput& faults);
+    CFaultyBmc(const CFaultyBmc&) = delete;
+    CFaultyBmc& operator=(const CFaultyBmc&) = delete;
+    ~CFaultyBmc() { Frudata_Sim::SetCurrentBmc(nullptr); }
+
+    Frudata_Sim::CSimulatedBmc& Bmc() { return m_bmc; }
+
+  private:
+    Frudata_Sim::IpmiAnswer Answer(const Frudata_Sim::IpmiRequest& request);
+
+    Frudata_Sim::CSimulatedBmc m_bmc;
+    CInput& m_faults;
+    unsigned int m_trueAnswers = 0;
+    unsigned int m_answers = 0;
+};
+
+/// Reads everything at the cursor's FRU and changes what `input` says.
+void UseSelectedFru(_EFI_FRU_INTERFACE* table, CInput& input);
+/// Saves the cursor's FRU and, where `input` says so, loads what was saved.
+void SaveAndReload(_EFI_FRU_INTERFACE* table, CInput& input);
+
+} // namespace Frudata_Fuzz

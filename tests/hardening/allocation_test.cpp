@@ -1,0 +1,192 @@
+// Every allocation of every operation fails once.
+#include "support.h"
+
+#include "frudata/debug.h"
+#include "frudata/sdrscan.h"
+
+#include <algorithm>
+#include <dlfcn.h>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <vector>
+
+namespace {
+
+/// The allocation that fails, counted down; 0: none.
+unsigned int g_failAt = 0;
+
+bool Fails() {
+    return g_failAt > 0 && --g_failAt == 0;
+}
+
+void* Allocate(std::size_t size) {
+    static const auto next = reinterpret_cast<void* (*)(std::size_t)>(dlsym(RTLD_NEXT, "malloc"));
+    return next(size);
+}
+
+} // namespace
+
+// The library's memory, and the C library's for its sake, comes through malloc; with the sanitizers through the
+// operators that do not throw. Those that throw serve the test and the simulated BMC.
+extern "C" {
+[[gnu::visibility("default")]] void* malloc(std::size_t size) {
+    return Fails() ? nullptr : Allocate(size);
+}
+[[gnu::visibility("default")]] const char* __asan_default_options() {
+    return "alloc_dealloc_mismatch=0";
+}
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return Fails() ? nullptr : Allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return Fails() ? nullptr : Allocate(size);
+}
+void* operator new(std::size_t size) {
+    return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return Allocate(size);
+}
+
+namespace Frudata_Tests {
+namespace {
+
+std::string ReadFile(const char* name) {
+    std::ifstream file(name);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class CAllocation : public CHardeningTest {
+  protected:
+    /// Lets each allocation of `operate` fail. `prepare` runs before, `check` after each; the operation's
+    /// statuses are `statuses`, and it works again at once.
+    template <typename PREPARE, typename OPERATE, typename CHECK>
+    void FailEach(const std::string& title, const std::vector<EFI_STATUS>& statuses, PREPARE prepare, OPERATE operate,
+                  CHECK check) {
+        prepare();
+        g_failAt = 1000000;
+        ASSERT_EQ(operate(), 0U) << title;
+        const unsigned int allocations = 1000000 - g_failAt;
+        g_failAt = 0;
+        RunInChildren("allocations, " + title, allocations, [&](unsigned int run) {
+            prepare();
+            g_failAt = run + 1;
+            const EFI_STATUS status = operate();
+            g_failAt = 0;
+            Require(std::count(statuses.begin(), statuses.end(), status) == 1, "status " + StatusText(status));
+            check(status);
+            prepare();
+            Require(operate() == 0, "the library no longer works");
+            return StatusText(status);
+        });
+    }
+
+    void LoadAgain() {
+        m_table->DeInitialize(m_table);
+        Require(m_table->Initialize(m_table, 0) == 0 && Load(BMC_DEVICE) == 0, "no start");
+        m_table->SetProgressCallback(
+            m_table, [](PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) { return 0U; });
+        Select(0);
+    }
+};
+
+// The C library does without a buffer for a stream: such a failure shows in no status.
+TEST_F(CAllocation, EveryOperation) {
+    const auto again = [this] { LoadAgain(); };
+    const auto nothing = [](EFI_STATUS) {};
+    LoadAgain();
+    ASSERT_EQ(m_table->SaveConfigurationToFile(m_table, L"saved.fru", nullptr), 0U);
+    const std::string saved = ReadFile("saved.fru");
+    FailEach(
+        "Initialize", {FRU_STATUS_SUCCESS, FRU_STATUS_INIT_FAILED}, [this] { m_table->DeInitialize(m_table); },
+        [this] { return m_table->Initialize(m_table, 0); }, nothing);
+    FailEach(
+        "SetLanguageLocale", {FRU_STATUS_SUCCESS, FRU_STATUS_MEMORY_ALLOCATION_ERROR, FRU_STATUS_STRING_RESOURCE_ERROR},
+        again, [this] { return m_table->SetLanguageLocale(m_table, L"en", L"us"); },
+        [this](EFI_STATUS) {
+            const WCHAR* name = nullptr;
+            m_table->SelectAreaEnum(m_table, FRU_AREA_BOARD);
+            Require(m_table->GetAreaName(m_table, name) == 0 && name, "the old texts are gone");
+        });
+    FailEach(
+        "LoadFruAtAddress",
+        {FRU_STATUS_SUCCESS, FRU_STATUS_MEMORY_ALLOCATION_ERROR, FRU_STATUS_BUFFER_TOO_SMALL, FRU_STATUS_OUT_OF_MEMORY,
+         FRU_STATUS_INVALID_BOARD_AREA, FRU_STATUS_INVALID_PRODUCT_AREA, FRU_STATUS_INVALID_CHASSIS_AREA},
+        again, [this] { return Load(BMC_DEVICE); },
+        [this](EFI_STATUS status) { Require(SystemFrus() == (status == 0 ? 2U : 1U), "the list is wrong"); });
+    FailEach(
+        "LoadConfigurationFromSystem", {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY}, again,
+        [this] { return m_table->LoadConfigurationFromSystem(m_table); }, nothing);
+    FailEach(
+        "LoadPropertiesFromSystem", {FRU_STATUS_SUCCESS}, again,
+        [this] { return m_table->LoadPropertiesFromSystem(m_table); }, nothing);
+    FailEach(
+        "SaveConfigurationToFile",
+        {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY, FRU_STATUS_FILE_CREATE_ERROR, FRU_STATUS_FILE_WRITE_ERROR},
+        again, [this] { return m_table->SaveConfigurationToFile(m_table, L"saved.fru", nullptr); },
+        [&](EFI_STATUS status) {
+            Require(status != 0 || ReadFile("saved.fru") == saved, "a file that lacks something");
+        });
+    FailEach(
+        "LoadConfigurationFromFile", {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY, FRU_STATUS_FILE_READ_ERROR}, again,
+        [this] { return m_table->LoadConfigurationFromFile(m_table, L"saved.fru", nullptr); }, nothing);
+    FailEach(
+        "CommitConfigurationToSystem", {FRU_STATUS_SUCCESS}, again,
+        [this] { return m_table->CommitConfigurationToSystem(m_table); }, nothing);
+    FailEach(
+        "ScanSystemForFruLocators", {FRU_STATUS_SUCCESS}, again,
+        [] {
+            OrderedList<FRU_LOCATOR*> list;
+            OrderedList<FRU_LOCATOR*>* locators = &list;
+            const EFI_STATUS status = ScanSystemForFruLocators(locators);
+            while (FRU_LOCATOR* locator = list.First())
+                const std::unique_ptr<FRU_LOCATOR> removed(list.Remove(locator));
+            return status;
+        },
+        nothing);
+}
+
+TEST_F(CAllocation, EveryValue) {
+    constexpr FRU_AREA AREAS[] = {FRU_AREA_INTERNAL_USE, FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT};
+    for (const FRU_AREA area : AREAS) {
+        FailEach(
+            "text of area " + std::to_string(area), {FRU_STATUS_SUCCESS},
+            [this, area] {
+                LoadAgain();
+                Select(0, area);
+            },
+            [this] {
+                const WCHAR* text = nullptr;
+                unsigned int fields = 0;
+                EFI_STATUS status = m_table->GetNumberOfFields(m_table, fields);
+                for (unsigned int field = 0; field < fields && status == 0; ++field) {
+                    m_table->SelectFieldInteger(m_table, field);
+                    status = m_table->GetFieldStringValue(m_table, text);
+                }
+                return status;
+            },
+            [](EFI_STATUS) {});
+    }
+    std::string before;
+    const auto select = [&](FRU_AREA area) {
+        LoadAgain();
+        before = Snapshot();
+        Select(0, area);
+    };
+    FailEach(
+        "SetFieldDataValue", {FRU_STATUS_SET_FIELD_FAILED}, [&] { select(FRU_AREA_PRODUCT); },
+        [this] { return Set(1, "name"); },
+        [&](EFI_STATUS) { Require(Snapshot() == before, "a refused value has changed the image"); });
+    FailEach(
+        "SetAreaData", {FRU_STATUS_OUT_OF_MEMORY}, [&] { select(FRU_AREA_MULTIRECORD); },
+        [this] {
+            const UINT8 records[] = {0xC0, 0x02, 0x01, 0xF6, 0x47, 0x0A, 0xC0, 0x82, 0x01, 0xF6, 0xC7, 0x0A};
+            return m_table->SetAreaData(m_table, records, sizeof records);
+        },
+        [](EFI_STATUS) {});
+}
+
+} // namespace
+} // namespace Frudata_Tests

@@ -1,0 +1,226 @@
+#include "support.h"
+
+#include "frudata/debug.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// In the place of the system's: nothing waits, and the ports are those of a server without a KCS interface.
+extern "C" {
+[[gnu::visibility("default")]] unsigned int sleep(unsigned int) {
+    return 0;
+}
+[[gnu::visibility("default")]] int usleep(useconds_t) {
+    return 0;
+}
+[[gnu::visibility("default")]] UINT8 inb(UINT16) {
+    return 0xFF;
+}
+[[gnu::visibility("default")]] void outb(UINT8, UINT16) {}
+/// Where the tests are built with the sanitizers.
+[[gnu::weak]] int __lsan_do_recoverable_leak_check();
+}
+
+namespace Frudata_Tests {
+
+namespace {
+
+constexpr std::size_t OUTCOMES = 24;
+
+/// What the children leave behind.
+struct SHARED {
+    unsigned int next;
+    struct {
+        char text[48];
+        unsigned int count;
+    } outcomes[OUTCOMES];
+    char complaint[400];
+};
+
+void Count(SHARED& shared, const std::string& outcome) {
+    for (auto& row : shared.outcomes) {
+        if (row.count == 0)
+            std::snprintf(row.text, sizeof row.text, "%s", outcome.c_str());
+        if (outcome == row.text) {
+            ++row.count;
+            return;
+        }
+    }
+}
+
+[[noreturn]] void RunChild(SHARED& shared, unsigned int count, const std::function<std::string(unsigned int)>& run) {
+    dup2(open("stderr.txt", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
+    try {
+        while (shared.next < count)
+            Count(shared, run(shared.next++));
+        Require(!__lsan_do_recoverable_leak_check || __lsan_do_recoverable_leak_check() == 0, "memory leaked");
+    } catch (const std::string& complaint) {
+        std::snprintf(shared.complaint, sizeof shared.complaint, "run %u: %s", shared.next - 1, complaint.c_str());
+    }
+    _exit(0);
+}
+
+std::string ChildError() {
+    std::string line;
+    std::getline(std::ifstream("stderr.txt"), line);
+    return line;
+}
+
+unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
+    return 0;
+}
+
+BYTES BoardImage() {
+    return CFruImageBuilder().Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1"}}, 8).Build();
+}
+
+} // namespace
+
+void Require(bool holds, const std::string& complaint) {
+    if (!holds)
+        throw complaint;
+}
+
+std::string StatusText(EFI_STATUS status) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%08X", status);
+    return text;
+}
+
+void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run) {
+    void* memory = mmap(nullptr, sizeof(SHARED), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    SHARED& shared = *static_cast<SHARED*>(memory);
+    for (bool isDone = false; !isDone;) {
+        const pid_t child = fork();
+        if (child == 0)
+            RunChild(shared, count, run);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        if (!isDone) {
+            const std::string error = ChildError();
+            ASSERT_NE(error.find(".cpp: assertion failed: "), std::string::npos) << title << shared.next - 1 << error;
+            Count(shared, "assertion");
+        }
+    }
+    EXPECT_STREQ(shared.complaint, "");
+    std::printf("%s: %u runs", title.c_str(), shared.next);
+    for (const auto& row : shared.outcomes) {
+        if (row.count > 0)
+            std::printf(", %u %s", row.count, row.text);
+    }
+    std::printf("\n");
+    munmap(memory, sizeof(SHARED));
+}
+
+BYTES FullImage() {
+    return CFruImageBuilder()
+        .InternalUse({0xAB, 0x02, 0x81})
+        .Chassis({.chassisType = 0x11, .serialNumber = "CS", .customFields = {"cc"}}, 8)
+        .Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1", "c2"}}, 8)
+        .Product({.manufacturer = "Maker", .assetTag = "A1"}, 8)
+        .MultiRecord(0xC0, {1, 2, 3})
+        .MultiRecord(0xC1, {4, 5})
+        .Build();
+}
+
+std::unique_ptr<CSimulatedBmc> MakeServer() {
+    auto bmc = std::make_unique<CSimulatedBmc>();
+    bmc->AddFruDevice(0, FullImage());
+    bmc->AddController(0, BRIDGED_DEVICE.address).AddFruDevice(0, BoardImage());
+    bmc->AddEeprom(EEPROM_DEVICE.bus, EEPROM_DEVICE.address, EEPROM_KIND::AT24, BoardImage());
+    bmc->AddSdr(ControllerRecord(BRIDGED_DEVICE.address, 0, 0x29, "HSC"));
+    bmc->AddSdr(OemRecord({1, 2, 3}));
+    bmc->AddSdr(PhysicalFruRecord(0x20, 0, 1, EEPROM_DEVICE.address, DEVICE_TYPE_EEPROM, "Riser"));
+    return bmc;
+}
+
+CHardeningTest::CHardeningTest() : m_before(std::filesystem::current_path()) {
+    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
+    m_directory = mkdtemp(name.data());
+    std::filesystem::current_path(m_directory);
+    std::filesystem::create_directory_symlink(FRUDATA_TEXTS "/enus", "enus");
+    SetLibDebugLevel(0);
+    RenewServer();
+    EXPECT_EQ(m_table->Initialize(m_table, 0), 0U);
+    m_table->SetProgressCallback(m_table, IgnoreProgress);
+}
+
+CHardeningTest::~CHardeningTest() {
+    m_table->DeInitialize(m_table);
+    SetCurrentBmc(nullptr);
+    std::filesystem::current_path(m_before);
+    std::filesystem::remove_all(m_directory);
+}
+
+void CHardeningTest::RenewServer() {
+    m_bmc = MakeServer();
+    SetCurrentBmc(m_bmc.get());
+}
+
+EFI_STATUS CHardeningTest::Load(const DEVICE& device) {
+    return m_table->LoadFruAtAddress(m_table, device.type, 0, device.address, device.bus, 0x20, 0, 0, 0);
+}
+
+unsigned int CHardeningTest::SystemFrus() {
+    unsigned int locators = 0, frus = 0;
+    m_table->SelectList(m_table, FRU_LIST_SYSTEM);
+    m_table->GetNumberOfFrus(m_table, locators, frus);
+    return frus;
+}
+
+void CHardeningTest::Select(unsigned int fru, FRU_AREA area) {
+    m_table->SelectList(m_table, FRU_LIST_SYSTEM);
+    m_table->SelectFru(m_table, fru);
+    if (area != FRU_AREA_NONE)
+        m_table->SelectAreaEnum(m_table, area);
+}
+
+EFI_STATUS CHardeningTest::Set(unsigned int field, const std::string& value) {
+    m_table->SelectFieldInteger(m_table, field);
+    return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
+                                      static_cast<unsigned int>(value.size()));
+}
+
+void CHardeningTest::EditAll() {
+    const UINT8 internalUse[] = {1, 9, 9, 9, 9, 9, 9, 9}, records[] = {0xC0, 0x82, 0x01, 0xF6, 0xC7, 0x0A};
+    for (const FRU_AREA area : {FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT}) {
+        m_table->SelectAreaEnum(m_table, area);
+        Set(1, "longer");
+    }
+    m_table->SelectAreaEnum(m_table, FRU_AREA_INTERNAL_USE);
+    m_table->SetAreaData(m_table, internalUse, sizeof internalUse);
+    m_table->SelectAreaEnum(m_table, FRU_AREA_MULTIRECORD);
+    m_table->SetAreaData(m_table, records, sizeof records);
+}
+
+std::string CHardeningTest::Snapshot() {
+    std::string all;
+    const auto add = [&all](const UINT8* data, unsigned int length) {
+        all += std::to_string(length) + ":" + std::string(reinterpret_cast<const char*>(data), length);
+    };
+    for (int area = FRU_AREA_COMMON_HEADER; area <= FRU_AREA_MULTIRECORD; ++area) {
+        UINT8 buffer[512];
+        const UINT8* data = nullptr;
+        unsigned int fields = 0, length = area == FRU_AREA_COMMON_HEADER ? 8 : sizeof buffer;
+        m_table->SelectAreaEnum(m_table, static_cast<FRU_AREA>(area));
+        if (m_table->GetAreaData(m_table, buffer, length) == 0)
+            add(buffer, length);
+        m_table->GetNumberOfFields(m_table, fields);
+        for (unsigned int field = 0; field < fields; ++field) {
+            m_table->SelectFieldInteger(m_table, field);
+            if (m_table->GetFieldDataValue(m_table, data, length) == 0)
+                add(data, length);
+        }
+    }
+    return all;
+}
+
+} // namespace Frudata_Tests

@@ -1,0 +1,66 @@
+// Shared by the hardening tests: a library with a simulated BMC, and runs in child processes, because a
+// required assertion may end any of them.
+#pragma once
+
+#include "frudata/frudata.h"
+#include "sim/fronts.h"
+#include "sim/fruimagebuilder.h"
+#include "sim/sdrrecords.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace Frudata_Tests {
+
+using namespace Frudata_Sim;
+
+/// One of the ways to a device.
+struct DEVICE {
+    const char* name;
+    FRU_TYPE type;
+    UINT8 address;
+    UINT8 bus;
+};
+inline constexpr DEVICE BMC_DEVICE = {"BMC", FRU_TYPE_IMBDEVICE, 0x20, 0xFF};
+inline constexpr DEVICE BRIDGED_DEVICE = {"bridged", FRU_TYPE_IMBDEVICE, 0xC0, 0};
+inline constexpr DEVICE EEPROM_DEVICE = {"EEPROM", FRU_TYPE_AT24CO2, 0xA0, 1};
+
+/// A server with one FRU behind each DEVICE and three SDRs.
+std::unique_ptr<CSimulatedBmc> MakeServer();
+/// All five areas.
+BYTES FullImage();
+
+/// A started library in a fresh directory that has the texts.
+class CHardeningTest : public testing::Test {
+  protected:
+    CHardeningTest();
+    ~CHardeningTest() override;
+
+    /// Makes a new server the current one.
+    void RenewServer();
+    EFI_STATUS Load(const DEVICE& device);
+    unsigned int SystemFrus();
+    void Select(unsigned int fru, FRU_AREA area = FRU_AREA_NONE);
+    EFI_STATUS Set(unsigned int field, const std::string& value);
+    /// A longer value in every field that the selected FRU has, and another chain of records.
+    void EditAll();
+    /// All that the selected FRU holds.
+    std::string Snapshot();
+
+    std::filesystem::path m_before;
+    std::filesystem::path m_directory;
+    std::unique_ptr<CSimulatedBmc> m_bmc;
+    _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
+};
+
+/// Carries out runs 0 to `count` - 1 in children, a new one after each assertion. `run` returns the outcome to
+/// count, or throws a std::string that fails the test. The outcomes are printed under `title`.
+void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run);
+/// Throws `complaint` unless `holds`.
+void Require(bool holds, const std::string& complaint);
+std::string StatusText(EFI_STATUS status);
+
+} // namespace Frudata_Tests

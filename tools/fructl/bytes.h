@@ -1,0 +1,35 @@
+// Runs of bytes and their hexadecimal and checksum forms.
+#pragma once
+
+#include "frudata/types.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Fructl {
+
+using BYTES = std::vector<UINT8>;
+using BYTE_VIEW = std::span<const UINT8>;
+
+/// The byte that makes `bytes` and itself sum to 0 modulo 256.
+UINT8 ZeroChecksum(BYTE_VIEW bytes);
+
+/// Upper-case pairs, `separator` between them.
+std::string Hex(BYTE_VIEW bytes, std::string_view separator = {});
+/// Lines of offset, 16 bytes and their printable characters.
+std::string HexDump(BYTE_VIEW bytes);
+/// Bytes of hexadecimal text: pairs of digits; blanks, line ends and "0x" in front are skipped. Nothing
+/// where the text is something else.
+std::optional<BYTES> FromHex(std::string_view text);
+
+/// A whole number, decimal or with "0x" in front, up to `maximum`; nothing where it is not one.
+std::optional<unsigned> ParseNumber(std::string_view text, unsigned maximum);
+
+/// The bytes from `offset` on, at most `length`, never past the end.
+BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length);
+
+} // namespace Fructl

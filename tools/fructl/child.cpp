@@ -1,0 +1,180 @@
+#include "tools/fructl/child.h"
+
+#include "tools/fructl/bytes.h"
+#include "tools/fructl/toolerror.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Fructl {
+
+namespace {
+
+using nlohmann::json;
+
+/// A BMC may take minutes over a bridged request; a child that is silent for longer hangs.
+constexpr int SILENCE_LIMIT = 300'000;
+
+enum FRAME_KIND : UINT8 {
+    FRAME_RESULT,
+    FRAME_ERROR,
+    FRAME_PROGRESS
+};
+
+bool WriteAll(int file, const void* data, std::size_t length) {
+    const auto* bytes = static_cast<const UINT8*>(data);
+    while (length > 0) {
+        const ssize_t written = write(file, bytes, length);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes += written;
+        length -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+void SendFrame(int file, FRAME_KIND kind, const json& content) {
+    const BYTES bytes = json::to_cbor(content);
+    const auto length = static_cast<UINT32>(bytes.size());
+    if (!WriteAll(file, &kind, sizeof kind) || !WriteAll(file, &length, sizeof length) ||
+        !WriteAll(file, bytes.data(), bytes.size()))
+        _exit(EXIT_DEVICE); // the parent is gone
+}
+
+[[noreturn]] void RunChild(int pipe, int output, const std::function<json(const PROGRESS&)>& work) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    try {
+        const json result = work([pipe](std::size_t done, std::size_t total, const std::string& text) {
+            SendFrame(pipe, FRAME_PROGRESS, {done, total, text});
+        });
+        SendFrame(pipe, FRAME_RESULT, result);
+    } catch (const CToolError& error) {
+        SendFrame(pipe, FRAME_ERROR, {static_cast<int>(error.m_status), error.m_what, error.m_why, error.m_hint});
+    } catch (const std::exception& error) {
+        SendFrame(pipe, FRAME_ERROR, {static_cast<int>(EXIT_DEVICE), "session", error.what(), ""});
+    }
+    std::fflush(nullptr);
+    _exit(0);
+}
+
+/// The parent's end of one child. The destructor leaves no child behind.
+class CChild {
+  public:
+    CChild(pid_t process, int pipe, int output) : m_process(process), m_pipe(pipe), m_output(output) {}
+    CChild(const CChild&) = delete;
+    CChild& operator=(const CChild&) = delete;
+    ~CChild() {
+        if (m_process > 0) {
+            kill(m_process, SIGKILL);
+            waitpid(m_process, nullptr, 0);
+        }
+        close(m_pipe);
+        close(m_output);
+    }
+
+    /// Reads frames until the last one. @return whether a result came
+    bool Receive(json& result, const PROGRESS& progress) {
+        FRAME_KIND kind = FRAME_PROGRESS;
+        json content;
+        while (ReadFrame(kind, content)) {
+            if (kind == FRAME_RESULT) {
+                result = std::move(content);
+                return true;
+            }
+            if (kind == FRAME_ERROR)
+                throw CToolError(content[0].get<EXIT_STATUS>(), content[1], content[2], content[3]);
+            if (progress)
+                progress(content[0], content[1], content[2]);
+        }
+        return false;
+    }
+
+    void Wait() {
+        int status = 0;
+        while (waitpid(m_process, &status, 0) < 0 && errno == EINTR) {
+        }
+        m_process = 0;
+    }
+
+    std::string Output() const {
+        std::string text(static_cast<std::size_t>(std::max<off_t>(lseek(m_output, 0, SEEK_END), 0)), '\0');
+        const ssize_t length = pread(m_output, text.data(), text.size(), 0);
+        text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
+        return text;
+    }
+
+  private:
+    bool ReadAll(void* data, std::size_t length) {
+        auto* bytes = static_cast<UINT8*>(data);
+        while (length > 0) {
+            pollfd waited{m_pipe, POLLIN, 0};
+            const int ready = poll(&waited, 1, SILENCE_LIMIT);
+            if (ready == 0)
+                throw CToolError(EXIT_DEVICE, "session", "no answer for five minutes: given up");
+            const ssize_t count = ready < 0 ? -1 : read(m_pipe, bytes, length);
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0)
+                return false;
+            bytes += count;
+            length -= static_cast<std::size_t>(count);
+        }
+        return true;
+    }
+
+    bool ReadFrame(FRAME_KIND& kind, json& content) {
+        UINT32 length = 0;
+        if (!ReadAll(&kind, sizeof kind) || !ReadAll(&length, sizeof length))
+            return false;
+        BYTES bytes(length);
+        if (!ReadAll(bytes.data(), bytes.size()))
+            return false;
+        content = json::from_cbor(bytes);
+        return true;
+    }
+
+    pid_t m_process;
+    int m_pipe;
+    int m_output;
+};
+
+} // namespace
+
+json RunInChild(const std::function<json(const PROGRESS&)>& work, const PROGRESS& progress) {
+    int ends[2];
+    const int output = memfd_create("fructl-output", MFD_CLOEXEC);
+    if (output < 0 || pipe(ends) != 0)
+        throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
+    std::fflush(nullptr);
+    const pid_t process = fork();
+    if (process < 0)
+        throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
+    if (process == 0) {
+        close(ends[0]);
+        RunChild(ends[1], output, work);
+    }
+    close(ends[1]);
+    CChild child(process, ends[0], output);
+    json result;
+    const bool done = child.Receive(result, progress);
+    child.Wait();
+    const std::string text = child.Output();
+    if (!done)
+        throw CChildDied(text);
+    WriteAll(STDERR_FILENO, text.data(), text.size());
+    return result;
+}
+
+} // namespace Fructl

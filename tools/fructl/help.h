@@ -1,0 +1,30 @@
+// How the help of the command line is laid out.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+namespace Fructl {
+
+/// Help with a usage line that names a command's arguments in their order, which is not that of options.
+class CHelpFormatter : public CLI::Formatter {
+  public:
+    explicit CHelpFormatter(std::string usage) : m_usage(std::move(usage)) {
+        column_width(28);
+        label("Subcommands", "Commands");
+    }
+
+    std::string make_usage(const CLI::App*, std::string) const override { return "Usage: " + m_usage + "\n"; }
+    /// The usage line has them already.
+    std::string make_positionals(const CLI::App*) const override { return {}; }
+    /// Examples stand by themselves.
+    std::string make_footer(const CLI::App* app) const override {
+        return app->get_footer().empty() ? "" : app->get_footer() + "\n";
+    }
+
+  private:
+    std::string m_usage;
+};
+
+} // namespace Fructl

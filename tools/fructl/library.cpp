@@ -1,0 +1,192 @@
+#include "tools/fructl/library.h"
+
+#include "tools/fructl/settings.h"
+#include "tools/fructl/toolerror.h"
+
+#include "frudata/debug.h"
+#include "sim/directory.h"
+#include "sim/fronts.h"
+
+#include <fmt/format.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace Fructl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
+constexpr unsigned TIMEOUT = 5000;
+
+/// The directory that holds the library's texts, as "enus" and the like; empty where there is none.
+fs::path DataDirectory() {
+    std::error_code ignored;
+    const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+    const char* given = std::getenv("FRUDATA_DATADIR");
+    for (const fs::path& directory : {fs::path(given ? given : ""), program / "..", program / "../share/frudata"})
+        if (!directory.empty() && fs::exists(directory / "enus" / TABLE_PATH, ignored))
+            return directory;
+    return {};
+}
+
+std::wstring Wide(const std::string& text, const std::string& what) {
+    std::wstring wide(text.size() + 1, L'\0');
+    const std::size_t length = std::mbstowcs(wide.data(), text.c_str(), wide.size());
+    if (length == static_cast<std::size_t>(-1))
+        throw CToolError(EXIT_REFUSED, what, "the name is not UTF-8");
+    wide.resize(length);
+    return wide;
+}
+
+/// Failures for which the library has no message.
+std::string StatusText(EFI_STATUS status) {
+    switch (status) {
+    case FRU_STATUS_READ_FRU_ERROR:
+        return "the device cannot be read";
+    case FRU_STATUS_WRITE_FRU_ERROR:
+        return "the device cannot be written";
+    case FRU_STATUS_INVALID_PRODUCT_AREA:
+        return "the product info area is not valid";
+    default:
+        break;
+    }
+    // The device operations pass the small numbers of the transport through.
+    if (status < 0xC0000000U || status > 0xFFFF0000U)
+        return fmt::format("no answer (transport status {})", static_cast<int>(status));
+    return fmt::format("the library failed with status {:08X}h", status);
+}
+
+unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
+    return 0;
+}
+
+} // namespace
+
+SETTINGS& Settings() {
+    static SETTINGS settings;
+    return settings;
+}
+
+std::string Utf8(const WCHAR* text) {
+    std::string narrow;
+    for (; text && *text; ++text) {
+        const auto character = static_cast<UINT32>(*text);
+        if (character < 0x80)
+            narrow += static_cast<char>(character);
+        else if (character < 0x800)
+            narrow += {static_cast<char>(0xC0 | (character >> 6)), static_cast<char>(0x80 | (character & 0x3F))};
+        else
+            narrow +=
+                {static_cast<char>(0xE0 | ((character >> 12) & 0x0F)),
+                 static_cast<char>(0x80 | ((character >> 6) & 0x3F)), static_cast<char>(0x80 | (character & 0x3F))};
+    }
+    return narrow;
+}
+
+CLibrary::CLibrary(BMC bmc) : m_table(GetFruDataInterface()) {
+    if (bmc == NO_BMC) {
+        // One without devices keeps the start-up from searching the machine's memory and ports.
+        m_bmc = std::make_unique<Frudata_Sim::CSimulatedBmc>();
+    } else if (!Settings().simDirectory.empty()) {
+        try {
+            m_bmc = Frudata_Sim::LoadBmcDirectory(Settings().simDirectory);
+        } catch (const std::exception& error) {
+            throw CToolError(EXIT_REFUSED, "--sim", error.what(), "sim/README.md describes the directory");
+        }
+    }
+    Start();
+    if (bmc == SYSTEM_BMC)
+        CheckBmc();
+}
+
+CLibrary::CLibrary(BYTES image)
+    : m_table(GetFruDataInterface()), m_bmc(std::make_unique<Frudata_Sim::CSimulatedBmc>()) {
+    m_bmc->AddFruDevice(0, std::move(image));
+    Start();
+}
+
+CLibrary::~CLibrary() {
+    m_table->DeInitialize(m_table);
+    Frudata_Sim::SetCurrentBmc(nullptr);
+}
+
+void CLibrary::Start() {
+    // File names are UTF-8 here, whatever the user's locale: it decides nothing but the language.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    Frudata_Sim::SetCurrentBmc(m_bmc.get());
+    SetLibDebugLevel(Settings().debugLevel);
+    if (Settings().kcsPort)
+        KCSAddress = static_cast<int>(*Settings().kcsPort);
+    Check(m_table->Initialize(nullptr, Settings().platform), EXIT_DEVICE, "library");
+    LoadTexts();
+    m_table->SetProgressCallback(m_table, IgnoreProgress);
+    if (!m_bmc && Settings().interface != IPMI_INTERFACE_KCS && !SelectIPMIInterface(Settings().interface))
+        throw CToolError(EXIT_DEVICE, "--interface", "no session with the BMC", "is libipmi.so installed?");
+}
+
+/// The table is looked up from its own directory, so that its name may have any characters.
+void CLibrary::LoadTexts() const {
+    std::error_code failed;
+    const fs::path before = fs::current_path(failed);
+    const fs::path directory = DataDirectory();
+    if (!directory.empty())
+        fs::current_path(directory, failed);
+    const bool german = Settings().language == "de-de";
+    SetLibDebugLevel(0);
+    // Without texts the titles are empty: whoever shows them says so.
+    if (!directory.empty() && !failed)
+        m_table->SetLanguageLocale(m_table, german ? L"de" : L"en", german ? L"de" : L"us");
+    fs::current_path(before, failed);
+    SetLibDebugLevel(Settings().debugLevel);
+}
+
+/// Tells a machine without a usable BMC from a device that does not answer.
+void CLibrary::CheckBmc() const {
+    const auto request = std::make_unique<BMC_MESSAGE>();
+    const auto response = std::make_unique<BMC_MESSAGE>();
+    request->rsSa = 0x20;
+    request->netFn = 0x06;
+    request->cmd = 0x01;
+    const int status = ProcessMessage(request.get(), response.get(), TIMEOUT);
+    // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
+    if (status == 0 && response->dataLength < 0xFF)
+        return;
+    throw CToolError(EXIT_DEVICE, "BMC", status == 0 ? "its system interface is not KCS" : "no answer to Get Device ID",
+                     geteuid() == 0 ? "is there a BMC, and is no other driver using it? --sim DIR works without one"
+                                    : "access to the BMC needs root");
+}
+
+void CLibrary::Check(EFI_STATUS status, int exitStatus, const std::string& what) const {
+    if (status == FRU_STATUS_SUCCESS)
+        return;
+    const WCHAR* message = nullptr;
+    m_table->GetLastErrorMessage(m_table, message);
+    throw CToolError(static_cast<EXIT_STATUS>(exitStatus), what, message ? Utf8(message) : StatusText(status));
+}
+
+EFI_STATUS CLibrary::Load(const ADDRESS& address) const {
+    return m_table->LoadFruAtAddress(m_table, address.type, address.lun, address.deviceAddress, address.bus,
+                                     address.controller, address.deviceId, address.mbmcSizeData,
+                                     address.mbmcSizeAddress);
+}
+
+void CLibrary::LoadFile(const std::string& path) const {
+    Check(m_table->LoadConfigurationFromFile(m_table, Wide(path, path).c_str(), nullptr), EXIT_REFUSED, path);
+}
+
+void CLibrary::SelectDevice() const {
+    Check(m_table->SelectList(m_table, FRU_LIST_SYSTEM), EXIT_DEVICE, "FRU");
+    Check(m_table->SelectFru(m_table, 0), EXIT_DEVICE, "FRU");
+}
+
+BYTES CLibrary::Image() const {
+    return m_bmc->FruBytes(0);
+}
+
+} // namespace Fructl

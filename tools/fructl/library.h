@@ -1,0 +1,70 @@
+// The library inside a child process: its start, its state and its failures. For child processes only.
+#pragma once
+
+#include "tools/fructl/bytes.h"
+
+#include "frudata/frudata.h"
+
+#include <memory>
+#include <string>
+
+namespace Frudata_Sim {
+class CSimulatedBmc;
+}
+
+namespace Fructl {
+
+/// Where a FRU device is.
+struct ADDRESS {
+    FRU_TYPE type = FRU_TYPE_IMBDEVICE;
+    UINT8 lun = 0;
+    UINT8 deviceAddress = 0x20;
+    UINT8 bus = 0xFF;
+    UINT8 controller = 0x20;
+    UINT8 deviceId = 0;
+    UINT8 mbmcSizeData = 0xFF;
+    UINT16 mbmcSizeAddress = 0;
+};
+
+/// The library, started with the settings of this run.
+class CLibrary {
+  public:
+    enum BMC {
+        NO_BMC,    ///< work on files: nothing is asked of any BMC
+        SYSTEM_BMC ///< the BMC of the machine, or the simulated one in its place
+    };
+    /// @throws CToolError where the BMC or the library cannot be started
+    explicit CLibrary(BMC bmc);
+    /// With a simulated BMC of one FRU device that holds `image`.
+    explicit CLibrary(BYTES image);
+    ~CLibrary();
+    CLibrary(const CLibrary&) = delete;
+    CLibrary& operator=(const CLibrary&) = delete;
+
+    _EFI_FRU_INTERFACE* operator->() const { return m_table; }
+    _EFI_FRU_INTERFACE* Table() const { return m_table; }
+
+    /// Throws the library's reason where `status` is a failure.
+    void Check(EFI_STATUS status, int exitStatus, const std::string& what) const;
+    /// Loads one device, without a check: the caller judges the status.
+    EFI_STATUS Load(const ADDRESS& address) const;
+    /// Loads a FRU text file and selects it.
+    void LoadFile(const std::string& path) const;
+    /// Selects the FRU that was loaded from a device.
+    void SelectDevice() const;
+    /// The bytes that the simulated device holds now.
+    BYTES Image() const;
+
+  private:
+    void Start();
+    void LoadTexts() const;
+    void CheckBmc() const;
+
+    _EFI_FRU_INTERFACE* m_table;
+    std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
+};
+
+/// UTF-8 of a text of the library; empty for null.
+std::string Utf8(const WCHAR* text);
+
+} // namespace Fructl

@@ -1,0 +1,112 @@
+#include "tools/fructl/loaded.h"
+
+#include "tools/fructl/toolerror.h"
+
+#include <algorithm>
+
+namespace Fructl {
+
+namespace {
+
+using nlohmann::json;
+
+/// Failed assertions that say what is wrong with a file, in words.
+constexpr struct {
+    const char* assertion;
+    const char* reason;
+} ASSERTIONS[] = {{"position == FIRST", "a line of an area block has an odd number of hexadecimal digits"},
+                  {"length == 8", "the _SEE_COMMON block has not 8 bytes"},
+                  {"length >= 5", "the _SEE_MULTIREC block has less than the 5 bytes of a record header"},
+                  {"index != 512", "an area block has 512 bytes, one more than a text file can hold"},
+                  {"padding >= 0", "the fields of the board area are longer than the area"},
+                  {"IsValid()", "the checksum of an info area is wrong"}};
+
+std::string DeathReason(const CChildDied& death) {
+    for (const auto& [assertion, reason] : ASSERTIONS)
+        if (death.m_output.find(assertion) != std::string::npos)
+            return reason;
+    std::string text = death.m_output;
+    text.erase(text.find_last_not_of("\r\n") + 1);
+    return text.empty() ? "the library stopped" : "a header line has no quoted value, or: " + text;
+}
+
+/// The table counts custom fields from the last one backwards.
+unsigned TableIndex(const AREA& area, const FIELD_NAME& name) {
+    const std::size_t index = name.part == FIELD_NAME::CUSTOM ? area.fields.size() - 1 - name.index : name.index;
+    return static_cast<unsigned>(index);
+}
+
+void SetField(const CLibrary& library, FRU_AREA area, unsigned index, const BYTES& data, const std::string& name) {
+    static constexpr UINT8 EMPTY[1] = {0};
+    _EFI_FRU_INTERFACE* table = library.Table();
+    library.Check(table->SelectAreaEnum(table, area), EXIT_REFUSED, name);
+    library.Check(table->SelectFieldInteger(table, index), EXIT_REFUSED, name);
+    library.Check(
+        table->SetFieldDataValue(table, data.empty() ? EMPTY : data.data(), static_cast<unsigned>(data.size())),
+        EXIT_REFUSED, name);
+}
+
+void SetArea(const CLibrary& library, FRU_AREA area, const std::optional<BYTES>& data) {
+    if (!data)
+        return;
+    _EFI_FRU_INTERFACE* table = library.Table();
+    const std::string name(AreaName(area));
+    library.Check(table->SelectAreaEnum(table, area), EXIT_REFUSED, name);
+    library.Check(table->SetAreaData(table, data->data(), static_cast<unsigned>(data->size())), EXIT_REFUSED, name);
+}
+
+/// A change of a custom field alone does not mark the product area for writing: setting a fixed field to
+/// the value it has does.
+void MarkProduct(const CLibrary& library, const FRU& fru, const EDITS& edits) {
+    const auto isProduct = [](const ASSIGNMENT& one) { return one.name.area == FRU_AREA_PRODUCT; };
+    const auto isFixed = [&](const ASSIGNMENT& one) { return isProduct(one) && one.name.part == FIELD_NAME::FIXED; };
+    if (std::none_of(edits.fields.begin(), edits.fields.end(), isProduct) ||
+        std::any_of(edits.fields.begin(), edits.fields.end(), isFixed))
+        return;
+    const AREA& area = *fru.Find(FRU_AREA_PRODUCT);
+    // Whatever is set becomes 8-bit text: only a field of that type, or an empty one, keeps its value.
+    for (unsigned index = 0; index < area.Row().fields.size(); ++index)
+        if (const FIELD& field = area.fields[index]; field.Type() == FIELD_8_BIT || field.data.empty())
+            return SetField(library, FRU_AREA_PRODUCT, index, field.data, "product");
+    throw CToolError(EXIT_REFUSED, "product",
+                     "a custom field can be changed only together with a fixed field of the product area",
+                     "every fixed field of this area is binary, BCD or 6-bit: set one in the same call");
+}
+
+} // namespace
+
+json RunSession(const std::string& name, const std::function<json(const PROGRESS&)>& work, const PROGRESS& progress) {
+    try {
+        return RunInChild(work, progress);
+    } catch (const CChildDied& death) {
+        throw CToolError(EXIT_DAMAGED, name, DeathReason(death));
+    }
+}
+
+std::unique_ptr<CLibrary> LoadedLibrary(const CONTENTS& contents) {
+    const SOURCE& source = contents.source;
+    if (source.kind == SOURCE::TEXT) {
+        auto library = std::make_unique<CLibrary>(CLibrary::NO_BMC);
+        library->LoadFile(source.label);
+        return library;
+    }
+    auto library = source.kind == SOURCE::IMAGE ? std::make_unique<CLibrary>(contents.bytes)
+                                                : std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);
+    library->Check(library->Load(source.kind == SOURCE::IMAGE ? ADDRESS() : source.address), EXIT_DAMAGED,
+                   source.label);
+    library->SelectDevice();
+    return library;
+}
+
+void ApplyEdits(const CLibrary& library, const FRU& fru, EDITS edits) {
+    // What shrinks makes room for what grows.
+    std::stable_sort(edits.fields.begin(), edits.fields.end(),
+                     [](const ASSIGNMENT& a, const ASSIGNMENT& b) { return a.Growth() < b.Growth(); });
+    for (const ASSIGNMENT& one : edits.fields)
+        SetField(library, one.name.area, TableIndex(*fru.Find(one.name.area), one.name), one.data, one.name.text);
+    MarkProduct(library, fru, edits);
+    SetArea(library, FRU_AREA_INTERNAL_USE, edits.internalUse);
+    SetArea(library, FRU_AREA_MULTIRECORD, edits.multiRecord);
+}
+
+} // namespace Fructl

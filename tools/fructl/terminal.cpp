@@ -1,0 +1,105 @@
+#include "tools/fructl/terminal.h"
+
+#include "tools/fructl/settings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace Fructl {
+
+namespace {
+
+constexpr std::array<std::string_view, 9> CODES = {"", "1", "2", "31", "32", "33", "34", "35", "36"};
+constexpr std::size_t BAR_WIDTH = 32;
+
+double Seconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+std::string Colored(COLOR color, std::string_view text) {
+    if (!Settings().color || color == COLOR::PLAIN)
+        return std::string(text);
+    return fmt::format("\033[{}m{}\033[0m", CODES[static_cast<std::size_t>(color)], text);
+}
+
+std::size_t Width(std::string_view text) {
+    std::size_t width = 0;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        if (text[position] == '\033') // a colour takes no column
+            position = std::min(text.find('m', position), text.size() - 1);
+        else if ((static_cast<UINT8>(text[position]) & 0xC0) != 0x80)
+            ++width;
+    }
+    return width;
+}
+
+std::string Padded(std::string_view text, std::size_t width) {
+    const std::size_t own = Width(text);
+    return std::string(text) + std::string(width > own ? width - own : 0, ' ');
+}
+
+void Note(const std::string& text) {
+    if (!Settings().quiet)
+        fmt::print(stderr, "fructl: {}{}", text, text.ends_with('\n') ? "" : "\n");
+}
+
+std::string Table(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], Width(row[column]));
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line;
+        for (std::size_t column = 0; column < row.size(); ++column)
+            line += "  " + Padded(row[column], widths[column]);
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+    }
+    return text;
+}
+
+CProgressBar::CProgressBar(std::string title)
+    : m_title(std::move(title)), m_terminal(isatty(STDERR_FILENO) != 0), m_start(Seconds()) {}
+
+CProgressBar::~CProgressBar() {
+    if (m_drawn && m_terminal)
+        std::fputc('\n', stderr);
+}
+
+void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& text) {
+    if (Settings().quiet || total == 0)
+        return;
+    if (!m_terminal) {
+        if (!m_drawn && text.empty())
+            fmt::print(stderr, "{}: {} bytes\n", m_title, total);
+        else if (text != m_lastText)
+            fmt::print(stderr, "{}: {} of {} bytes, {}\n", m_title, done, total, text);
+        m_drawn = true;
+        m_lastText = text;
+        return;
+    }
+    const std::size_t percent = 100 * done / total;
+    if (m_drawn && percent == m_lastPercent)
+        return;
+    m_lastPercent = percent;
+    const std::size_t filled = BAR_WIDTH * done / total;
+    const double spent = Seconds() - m_start;
+    const double left = done == 0 ? 0 : spent * static_cast<double>(total - done) / static_cast<double>(done);
+    fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {} bytes, {} s left  \033[K", m_title, "", filled, "",
+               BAR_WIDTH - filled, percent, total, static_cast<unsigned>(left + 0.5));
+    std::fflush(stderr);
+    m_drawn = true;
+}
+
+} // namespace Fructl

@@ -1,0 +1,59 @@
+// What people see: colour, columns, progress.
+#pragma once
+
+#include "tools/fructl/child.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Fructl {
+
+enum class COLOR {
+    PLAIN,
+    BOLD,
+    DIM,
+    RED,
+    GREEN,
+    YELLOW,
+    BLUE,
+    MAGENTA,
+    CYAN
+};
+
+/// `text` in a colour where standard output shows colours.
+std::string Colored(COLOR color, std::string_view text);
+/// Columns that a UTF-8 text takes on the terminal.
+std::size_t Width(std::string_view text);
+/// `text` with blanks behind it up to `width` columns.
+std::string Padded(std::string_view text, std::size_t width);
+
+/// Prints a line of advice or warning to standard error, except with --quiet.
+void Note(const std::string& text);
+/// Rows with aligned columns, two blanks between them and in front.
+std::string Table(const std::vector<std::vector<std::string>>& rows);
+
+/// Shows the steps of a long work on standard error: a bar on a terminal, a line for each new step
+/// otherwise, nothing with --quiet. One that has drawn a bar ends its line when it goes.
+class CProgressBar {
+  public:
+    explicit CProgressBar(std::string title);
+    ~CProgressBar();
+    CProgressBar(const CProgressBar&) = delete;
+    CProgressBar& operator=(const CProgressBar&) = delete;
+
+    void Step(std::size_t done, std::size_t total, const std::string& text);
+    PROGRESS Sink() {
+        return [this](std::size_t done, std::size_t total, const std::string& text) { Step(done, total, text); };
+    }
+
+  private:
+    std::string m_title;
+    std::string m_lastText;
+    std::size_t m_lastPercent = 0;
+    bool m_terminal;
+    bool m_drawn = false;
+    double m_start;
+};
+
+} // namespace Fructl
