@@ -101,7 +101,7 @@ class CFru {
     EFI_STATUS TakeMultiRecBlock(const UINT8* data, UINTN length);
 
     /// Writes this image to a file; a failure leaves the sections written so far.
-    /// @return 0, FILE_CREATE_ERROR, FILE_WRITE_ERROR
+    /// @return 0, OUT_OF_MEMORY, FILE_CREATE_ERROR, FILE_WRITE_ERROR
     EFI_STATUS SaveFRUToFile(const char* path);
 
     // --- Device -----------------------------------------------------------------------------------

@@ -39,7 +39,7 @@ void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
 }
 
 /// The title as multibyte text; empty where there is none or the locale cannot convert it, since printf
-/// would give up in the middle of the line.
+/// would give up in the middle of the line. @return null when the allocation fails
 std::unique_ptr<char[]> ToNarrowTitle(const WCHAR* title) {
     const std::size_t length = title ? std::wcstombs(nullptr, title, 0) : 0;
     const std::size_t size = length == static_cast<std::size_t>(-1) ? 1 : length + 1;
@@ -138,16 +138,20 @@ EFI_STATUS CFru::SaveFRUToFile(const char* path) {
 
 EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
     const CTrace trace = Trace(L"SaveFRUFileHeader");
+    const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
+    if (!title) {
+        RecordLastError(STRING_OUT_OF_MEMORY);
+        return trace.Fail(L"FRU Error Allocation", FRU_STATUS_OUT_OF_MEMORY);
+    }
     const SCOPED_FILE file = OpenSection(trace, path, "w");
     if (!file)
         return FRU_STATUS_FILE_CREATE_ERROR;
-    const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
     WriteQuoted(file.get(), FRU_LF_NAME, path);
     WriteVersion(file.get(), m_internalUse);
     WriteQuoted(file.get(), FRU_LF_FMT_VER, "1.50");
     WriteQuoted(file.get(), FRU_IMPI_VERSION, "1.00");
     std::fprintf(file.get(), "\n\n%s %s\n", FRU_FRU, FRU_OPEN_PAREN);
-    WriteQuoted(file.get(), FRU_FRU_TITLE, title ? title.get() : "");
+    WriteQuoted(file.get(), FRU_FRU_TITLE, title.get());
     std::fprintf(file.get(), "%s\t%s\n", FRU_START_ADDR, "0000");
     std::fprintf(file.get(), "%s\t%04X\n", FRU_DATA_LEN, GetOverallLength());
     WriteQuoted(file.get(), FRU_NVS_TYPE, TypeName(m_locator.type));

@@ -82,7 +82,8 @@ struct _EFI_FRU_INTERFACE {
     /**
      * Writes the selected FRU to a FRU text file. @param fileName must not be null (assertion)
      * @param auxFileName reserved, must be null (assertion)
-     * @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, FILE_CREATE_ERROR, FILE_WRITE_ERROR
+     * A full disk is not noticed: read the file back where that matters.
+     * @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, OUT_OF_MEMORY, FILE_CREATE_ERROR, FILE_WRITE_ERROR
      */
     EFI_STATUS (*SaveConfigurationToFile)(_EFI_FRU_INTERFACE* This, const WCHAR* fileName, const WCHAR* auxFileName);
     /** Whether something was loaded. @return 0, NOT_INITIALIZED */

@@ -4,38 +4,32 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
-#include <memory>
 
 // Refused also where the test runs with all privileges.
 extern "C" int iopl(int) noexcept {
     return -1;
 }
 
-namespace {
-
 TEST(RefusedPorts, RequestsFailAtOnce) {
     const auto begin = std::chrono::steady_clock::now();
     SetLibDebugLevel(0);
-    const auto request = std::make_unique<BMC_MESSAGE>();
-    const auto response = std::make_unique<BMC_MESSAGE>();
-    const UINT8 frame[2] = {0x18, 0x01};
-    UINT8 buffer[8];
+    static BMC_MESSAGE request;
+    static BMC_MESSAGE response;
+    UINT8 buffer[8] = {};
     unsigned int count = 0;
     UINT32 type = 9;
-    EXPECT_EQ(inb(0x80), 0xFF);
     outb(0, 0x80);
+    EXPECT_EQ(inb(0x80), 0xFF);
     EXPECT_EQ(IsKCS(), 0);
     EXPECT_EQ(startIPMI(), 0) << "this host supplies no IMB driver";
     EXPECT_EQ(endIPMI(), 0);
-    EXPECT_EQ(KCSSendMessage(frame, 2), 1);
+    EXPECT_EQ(KCSSendMessage(buffer, 2), 1);
     EXPECT_EQ(KCSReadBMCData(buffer, sizeof buffer, &count), 2);
     EXPECT_EQ(KCSBMCErrorHandler(), 2);
     EXPECT_EQ(WaitTilObf(5000000), 1);
     EXPECT_EQ(GetBmcType(&type), 1);
     EXPECT_EQ(type, 0U);
-    request->rsSa = 0x72;
-    EXPECT_EQ(ProcessMessage(request.get(), response.get(), 5000), -504);
+    request.rsSa = 0x72;
+    EXPECT_EQ(ProcessMessage(&request, &response, 5000), -504);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
 }
-
-} // namespace

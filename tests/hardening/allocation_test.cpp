@@ -97,6 +97,12 @@ TEST_F(CAllocation, EveryOperation) {
     const auto again = [this] { LoadAgain(); };
     const auto nothing = [](EFI_STATUS) {};
     LoadAgain();
+    ASSERT_EQ(m_table->SaveConfigurationToFile(m_table, L"named.fru", nullptr), 0U);
+    std::string named = ReadFile("named.fru");
+    named.replace(named.find("_FRU_TITLE\t'"), 12, "_FRU_TITLE\t'Title");
+    std::ofstream("named.fru") << named;
+    const auto loadNamed = [this] { m_table->LoadConfigurationFromFile(m_table, L"named.fru", nullptr); };
+    loadNamed();
     ASSERT_EQ(m_table->SaveConfigurationToFile(m_table, L"saved.fru", nullptr), 0U);
     const std::string saved = ReadFile("saved.fru");
     FailEach(
@@ -125,13 +131,13 @@ TEST_F(CAllocation, EveryOperation) {
     FailEach(
         "SaveConfigurationToFile",
         {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY, FRU_STATUS_FILE_CREATE_ERROR, FRU_STATUS_FILE_WRITE_ERROR},
-        again, [this] { return m_table->SaveConfigurationToFile(m_table, L"saved.fru", nullptr); },
+        loadNamed, [this] { return m_table->SaveConfigurationToFile(m_table, L"saved.fru", nullptr); },
         [&](EFI_STATUS status) {
             Require(status != 0 || ReadFile("saved.fru") == saved, "a file that lacks something");
         });
     FailEach(
         "LoadConfigurationFromFile", {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY, FRU_STATUS_FILE_READ_ERROR}, again,
-        [this] { return m_table->LoadConfigurationFromFile(m_table, L"saved.fru", nullptr); }, nothing);
+        [this] { return m_table->LoadConfigurationFromFile(m_table, L"named.fru", nullptr); }, nothing);
     FailEach(
         "CommitConfigurationToSystem", {FRU_STATUS_SUCCESS}, again,
         [this] { return m_table->CommitConfigurationToSystem(m_table); }, nothing);

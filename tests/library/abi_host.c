@@ -86,7 +86,7 @@ int main(int argc, char** argv) {
     if (argc != 3 || mbstowcs(in, argv[1], 512) >= 512 || mbstowcs(out, argv[2], 512) >= 512)
         return 2;
     CHECK(fru->revision == FRUDATA_INTERFACE_REVISION && KCSAddress == 0xCA2 && LIBDBG_DEBUG_LEVEL == 1);
-    CHECK(g_FruDataGuid.data1 == 0xA27157C0 && g_FruDataGuid.data2 == 0xD80E && g_FruDataGuid.data3 == 0x433A);
+    CHECK(!memcmp(&g_FruDataGuid, "\xC0\x57\x71\xA2\x0E\xD8\x3A\x43\xAA\xD0\xF1\xE1\xF7\xEB\xD6\xA9", 16));
     CHECK(fru->GetFruName(fru, &message) == FRU_STATUS_NOT_INITIALIZED);
     CHECK(fru->Initialize(fru, 0) == FRU_STATUS_SUCCESS);
     CHECK(fru->SetProgressCallback(fru, OnProgress) == 0 && fru->LoadConfigurationFromSystem(fru) == 0 && g_calls == 0);

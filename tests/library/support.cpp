@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <map>
+#include <numeric>
 #include <sstream>
 
 // The driver that a host may supply: there is one, so the library looks no further, but it reaches nothing.
@@ -27,23 +27,13 @@ BYTES operator+(BYTES left, const BYTES& right) {
     return left;
 }
 
-BYTES Fill(std::size_t count, UINT8 value) {
-    return BYTES(count, value);
-}
-
-BYTES Bytes(const std::string& text) {
-    return BYTES(text.begin(), text.end());
-}
-
 BYTES Field(const std::string& data, UINT8 type) {
-    return BYTES{static_cast<UINT8>(type | data.size())} + Bytes(data);
+    return BYTES{static_cast<UINT8>(type | data.size())} + BYTES(data.begin(), data.end());
 }
 
-UINT8 ZeroChecksum(const BYTES& bytes) {
-    unsigned int sum = 0;
-    for (const UINT8 byte : bytes)
-        sum += byte;
-    return static_cast<UINT8>(0U - sum);
+BYTES WithChecksum(BYTES bytes) {
+    bytes.push_back(static_cast<UINT8>(0U - std::accumulate(bytes.begin(), bytes.end(), 0U)));
+    return bytes;
 }
 
 BYTES CompactArea(BYTES start, std::size_t size) {
@@ -54,8 +44,7 @@ BYTES CompactArea(BYTES start, std::size_t size) {
 BYTES FullArea(const BYTES& start, std::size_t size) {
     BYTES area = CompactArea(start, size);
     area.resize(size - 1);
-    area.push_back(ZeroChecksum(area));
-    return area;
+    return WithChecksum(area);
 }
 
 FRU_BYTES RichFru() {
@@ -72,12 +61,6 @@ FRU_BYTES RichFru() {
     return fru;
 }
 
-FRU_BYTES BoardFru() {
-    FRU_BYTES fru;
-    fru.board = RichFru().board;
-    return fru;
-}
-
 std::string Hex(const BYTES& bytes) {
     std::string text;
     for (const UINT8 byte : bytes) {
@@ -88,24 +71,22 @@ std::string Hex(const BYTES& bytes) {
 }
 
 std::string FruText(const FRU_BYTES& fru) {
-    const std::pair<const char*, const BYTES*> areas[] = {{"_SEE_INTERNAL", &fru.internalUse},
-                                                          {"_SEE_CHASSIS", &fru.chassis},
-                                                          {"_SEE_BOARD", &fru.board},
-                                                          {"_SEE_PRODUCT", &fru.product},
-                                                          {"_SEE_MULTIREC", &fru.multiRecord}};
     BYTES header = {1};
     std::string blocks;
-    for (const auto& [tag, bytes] : areas) {
+    for (const auto& [tag, bytes] : {std::pair("_SEE_INTERNAL\n", &fru.internalUse),
+                                     {"_SEE_CHASSIS\n", &fru.chassis},
+                                     {"_SEE_BOARD\n", &fru.board},
+                                     {"_SEE_PRODUCT\n", &fru.product},
+                                     {"_SEE_MULTIREC\n", &fru.multiRecord}}) {
         header.push_back(bytes->empty() ? 0 : static_cast<UINT8>(header.size()));
         if (!bytes->empty())
-            blocks += std::string(tag) + "\n" + Hex(*bytes) + "\n";
+            blocks += tag + Hex(*bytes) + "\n";
     }
     header.push_back(0);
-    header.push_back(ZeroChecksum(header));
     return "_LF_NAME\t'name'\n_LF_VERSION\t'1.0'\n_LF_FMT_VER\t'1.50'\n_IPMI_VERSION\t'1.00'\n_FRU (\n"
            "_FRU_TITLE\t'Title'\n_START_ADDR\t0000\n_DATA_LEN\t0100\n_NVS_TYPE\t'IMBDEVICE'\n_DEV_ID\t\t05\n"
            "_DEV_CNTR\t20\n_NVS_LUN\t01\n_DEV_BUS\tFF\n_DEV_ADDRESS\t3C\n_SEE_COMMON\n" +
-           Hex(header) + "\n" + blocks + ")\n";
+           Hex(WithChecksum(header)) + "\n" + blocks + ")\n";
 }
 
 std::string WithLine(const std::string& text, const std::string& key, const std::string& line) {
@@ -123,85 +104,59 @@ std::string ReadFile(const std::string& name) {
     return content.str();
 }
 
+std::string TextTable(const std::vector<UINT32>& words, const std::u16string& units, int sum) {
+    std::string content(reinterpret_cast<const char*>(words.data()), words.size() * 4);
+    content.append(reinterpret_cast<const char*>(units.data()), units.size() * 2);
+    for (std::size_t i = 0; i + 1 < content.size(); i += 2)
+        sum -= static_cast<UINT8>(content[i]) | static_cast<UINT8>(content[i + 1]) << 8;
+    return content + static_cast<char>(sum) + static_cast<char>(sum >> 8);
+}
+
 void WriteTexts(const std::string& directory, const std::wstring& prefix) {
-    static const std::map<unsigned int, const wchar_t*> arguments = {{35, L" %u %u %u %u %u %u"},
-                                                                     {63, L" %u %u"},
-                                                                     {64, L" %ls"},
-                                                                     {89, L" %s"},
-                                                                     {90, L" %ls %s"},
-                                                                     {94, L" %ls %s"},
-                                                                     {95, L" %ls %s"},
-                                                                     {96, L" %ls %s"},
-                                                                     {97, L" %ls %s"},
-                                                                     {98, L" %s"},
-                                                                     {100, L" %s"},
-                                                                     {104, L" %ls"},
-                                                                     {106, L" %ls"},
-                                                                     {107, L" %ls"},
-                                                                     {108, L" %ls"},
-                                                                     {109, L" %ls"},
-                                                                     {113, L" %ls"},
-                                                                     {134, L" %u %u %u %u"},
-                                                                     {137, L" %ls"}};
     constexpr UINT32 count = 139;
-    std::vector<UINT16> words(2 + 4 * count);
-    const auto put = [&words](std::size_t index, std::size_t value) {
-        words[index] = static_cast<UINT16>(value);
-        words[index + 1] = static_cast<UINT16>(value >> 16);
-    };
-    put(0, count);
+    std::wstring texts[count];
+    for (UINT32 number = 0; number < count; ++number)
+        texts[number] = prefix + std::to_wstring(number);
+    const std::pair<const wchar_t*, std::vector<UINT32>> arguments[] = {
+        {L" %u %u %u %u %u %u", {35}},
+        {L" %u %u %u %u", {134}},
+        {L" %u %u", {63}},
+        {L" %s", {89, 98, 100}},
+        {L" %ls %s", {90, 94, 95, 96, 97}},
+        {L" %ls", {64, 104, 106, 107, 108, 109, 113, 137}}};
+    for (const auto& [placeholders, numbers] : arguments)
+        for (const UINT32 number : numbers)
+            texts[number] += placeholders;
+
+    std::vector<UINT32> words(1 + 2 * count, count);
+    std::u16string units;
     for (UINT32 number = 0; number < count; ++number) {
-        const auto found = arguments.find(number);
-        const std::wstring text = prefix + std::to_wstring(number) + (found == arguments.end() ? L"" : found->second);
-        put(2 + 2 * number, words.size() * 2);
-        put(2 + 2 * count + 2 * number, text.size() + 1);
-        for (const wchar_t character : text)
-            words.push_back(static_cast<UINT16>(character));
-        words.push_back(0);
+        words[1 + number] = static_cast<UINT32>(words.size() * 4 + units.size() * 2);
+        words[1 + count + number] = static_cast<UINT32>(texts[number].size() + 1);
+        units.append(texts[number].begin(), texts[number].end()) += u'\0';
     }
-    UINT16 sum = 0;
-    for (const UINT16 word : words)
-        sum = static_cast<UINT16>(sum + word);
-    words.push_back(static_cast<UINT16>(-sum));
     std::filesystem::create_directories(directory + "/frudata/str");
-    WriteFile(directory + "/frudata/str/frudata.str",
-              std::string(reinterpret_cast<const char*>(words.data()), words.size() * 2));
-}
-
-std::vector<std::wstring> ReadTexts(const std::string& fileName) {
-    const std::string content = ReadFile(fileName);
-    const auto number = [&content](std::size_t offset, int bytes) {
-        UINT32 value = 0;
-        while (bytes-- > 0)
-            value = value << 8 | static_cast<UINT8>(content.at(offset + static_cast<std::size_t>(bytes)));
-        return value;
-    };
-    std::vector<std::wstring> texts(number(0, 4));
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        for (UINT32 at = number(4 + 4 * i, 4); number(at, 2) != 0; at += 2)
-            texts[i] += static_cast<wchar_t>(number(at, 2));
-    return texts;
-}
-
-CScratchDirectory::CScratchDirectory() : m_before(std::filesystem::current_path()) {
-    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
-    m_path = mkdtemp(name.data());
-    std::filesystem::current_path(m_path);
-}
-
-CScratchDirectory::~CScratchDirectory() {
-    std::filesystem::current_path(m_before);
-    std::filesystem::remove_all(m_path);
+    WriteFile(directory + "/frudata/str/frudata.str", TextTable(words, units));
 }
 
 CLibraryTest::CLibraryTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
+    m_path = mkdtemp(name.data());
+    std::filesystem::current_path(m_path);
     WriteTexts("enus", L"T");
     LIBDBG_DEBUG_LEVEL = 1;
-    EXPECT_EQ(m_table->Initialize(m_table, 0), 0U);
+    Restart(0);
 }
 
 CLibraryTest::~CLibraryTest() {
     m_table->DeInitialize(m_table);
+    std::filesystem::current_path(m_before);
+    std::filesystem::remove_all(m_path);
+}
+
+void CLibraryTest::Restart(int platform) {
+    m_table->DeInitialize(m_table);
+    EXPECT_EQ(m_table->Initialize(m_table, platform), 0U);
 }
 
 EFI_STATUS CLibraryTest::Load(const std::string& content) {
@@ -214,6 +169,17 @@ void CLibraryTest::LoadAndSelect(const FRU_BYTES& fru, FRU_AREA area) {
     ASSERT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
 }
 
+std::string CLibraryTest::Saved() {
+    EXPECT_EQ(m_table->SaveConfigurationToFile(m_table, L"out.fru", nullptr), 0U);
+    return ReadFile("out.fru");
+}
+
+std::string CLibraryTest::TakeLog() {
+    const std::string log = ReadFile("DBGLOG.txt");
+    std::filesystem::remove("DBGLOG.txt");
+    return log;
+}
+
 EFI_STATUS CLibraryTest::Set(unsigned int field, const std::string& value) {
     EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
     return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
@@ -221,9 +187,8 @@ EFI_STATUS CLibraryTest::Set(unsigned int field, const std::string& value) {
 }
 
 std::wstring CLibraryTest::Value(unsigned int field) {
-    const wchar_t* value = nullptr;
     EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
-    EXPECT_EQ(m_table->GetFieldStringValue(m_table, value), 0U);
+    const wchar_t* value = Told(m_table->GetFieldStringValue);
     return value ? value : L"(null)";
 }
 
@@ -233,12 +198,6 @@ BYTES CLibraryTest::Data(unsigned int field) {
     EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
     EXPECT_EQ(m_table->GetFieldDataValue(m_table, data, length), 0U);
     return BYTES(data, data + length);
-}
-
-unsigned int CLibraryTest::MaxFieldSize() {
-    unsigned int size = 0;
-    EXPECT_EQ(m_table->GetMaxFieldSize(m_table, size), 0U);
-    return size;
 }
 
 std::wstring CLibraryTest::LastError() {

@@ -17,11 +17,8 @@ namespace Frudata_Tests {
 using BYTES = std::vector<UINT8>;
 
 BYTES operator+(BYTES left, const BYTES& right);
-BYTES Fill(std::size_t count, UINT8 value);
-BYTES Bytes(const std::string& text);
 /// A type/length byte with its data.
 BYTES Field(const std::string& data, UINT8 type = 0xC0);
-UINT8 ZeroChecksum(const BYTES& bytes);
 /// `start` (header and fields) with its length byte set to `size` and the end-of-fields marker.
 BYTES CompactArea(BYTES start, std::size_t size);
 /// The same with padding and checksum.
@@ -29,12 +26,14 @@ BYTES FullArea(const BYTES& start, std::size_t size);
 
 /// The areas of one FRU; an empty one is absent.
 struct FRU_BYTES {
-    BYTES internalUse, chassis, board, product, multiRecord;
+    BYTES internalUse = {}, chassis = {}, board = {}, product = {}, multiRecord = {};
 };
 /// All five areas, every fixed field distinct, three custom fields in the board area.
 FRU_BYTES RichFru();
 /// A board area alone.
-FRU_BYTES BoardFru();
+inline FRU_BYTES BoardFru() {
+    return {.board = RichFru().board};
+}
 std::string Hex(const BYTES& bytes);
 std::string FruText(const FRU_BYTES& fru);
 /// `text` with the first line that starts with `key` replaced by `line`.
@@ -42,38 +41,37 @@ std::string WithLine(const std::string& text, const std::string& key, const std:
 
 void WriteFile(const std::string& name, const std::string& content);
 std::string ReadFile(const std::string& name);
+/// A table of texts: `words` (count, offsets, lengths), `units` (the texts), and what makes the word sum `sum`.
+std::string TextTable(const std::vector<UINT32>& words, const std::u16string& units, int sum = 0);
 /// Writes DIRECTORY/frudata/str/frudata.str, in which text n reads PREFIX n and its arguments.
 void WriteTexts(const std::string& directory, const std::wstring& prefix);
-/// The texts of a compiled table, read without the library.
-std::vector<std::wstring> ReadTexts(const std::string& fileName);
 
-/// Makes a fresh directory the current one and removes it at the end.
-class CScratchDirectory {
-  public:
-    CScratchDirectory();
-    ~CScratchDirectory();
-
-  private:
-    std::filesystem::path m_before;
-    std::filesystem::path m_path;
-};
-
-/// A started library in a fresh directory, with texts "T1", "T2 ARGUMENTS" and so on.
+/// A started library in a fresh current directory, with texts "T1", "T2 ARGUMENTS" and so on.
 class CLibraryTest : public testing::Test {
   protected:
     CLibraryTest();
     ~CLibraryTest() override;
 
+    void Restart(int platform);
     EFI_STATUS Load(const std::string& content);
     void LoadAndSelect(const FRU_BYTES& fru, FRU_AREA area);
+    /// Saves the selected FRU as out.fru and returns what that holds.
+    std::string Saved();
     EFI_STATUS Set(unsigned int field, const std::string& value);
     std::wstring Value(unsigned int field);
     BYTES Data(unsigned int field);
-    unsigned int MaxFieldSize();
+    /// The value that `operation` tells, which must succeed.
+    template <typename VALUE> VALUE Told(EFI_STATUS (*operation)(_EFI_FRU_INTERFACE*, VALUE&)) {
+        VALUE value{};
+        EXPECT_EQ(operation(m_table, value), 0U);
+        return value;
+    }
     /// The last error, "" where there is none.
     std::wstring LastError();
+    /// What was logged since the last call.
+    static std::string TakeLog();
 
-    CScratchDirectory m_directory;
+    std::filesystem::path m_before = std::filesystem::current_path(), m_path;
     _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 };
 

@@ -1,16 +1,13 @@
 // Writing back: which areas go out, what the host is told meanwhile, and what a failure leaves.
 #include "tests/system/support.h"
 
-#include "sim/samples.h"
-
-namespace Frudata_Tests {
+using namespace Frudata_Tests;
 
 namespace {
 
-using testing::ElementsAre;
-
-constexpr UINT8 WRITE = 0x12;
 const BYTES IMAGE = SampleBmcFru();
+/// In the place of a field: the whole area.
+constexpr int WHOLE = -1;
 
 class Commit : public CSystemTest {
   protected:
@@ -18,25 +15,26 @@ class Commit : public CSystemTest {
         ASSERT_EQ(LoadImage(image), 0U);
         Select(NumberOfFrus() - 1);
         Requests();
+        g_progress.clear();
     }
-    EFI_STATUS CommitIt() { return m_table->CommitConfigurationToSystem(m_table); }
-    EFI_STATUS SetArea(FRU_AREA area, const BYTES& data) {
+    void Edit(FRU_AREA area, int field, const BYTES& data) {
+        const auto size = static_cast<unsigned int>(data.size());
         EXPECT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
-        return m_table->SetAreaData(m_table, data.data(), static_cast<unsigned int>(data.size()));
-    }
-    EFI_STATUS SetCustom(FRU_AREA area, unsigned int field, const BYTES& data) {
-        EXPECT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
-        EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
-        return m_table->SetFieldDataValue(m_table, data.data(), static_cast<unsigned int>(data.size()));
+        if (field == WHOLE) {
+            EXPECT_EQ(m_table->SetAreaData(m_table, data.data(), size), 0U) << LastError().c_str();
+            return;
+        }
+        EXPECT_EQ(m_table->SelectFieldInteger(m_table, static_cast<unsigned int>(field)), 0U);
+        EXPECT_EQ(m_table->SetFieldDataValue(m_table, data.data(), size), 0U);
     }
     /// The requests of a commit that writes the header and these areas of FRU device 0.
-    LINES Expected(const std::vector<unsigned int>& areas) {
+    REQUESTS Expected(const std::vector<unsigned int>& areas) {
         const BYTES& device = m_bmc.FruBytes(0);
-        LINES lines = LINES{Line(0x20, 6, 0, 1, {})} + Writes({}, ACCESS::FRU, 0, Slice(IMAGE, 0, 8));
+        REQUESTS requests = GET_DEVICE_ID + Writes({}, ACCESS::FRU, 0, Slice(IMAGE, 0, 8));
         for (const unsigned int area : areas)
-            lines = lines + Writes({}, ACCESS::FRU, Start(IMAGE, area),
-                                   area == INTERNAL ? Slice(device, 8, 16) : InfoArea(device, area));
-        return lines;
+            requests = requests + Writes({}, ACCESS::FRU, Start(IMAGE, area),
+                                         area == INTERNAL ? Slice(device, 8, 16) : InfoArea(device, area));
+        return requests;
     }
     std::vector<std::wstring> Steps(std::initializer_list<unsigned int> texts) {
         std::vector<std::wstring> steps{L"1 " + Text(64, Identifier({}).c_str()) + L" 0 0"};
@@ -47,50 +45,28 @@ class Commit : public CSystemTest {
 };
 
 TEST_F(Commit, WhatIsWritten) {
-    const auto set = [this](FRU_AREA area, FRU_FIELD field, const std::string& value) {
-        return [=, this] { return Set(area, field, value); };
-    };
     const struct {
-        const char* name;
-        std::function<EFI_STATUS()> edit;
+        FRU_AREA area;
+        int field;
+        BYTES value; ///< none: not edited
         std::vector<unsigned int> areas;
         bool isChanged; ///< on the device
     } rows[] = {
-        {"nothing", [] { return 0U; }, {BOARD}, false},
-        {"product field", set(FRU_AREA_PRODUCT, FRU_FIELD_PRODUCT_NAME, "NW-3000"), {BOARD, PRODUCT}, true},
-        {"product custom field",
-         [this] {
-             return SetCustom(FRU_AREA_PRODUCT, 7, {'x', 'y'});
-         },
-         {BOARD},
-         false},
-        {"board field", set(FRU_AREA_BOARD, FRU_FIELD_BOARD_PART_NUMBER, "MB-3"), {BOARD}, true},
-        {"board date",
-         [this] {
-             return SetCustom(FRU_AREA_BOARD, 0, {1, 2, 3});
-         },
-         {BOARD},
-         true},
-        {"board custom field",
-         [this] {
-             return SetCustom(FRU_AREA_BOARD, 7, {'x', 'y'});
-         },
-         {BOARD},
-         true},
-        {"chassis field", set(FRU_AREA_CHASSIS, FRU_FIELD_CHASSIS_PART_NUMBER, "CH-3"), {CHASSIS, BOARD}, true},
-        {"chassis custom field",
-         [this] {
-             return SetCustom(FRU_AREA_CHASSIS, 3, {'x', 'y'});
-         },
-         {CHASSIS, BOARD},
-         true},
-        {"internal use", [this] { return SetArea(FRU_AREA_INTERNAL_USE, BYTES(16, 9)); }, {INTERNAL, BOARD}, true},
+        {FRU_AREA_NONE, 0, {}, {BOARD}, false},
+        {FRU_AREA_PRODUCT, 1, {'N', 'W'}, {BOARD, PRODUCT}, true},
+        {FRU_AREA_PRODUCT, 7, {'x', 'y'}, {BOARD}, false}, // a custom field does not mark this area
+        {FRU_AREA_BOARD, 4, {'M', 'B'}, {BOARD}, true},
+        {FRU_AREA_BOARD, 0, {1, 2, 3}, {BOARD}, true},
+        {FRU_AREA_BOARD, 7, {'x', 'y'}, {BOARD}, true},
+        {FRU_AREA_CHASSIS, 1, {'C', 'H'}, {CHASSIS, BOARD}, true},
+        {FRU_AREA_CHASSIS, 3, {'x', 'y'}, {CHASSIS, BOARD}, true},
+        {FRU_AREA_INTERNAL_USE, WHOLE, BYTES(16, 9), {INTERNAL, BOARD}, true},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(testing::Message() << row.area << ' ' << row.field);
         LoadAndSelect(IMAGE);
-        ASSERT_EQ(row.edit(), 0U);
-        g_progress.clear();
+        if (!row.value.empty())
+            Edit(row.area, row.field, row.value);
         EXPECT_EQ(CommitIt(), 0U);
         EXPECT_EQ(Requests(), Expected(row.areas));
         EXPECT_EQ(m_bmc.FruBytes(0) != IMAGE, row.isChanged);
@@ -105,9 +81,9 @@ TEST_F(Commit, MultiRecords) {
     const BYTES records{0xC1, 0x02, 9, 0xD3, 0x61, 1, 2, 3, 4, 5, 6, 7, 8, 9, 0xC2, 0x82, 1, 0xF6, 0xC5, 0x0A};
     const std::size_t start = Start(IMAGE, MULTIRECORD);
     LoadAndSelect(IMAGE);
-    ASSERT_EQ(SetArea(FRU_AREA_MULTIRECORD, records), 0U) << LastError().c_str();
+    Edit(FRU_AREA_MULTIRECORD, WHOLE, records);
     EXPECT_EQ(CommitIt(), 0U);
-    LINES expected = Expected({BOARD});
+    REQUESTS expected = Expected({BOARD});
     for (const auto& [offset, length] : {std::pair(0U, 9U), {14U, 1U}}) {
         for (std::size_t byte = offset; byte < offset + 5; ++byte)
             expected = expected + Writes({}, ACCESS::FRU, start + byte, {records[byte]});
@@ -121,55 +97,19 @@ TEST_F(Commit, MultiRecords) {
 }
 
 TEST_F(Commit, AreasArePackedAndMayBeAbsent) {
-    // A gap before the board area of a device closes: areas go out one behind the other.
     const BYTES riser = SampleRiserFru();
-    BYTES moved = With(riser, 3, {3});
     const BYTES board = InfoArea(riser, BOARD);
-    moved = With(moved, 24, board);
-    LoadAndSelect(moved);
+    const BYTES moved = With(With(riser, 3, {3}), 24, board);
+    const BYTES bare = CFruImageBuilder().Build(64);
+    const BYTES empty = With(riser, 1, {1});
     EXPECT_EQ(m_table->SetProgressCallback(m_table, nullptr), 0U);
-    EXPECT_EQ(CommitIt(), 0U);
-    EXPECT_EQ(m_bmc.FruBytes(0), With(moved, 8, board));
-    LoadAndSelect(CFruImageBuilder().Build(64));
-    EXPECT_EQ(CommitIt(), 0U);
-    EXPECT_EQ(Requests().size(), 2U) << "Get Device ID and the header";
-    // An area without bytes takes no place.
-    BYTES empty = riser;
-    empty = With(empty, 1, {1});
-    LoadAndSelect(empty);
-    EXPECT_EQ(CommitIt(), 0U);
-    EXPECT_EQ(m_bmc.FruBytes(0), empty);
-}
-
-TEST_F(Commit, NeedsASelectedFruOfTheSystem) {
-    EXPECT_EQ(CommitIt(), FRU_STATUS_NOT_LOADED);
-    EXPECT_EQ(LastError(), Text(125));
-    ASSERT_EQ(LoadImage(IMAGE), 0U);
-    Requests();
-    for (const int list : {FRU_LIST_SYSTEM, FRU_LIST_FILE, FRU_LIST_NONE}) {
-        m_table->SelectList(m_table, list);
-        EXPECT_EQ(CommitIt(), FRU_STATUS_NO_SUCH_FIELD) << list;
-        EXPECT_EQ(LastError(), Text(125));
-    }
-    // A FRU of a file stays selected and is still not written.
-    Select(0);
-    EXPECT_EQ(m_table->SaveConfigurationToFile(m_table, L"out.fru", nullptr), 0U);
-    EXPECT_EQ(m_table->LoadConfigurationFromFile(m_table, L"out.fru", nullptr), 0U);
-    EXPECT_EQ(CommitIt(), FRU_STATUS_NO_SUCH_FIELD);
-    EXPECT_THAT(Requests(), ElementsAre());
-}
-
-TEST_F(Commit, FailuresAreTraced) {
-    // The mini-BMC's writer says nothing of its own.
-    for (const auto& [platform, lines] : {std::pair(0, "CFru::WriteFruDataToBmc - Error Writing FRU\r\n"), {3, ""}}) {
-        Restart(platform);
-        m_bmc.SetIdentity({.product = 0x4311});
-        LoadAndSelect(IMAGE);
-        Answer(WRITE, {0xC9});
-        TakeLog();
-        EXPECT_EQ(CommitIt(), FRU_STATUS_WRITE_FRU_ERROR);
-        EXPECT_EQ(TakeLog(), lines + std::string("CFru::WriteToSystem - Error Writing System\r\n"
-                                                 "FruData::CommitConfigurationToSystem - Write FRU Error\r\n"));
+    for (const auto& [image, written] : {std::pair(moved, With(moved, 8, board)), // the gap before the board closes
+                                         {bare, bare},
+                                         {empty, empty}}) { // an area without bytes takes no place
+        LoadAndSelect(image);
+        EXPECT_EQ(CommitIt(), 0U);
+        EXPECT_EQ(Requests().size(), image == bare ? 2U : 2U + board.size() / 8);
+        EXPECT_EQ(m_bmc.FruBytes(0), written);
     }
 }
 
@@ -190,11 +130,17 @@ TEST_F(Commit, FailureAtEachWrite) {
     for (std::size_t done = 0; done < writes; ++done) {
         SCOPED_TRACE(done);
         edit();
-        const FAULT_ACTION action = done % 2 == 0 ? FAULT_ACTION::TRANSPORT_ERROR : FAULT_ACTION::COMPLETION_CODE;
-        const auto occurrence = static_cast<unsigned int>(done + 1);
-        m_bmc.AddFault({.action = action, .value = 0xC9, .cmd = WRITE, .occurrence = occurrence, .times = 1});
+        TakeLog();
+        const bool isSent = done % 2 != 0;
+        m_bmc.AddFault({.action = isSent ? FAULT_ACTION::COMPLETION_CODE : FAULT_ACTION::TRANSPORT_ERROR,
+                        .value = 0xC9,
+                        .cmd = 0x12,
+                        .occurrence = static_cast<unsigned int>(done + 1)});
         EXPECT_EQ(CommitIt(), FRU_STATUS_WRITE_FRU_ERROR);
         EXPECT_EQ(LastError(), Text(113, Identifier({}).c_str()));
+        EXPECT_EQ(TakeLog(), (isSent ? "CFru::WriteFruDataToBmc - Error Writing FRU\r\n" : std::string()) +
+                                 "CFru::WriteToSystem - Error Writing System\r\n"
+                                 "FruData::CommitConfigurationToSystem - Write FRU Error\r\n");
         EXPECT_EQ(Requests().size(), done + 2) << "the failure is the last request";
         m_bmc.ClearFaults();
         BYTES expected = IMAGE;
@@ -214,5 +160,3 @@ TEST_F(Commit, FailureAtEachWrite) {
 }
 
 } // namespace
-
-} // namespace Frudata_Tests

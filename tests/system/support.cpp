@@ -1,6 +1,8 @@
 #include "tests/system/support.h"
 
+#include "frudata/bmclib.h"
 #include "frudata/debug.h"
+#include "sim/fronts.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -28,25 +30,26 @@ unsigned int sleep(unsigned int) {
 
 namespace Frudata_Tests {
 
+std::vector<std::wstring> g_progress;
+
 namespace {
 
-UINT8 Byte(std::size_t value) {
-    return static_cast<UINT8>(value & 0xFF);
+unsigned int Progress(PROGRESS_CALLBACK_TYPE type, const WCHAR* message, unsigned int current, unsigned int total) {
+    g_progress.push_back(std::to_wstring(type) + L" " + message + L" " + std::to_wstring(current) + L" " +
+                         std::to_wstring(total));
+    return 77;
 }
 
-/// A request that moves bytes at `offset`: `count` is 0 for a write.
-BYTES Place(const ADDRESS& address, ACCESS access, std::size_t offset, std::size_t count) {
+/// A request that moves bytes at `offset`, up to its count or data; Master Write-Read has its count inside.
+BYTES Request(const ADDRESS& address, ACCESS access, UINT8 fruCommand, std::size_t offset, UINT8 count) {
+    const auto low = static_cast<UINT8>(offset & 0xFF);
+    const auto high = static_cast<UINT8>(offset >> 8);
     if (access == ACCESS::FRU)
-        return {address.deviceId, Byte(offset), Byte(offset >> 8)};
-    const UINT8 first = access == ACCESS::EEPROM ? Byte(offset >> 8) : UINT8{0x17};
-    return {address.bus, address.deviceAddress, Byte(count), first, Byte(offset)};
-}
-
-std::string TransferLine(const ADDRESS& address, ACCESS access, UINT8 fruCommand, const BYTES& data) {
-    if (access == ACCESS::FRU)
-        return Line(address.controller, 0x0A, 0, fruCommand, data);
+        return {address.controller, 0x0A, 0, fruCommand, address.deviceId, low, high};
     // A frame on the KCS ports goes to LUN 0.
-    return Line(address.controller, 0x06, g_front == FRONT::KCS ? 0 : address.lun, 0x52, data);
+    const UINT8 lun = g_front == FRONT::KCS ? UINT8{0} : address.lun;
+    const UINT8 first = access == ACCESS::EEPROM ? high : UINT8{0x17};
+    return {address.controller, 0x06, lun, 0x52, address.bus, address.deviceAddress, count, first, low};
 }
 
 std::string ReadFile(const char* name) {
@@ -54,74 +57,47 @@ std::string ReadFile(const char* name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::vector<std::wstring> ReadTable() {
-    const std::string content = ReadFile(FRUDATA_TEXTS "/enus/frudata/str/frudata.str");
-    const auto number = [&content](std::size_t offset, int bytes) {
-        UINT32 value = 0;
-        while (bytes-- > 0)
-            value = value << 8 | static_cast<UINT8>(content.at(offset + static_cast<std::size_t>(bytes)));
-        return value;
-    };
-    std::vector<std::wstring> texts(number(0, 4));
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        for (UINT32 at = number(4 + 4 * i, 4); number(at, 2) != 0; at += 2)
-            texts[i] += static_cast<wchar_t>(number(at, 2));
-    return texts;
-}
-
 } // namespace
 
-std::string Line(unsigned int controller, unsigned int netFn, unsigned int lun, unsigned int cmd, const BYTES& data) {
-    char start[32];
-    std::snprintf(start, sizeof start, "%02X %02X/%u %02X:", controller, netFn, lun, cmd);
-    std::string line = start;
-    for (const UINT8 byte : data) {
-        std::snprintf(start, sizeof start, " %02X", byte);
-        line += start;
-    }
-    return line;
-}
-
-LINES Reads(const ADDRESS& address, ACCESS access, std::size_t offset, std::size_t count) {
-    LINES lines;
-    for (std::size_t end = offset + count; offset < end; offset += 8) {
-        const std::size_t piece = std::min<std::size_t>(8, end - offset);
-        BYTES data = Place(address, access, offset, piece);
+REQUESTS Reads(const ADDRESS& address, ACCESS access, std::size_t offset, std::size_t count) {
+    REQUESTS requests;
+    for (const std::size_t end = offset + count; offset < end; offset += 8) {
+        const auto piece = static_cast<UINT8>(std::min<std::size_t>(8, end - offset));
+        requests.push_back(Request(address, access, 0x11, offset, piece));
         if (access == ACCESS::FRU)
-            data.push_back(Byte(piece));
-        lines.push_back(TransferLine(address, access, 0x11, data));
+            requests.back().push_back(piece);
     }
-    return lines;
+    return requests;
 }
 
-LINES Writes(const ADDRESS& address, ACCESS access, std::size_t offset, const BYTES& data) {
-    LINES lines;
+REQUESTS Writes(const ADDRESS& address, ACCESS access, std::size_t offset, const BYTES& data) {
+    REQUESTS requests;
     for (std::size_t done = 0; done < data.size(); done += 8) {
-        BYTES request = Place(address, access, offset + done, 0);
-        Append(request, Slice(data, done, std::min<std::size_t>(8, data.size() - done)));
-        lines.push_back(TransferLine(address, access, 0x12, request));
+        requests.push_back(Request(address, access, 0x12, offset + done, 0));
+        Append(requests.back(), Slice(data, done, std::min<std::size_t>(8, data.size() - done)));
     }
-    return lines;
+    return requests;
 }
 
-LINES Load(const ADDRESS& address, ACCESS access, const BYTES& image) {
-    LINES lines = Reads(address, access, 0, 8);
+REQUESTS Load(const ADDRESS& address, ACCESS access, const BYTES& image) {
+    const auto read = [&](std::size_t offset, std::size_t count) { return Reads(address, access, offset, count); };
+    REQUESTS requests = read(0, 8);
     for (const unsigned int area : {BOARD, PRODUCT, CHASSIS})
-        if (image[area] != 0)
-            lines = lines + Reads(address, access, Start(image, area), 2) +
-                    Reads(address, access, Start(image, area), InfoArea(image, area).size());
-    if (image[INTERNAL] != 0)
-        lines = lines + Reads(address, access, Start(image, INTERNAL), Start(image, CHASSIS) - Start(image, INTERNAL));
+        if (const std::size_t start = Start(image, area))
+            requests = requests + read(start, 2) + read(start, InfoArea(image, area).size());
+    if (const std::size_t start = Start(image, INTERNAL))
+        requests = requests + read(start, Start(image, CHASSIS) - start);
     std::size_t offset = Start(image, MULTIRECORD);
     for (bool isLast = offset == 0; !isLast;) {
-        lines = lines + Reads(address, access, offset, 3) + Reads(address, access, offset, image[offset + 2] + 5U);
+        const std::size_t size = image[offset + 2] + 5U;
+        requests = requests + read(offset, 3) + read(offset, size);
         isLast = (image[offset + 1] & 0x80) != 0;
-        offset += image[offset + 2] + 5U;
+        offset += size;
     }
-    return lines;
+    return requests;
 }
 
-LINES operator+(LINES left, const LINES& right) {
+REQUESTS operator+(REQUESTS left, const REQUESTS& right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
@@ -146,9 +122,15 @@ BYTES InfoArea(const BYTES& image, unsigned int area) {
     return Slice(image, Start(image, area), image[Start(image, area) + 1] * std::size_t{8});
 }
 
-const std::wstring& Format(unsigned int id) {
-    static const std::vector<std::wstring> texts = ReadTable();
-    return texts.at(id);
+std::wstring Format(unsigned int id) {
+    // A 4-byte count, a 4-byte offset a text, then the texts with 2 bytes a character; the English ones are ASCII.
+    static const std::string table = ReadFile(FRUDATA_TEXTS "/enus/frudata/str/frudata.str");
+    UINT32 at = 0;
+    std::memcpy(&at, &table.at(4 + 4 * std::size_t{id}), sizeof at);
+    std::wstring text;
+    for (; table.at(at) != 0; at += 2)
+        text += static_cast<wchar_t>(table[at]);
+    return text;
 }
 
 std::wstring Identifier(const ADDRESS& address) {
@@ -156,7 +138,7 @@ std::wstring Identifier(const ADDRESS& address) {
                 unsigned{address.bus});
 }
 
-CSystemTest::CSystemTest() : m_before(std::filesystem::current_path()) {
+CSystemTest::CSystemTest() {
     std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
     m_path = mkdtemp(name.data());
     std::filesystem::current_path(m_path);
@@ -164,42 +146,21 @@ CSystemTest::CSystemTest() : m_before(std::filesystem::current_path()) {
     LIBDBG_DEBUG_LEVEL = 1;
     g_progress.clear();
     m_bmc.SetRecording(true);
-    PrepareFront(m_bmc, m_kcs);
+    SetCurrentKcs(g_front == FRONT::KCS ? &m_kcs : nullptr);
+    SetCurrentBmc(g_front == FRONT::KCS ? nullptr : &m_bmc);
     EXPECT_EQ(m_table->Initialize(m_table, 0), 0U);
-    OpenFront();
+    EXPECT_TRUE(g_front != FRONT::SESSION || SelectIPMIInterface(IPMI_INTERFACE_USB));
     EXPECT_EQ(m_table->SetProgressCallback(m_table, Progress), 0U);
 }
 
 CSystemTest::~CSystemTest() {
     m_table->DeInitialize(m_table);
-    CloseFront();
+    EXPECT_TRUE(SelectIPMIInterface(IPMI_INTERFACE_KCS));
+    SetCurrentKcs(nullptr);
+    SetCurrentBmc(nullptr);
     EXPECT_EQ(m_kcs.Counts().violations, 0U);
     std::filesystem::current_path(m_before);
     std::filesystem::remove_all(m_path);
-}
-
-void CSystemTest::Restart(int platform) {
-    EXPECT_EQ(m_table->DeInitialize(m_table), 0U);
-    EXPECT_EQ(m_table->Initialize(m_table, platform), 0U);
-}
-
-EFI_STATUS CSystemTest::LoadImage(const BYTES& image, const ADDRESS& address) {
-    m_bmc.AddFruDevice(address.deviceId, image);
-    return LoadAt(address);
-}
-
-EFI_STATUS CSystemTest::LoadAt(const ADDRESS& a) {
-    return m_table->LoadFruAtAddress(m_table, a.type, a.lun, a.deviceAddress, a.bus, a.controller, a.deviceId, 0xFF, 0);
-}
-
-EFI_STATUS CSystemTest::Find(const ADDRESS& a) {
-    return m_table->FindFruAtAddressAndChecksumHeader(m_table, a.type, a.lun, a.deviceAddress, a.bus, a.controller,
-                                                      a.deviceId);
-}
-
-void CSystemTest::Select(unsigned int fru) {
-    EXPECT_EQ(m_table->SelectList(m_table, FRU_LIST_SYSTEM), 0U);
-    EXPECT_EQ(m_table->SelectFru(m_table, fru), 0U);
 }
 
 EFI_STATUS CSystemTest::Set(FRU_AREA area, FRU_FIELD field, const std::string& value) {
@@ -207,14 +168,6 @@ EFI_STATUS CSystemTest::Set(FRU_AREA area, FRU_FIELD field, const std::string& v
     EXPECT_EQ(m_table->SelectFieldEnum(m_table, field), 0U);
     return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
                                       static_cast<unsigned int>(value.size()));
-}
-
-std::wstring CSystemTest::Value(FRU_AREA area, FRU_FIELD field) {
-    const wchar_t* value = nullptr;
-    EXPECT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
-    EXPECT_EQ(m_table->SelectFieldEnum(m_table, field), 0U);
-    EXPECT_EQ(m_table->GetFieldStringValue(m_table, value), 0U);
-    return value ? value : L"(null)";
 }
 
 unsigned int CSystemTest::NumberOfFrus() {
@@ -227,22 +180,17 @@ unsigned int CSystemTest::NumberOfFrus() {
     return frus;
 }
 
-std::wstring CSystemTest::LastError() {
-    const wchar_t* message = nullptr;
-    m_table->GetLastErrorMessage(m_table, message);
-    return message ? message : L"";
-}
-
-LINES CSystemTest::Requests(FRONT front) {
-    LINES lines;
-    for (const Exchange& exchange : m_bmc.Exchanges()) {
-        EXPECT_TRUE(exchange.front == g_front || exchange.front == FRONT::BRIDGE);
-        if (exchange.front == front)
-            lines.push_back(Line(exchange.controller, exchange.request.netFn, exchange.request.lun,
-                                 exchange.request.cmd, exchange.request.data));
+REQUESTS CSystemTest::Requests(FRONT front) {
+    REQUESTS requests;
+    for (const auto& [way, channel, controller, request, answer] : m_bmc.Exchanges()) {
+        EXPECT_TRUE(way == g_front || way == FRONT::BRIDGE);
+        if (way != front)
+            continue;
+        requests.push_back({controller, request.netFn, request.lun, request.cmd});
+        Append(requests.back(), request.data);
     }
     m_bmc.ClearExchanges();
-    return lines;
+    return requests;
 }
 
 std::string CSystemTest::TakeLog() {
@@ -252,25 +200,14 @@ std::string CSystemTest::TakeLog() {
 }
 
 void CSystemTest::Answer(UINT8 cmd, std::vector<int> codes) {
-    m_bmc.SetScript([cmd, codes, next = std::size_t{0}](const IpmiRequest& request) mutable {
-        std::optional<IpmiAnswer> answer;
-        if (request.cmd != cmd || next == codes.size())
-            return answer;
-        const int code = codes[next++];
+    m_bmc.SetScript([cmd, codes, next = 0U](const IpmiRequest& request) mutable {
+        const int code = request.cmd == cmd && next < codes.size() ? codes[next++] : OWN_ANSWER;
+        if (code == OWN_ANSWER)
+            return std::optional<IpmiAnswer>();
         if (code == NOTHING_MOVED)
-            answer = IpmiAnswer{.data = {0}};
-        else if (code != OWN_ANSWER)
-            answer = IpmiAnswer{.completionCode = static_cast<UINT8>(code), .data = {}};
-        return answer;
+            return std::optional(IpmiAnswer{.data = {0}});
+        return std::optional(IpmiAnswer{.completionCode = static_cast<UINT8>(code), .data = {}});
     });
-}
-
-std::vector<std::wstring> g_progress;
-
-unsigned int Progress(PROGRESS_CALLBACK_TYPE type, const WCHAR* message, unsigned int current, unsigned int total) {
-    g_progress.push_back(std::to_wstring(type) + L" " + message + L" " + std::to_wstring(current) + L" " +
-                         std::to_wstring(total));
-    return 77;
 }
 
 } // namespace Frudata_Tests

@@ -1,15 +1,12 @@
-// The whole way of a host: load, walk, edit, commit, load again; and the lists that it meets when a BMC does
-// not answer.
+// The whole way of a host: load, walk, edit, commit, load again; and the system properties.
 #include "tests/system/support.h"
 
-#include "sim/samples.h"
-
-namespace Frudata_Tests {
+using namespace Frudata_Tests;
 
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
+using testing::HasSubstr;
 
 class Table : public CSystemTest {
   protected:
@@ -28,16 +25,10 @@ class Table : public CSystemTest {
             for (unsigned int field = 0; field < fields; ++field) {
                 EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
                 EXPECT_EQ(m_table->GetFieldStringValue(m_table, text), 0U);
-                texts.back() += L"|";
-                texts.back() += text;
+                texts.back() += L"|" + std::wstring(text);
             }
         }
         return texts;
-    }
-    bool IsLoaded() {
-        bool loaded = false;
-        EXPECT_EQ(m_table->IsLoaded(m_table, loaded), 0U);
-        return loaded;
     }
 };
 
@@ -47,9 +38,15 @@ TEST_F(Table, LoadWalkEditCommitReload) {
     const std::size_t chassisEnd = Start(image, CHASSIS) + InfoArea(image, CHASSIS).size() - 1;
     image[Start(image, CHASSIS) + 2] = 0x12;
     image[chassisEnd] = static_cast<UINT8>(image[chassisEnd] + 0x17 - 0x12);
+    // A BMC without FRU devices makes an empty list.
+    EXPECT_EQ(m_table->LoadConfigurationFromSystem(m_table), 0U);
+    EXPECT_EQ(LastError(), Text(109, Identifier({}).c_str()));
+    EXPECT_EQ(NumberOfFrus(), 0U);
+    EXPECT_THAT(g_progress, ElementsAre());
     m_bmc.AddFruDevice(0, image);
-    ASSERT_EQ(m_table->LoadConfigurationFromSystem(m_table), 0U);
-    EXPECT_THAT(Requests(), ElementsAreArray(Load({}, ACCESS::FRU, image)));
+    Requests();
+    EXPECT_EQ(m_table->LoadConfigurationFromSystem(m_table), 0U);
+    EXPECT_EQ(Requests(), Load({}, ACCESS::FRU, image));
     EXPECT_THAT(g_progress, ElementsAre(L"0 " + Text(63, 1U, 0U) + L" 1 0"));
     EXPECT_EQ(NumberOfFrus(), 1U);
     Select(0);
@@ -68,66 +65,54 @@ TEST_F(Table, LoadWalkEditCommitReload) {
     EXPECT_EQ(Set(FRU_AREA_CHASSIS, FRU_FIELD_CHASSIS_SERIAL_NUMBER, "CHS7"), 0U);
     EXPECT_EQ(Set(FRU_AREA_BOARD, FRU_FIELD_BOARD_PRODUCT_NAME, "NW-2000 Mainboard, second"), 0U);
     EXPECT_EQ(Set(FRU_AREA_PRODUCT, FRU_FIELD_PRODUCT_ASSET_TAG, "ASSET-0043 moved"), 0U);
-    EXPECT_EQ(m_table->CommitConfigurationToSystem(m_table), 0U) << LastError().c_str();
+    EXPECT_EQ(CommitIt(), 0U) << LastError().c_str();
     const BYTES& device = m_bmc.FruBytes(0);
-    EXPECT_EQ(Requests(), LINES{Line(0x20, 6, 0, 1, {})} + Writes({}, ACCESS::FRU, 0, Slice(image, 0, 8)) +
-                              Writes({}, ACCESS::FRU, Start(image, CHASSIS), InfoArea(device, CHASSIS)) +
-                              Writes({}, ACCESS::FRU, Start(image, BOARD), InfoArea(device, BOARD)) +
-                              Writes({}, ACCESS::FRU, Start(image, PRODUCT), InfoArea(device, PRODUCT)));
+    REQUESTS expected = GET_DEVICE_ID + Writes({}, ACCESS::FRU, 0, Slice(image, 0, 8));
+    for (const unsigned int area : {CHASSIS, BOARD, PRODUCT})
+        expected = expected + Writes({}, ACCESS::FRU, Start(image, area), InfoArea(device, area));
+    EXPECT_EQ(Requests(), expected);
     const std::vector<std::wstring> edited = Walk();
 
     EXPECT_EQ(LoadAt({}), 0U);
     EXPECT_EQ(NumberOfFrus(), 2U);
     Select(1);
     EXPECT_EQ(Walk(), edited);
-    EXPECT_EQ(Value(FRU_AREA_CHASSIS, FRU_FIELD_CHASSIS_SERIAL_NUMBER), L"CHS7");
-    EXPECT_EQ(Value(FRU_AREA_BOARD, FRU_FIELD_BOARD_PRODUCT_NAME), L"NW-2000 Mainboard, second");
-    EXPECT_EQ(Value(FRU_AREA_PRODUCT, FRU_FIELD_PRODUCT_ASSET_TAG), L"ASSET-0043 moved");
+    EXPECT_THAT(edited,
+                ElementsAre(testing::_, HasSubstr(L"|CH-2U-8BAY|CHS7|"), HasSubstr(L"|NW-2000 Mainboard, second|"),
+                            HasSubstr(L"|ASSET-0043 moved|"), testing::_));
     EXPECT_EQ(LastError(), L"");
 }
 
-TEST_F(Table, ABmcThatDoesNotAnswerIsAnEmptyList) {
-    EXPECT_EQ(m_table->LoadConfigurationFromSystem(m_table), 0U);
-    EXPECT_TRUE(IsLoaded());
-    EXPECT_THAT(g_progress, ElementsAre());
-    EXPECT_EQ(m_table->SelectList(m_table, FRU_LIST_SYSTEM), 0U);
-    EXPECT_EQ(m_table->SelectFru(m_table, 0), FRU_STATUS_NO_SUCH_FIELD);
-    EXPECT_EQ(NumberOfFrus(), 0U);
-    m_bmc.AddFruDevice(0, CFruImageBuilder().Build(64));
-    for (const wchar_t* counts : {L" 1 0", L" 2 0"}) {
-        g_progress.clear();
-        EXPECT_EQ(m_table->LoadConfigurationFromSystem(m_table), 0U);
-        EXPECT_THAT(g_progress, ElementsAre(testing::EndsWith(counts)));
+TEST_F(Table, Properties) {
+    const auto expect = [this](unsigned int version) {
+        Requests();
+        EXPECT_EQ(m_table->LoadPropertiesFromSystem(m_table), 0U);
+        EXPECT_EQ(Requests(), GET_DEVICE_ID);
+        const wchar_t* text = nullptr;
+        // Both counts are that of the listed FRU devices, of which there are none.
+        for (const auto& [index, value] : {std::pair(0U, Format(version)), {1U, L"0"}, {2U, L"0"}}) {
+            EXPECT_EQ(m_table->SelectProperty(m_table, index), 0U);
+            EXPECT_EQ(m_table->GetPropertyTitle(m_table, text), 0U);
+            EXPECT_EQ(text, Format(29 + index));
+            EXPECT_EQ(m_table->GetPropertyValue(m_table, text), 0U);
+            EXPECT_EQ(text, value);
+        }
+    };
+    ASSERT_EQ(LoadImage(SampleRiserFru()), 0U);
+    for (const auto& [version, id] : {std::pair(UINT8{0x51}, 32U), {0x00, 32U}, {0x01, 33U}}) {
+        m_bmc.SetIdentity({.ipmiVersion = version});
+        expect(id);
     }
-}
-
-TEST_F(Table, ProbingAHeaderLoadsNothing) {
-    const BYTES good = CFruImageBuilder().Build(64);
-    const std::wstring invalid = Text(109, Identifier({}).c_str());
-    const struct {
-        const char* name;
-        BYTES image;
-        EFI_STATUS status;
-        std::wstring error;
-    } rows[] = {{"good", good, 0, L""},
-                {"upper bits of the version", With(good, 0, {0xF1}), 0, L""},
-                {"version 2", With(good, 0, {2}), FRU_STATUS_NOT_IPMI_FRU, Text(103)},
-                {"checksum", With(good, 7, {0}), FRU_STATUS_CHECKSUM_ERROR, invalid},
-                {"too short a device", {1, 0, 0}, FRU_STATUS_READ_FRU_ERROR, Text(123)}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        m_bmc.AddFruDevice(0, row.image);
-        EXPECT_EQ(Find({}), row.status);
-        EXPECT_EQ(LastError(), row.error);
-        EXPECT_THAT(Requests(), ElementsAreArray(Reads({}, ACCESS::FRU, 0, 8)));
+    // Neither the status nor the completion code counts, only what came as the fifth byte.
+    for (const FAULT_ACTION action : {FAULT_ACTION::TRANSPORT_ERROR, FAULT_ACTION::SHORT_ANSWER}) {
+        m_bmc.ClearFaults();
+        m_bmc.AddFault({.action = action, .value = 0x0B});
+        expect(32);
     }
-    m_bmc.AddFault({.action = FAULT_ACTION::TRANSPORT_ERROR, .value = 9});
-    EXPECT_EQ(Find({}), TransportStatus(9));
-    EXPECT_EQ(LastError(), Text(123));
-    EXPECT_EQ(LoadAt({}), TransportStatus(9));
-    EXPECT_FALSE(IsLoaded());
+    m_bmc.SetScript([](const IpmiRequest&) {
+        return std::optional(IpmiAnswer{.completionCode = 0xC1, .data = {0, 0, 0, 0, 0x01}});
+    });
+    expect(33);
 }
 
 } // namespace
-
-} // namespace Frudata_Tests
