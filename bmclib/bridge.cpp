@@ -190,7 +190,7 @@ void CBridgedRequest::FillResponse(BMC_MESSAGE& response) const {
 int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 channel, UINT8 target) {
     if (request->dataLength > REQUEST_CAPACITY - WRAPPING_SIZE)
         return 1;
-    CBridgedRequest bridged(*request, channel, target); // NOLINT(clang-analyzer-optin.cplusplus.UninitializedObject)
+    CBridgedRequest bridged(*request, channel, target);
     POLL_OUTCOME outcome = POLL_NOTHING;
     const int attempts = request->netFn == NETFN_FIRMWARE ? FIRMWARE_ATTEMPTS : ATTEMPTS;
     for (int retryCount = attempts; outcome == POLL_NOTHING && retryCount >= 1; --retryCount)
