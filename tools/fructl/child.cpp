@@ -3,6 +3,8 @@
 #include "tools/fructl/bytes.h"
 #include "tools/fructl/toolerror.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>

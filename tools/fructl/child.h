@@ -2,7 +2,7 @@
 // library runs in a child process, which hands its result back through a pipe.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <functional>
 #include <string>

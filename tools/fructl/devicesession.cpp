@@ -6,6 +6,8 @@
 
 #include "frudata/sdrscan.h"
 
+#include <nlohmann/json.hpp>
+
 #include <memory>
 
 namespace Fructl {

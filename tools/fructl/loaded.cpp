@@ -2,6 +2,8 @@
 
 #include "tools/fructl/toolerror.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 
 namespace Fructl {

@@ -3,6 +3,7 @@
 #include "tools/fructl/help.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <cstdlib>

@@ -6,6 +6,7 @@
 #include "tools/fructl/value.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 

@@ -10,6 +10,7 @@
 #include "sim/fruimagebuilder.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>

@@ -8,11 +8,14 @@
 #include "tools/fructl/toolerror.h"
 #include "tools/fructl/value.h"
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 namespace Fructl {
 

@@ -3,7 +3,9 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/image.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>

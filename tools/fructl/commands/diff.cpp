@@ -2,7 +2,9 @@
 
 #include "tools/fructl/compare.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace Fructl {
 

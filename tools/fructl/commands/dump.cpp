@@ -2,7 +2,9 @@
 
 #include "tools/fructl/files.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cctype>

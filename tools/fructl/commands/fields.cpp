@@ -2,7 +2,9 @@
 
 #include "tools/fructl/standardnames.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace Fructl {
 

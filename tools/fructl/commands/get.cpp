@@ -3,7 +3,9 @@
 #include "tools/fructl/compare.h"
 #include "tools/fructl/standardnames.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace Fructl {
 

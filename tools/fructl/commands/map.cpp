@@ -1,6 +1,8 @@
 #include "tools/fructl/commands/commands.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 

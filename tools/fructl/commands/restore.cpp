@@ -3,7 +3,9 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/textfile.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace Fructl {
 

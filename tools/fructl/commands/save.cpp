@@ -4,6 +4,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/image.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>

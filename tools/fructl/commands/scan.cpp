@@ -4,7 +4,9 @@
 
 #include "frudata/bmclib.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace Fructl {
 

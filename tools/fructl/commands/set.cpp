@@ -1,5 +1,6 @@
 #include "tools/fructl/commands/commands.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace Fructl {

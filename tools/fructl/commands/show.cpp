@@ -1,5 +1,8 @@
 #include "tools/fructl/commands/commands.h"
 
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
 namespace Fructl {
 
 void AddShow(CLI::App& app) {
