@@ -2,6 +2,7 @@
 #include "tools/fructl/loaded.h"
 
 #include "tools/fructl/session.h"
+#include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
 
 #include "frudata/sdrscan.h"
@@ -64,7 +65,7 @@ std::vector<SOURCE> ScanDevices() {
     std::vector<SOURCE> sources;
     for (const json& row : found) {
         ADDRESS address{static_cast<FRU_TYPE>(row[1].get<int>()), row[2], row[3], row[4], row[5], row[6], 0xFF, 0};
-        const std::string name = row[0];
+        const std::string name = Printable(row[0].get<std::string>());
         sources.push_back({SOURCE::DEVICE, name.empty() ? AddressText(address) : name, name, address});
     }
     return sources;

@@ -125,7 +125,7 @@ std::string TextReport(const CONTENTS& contents) {
     std::string text = fmt::format("{}  {}, {} bytes", Colored(COLOR::BOLD, contents.source.label),
                                    KINDS[contents.source.kind], fru.size);
     if (!contents.source.title.empty() && contents.source.title != contents.source.label)
-        text += fmt::format(", \"{}\"", contents.source.title);
+        text += fmt::format(", \"{}\"", Printable(contents.source.title));
     if (contents.source.kind == SOURCE::DEVICE)
         text += fmt::format(", {}", AddressText(contents.source.address));
     text += "\n";

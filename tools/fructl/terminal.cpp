@@ -22,7 +22,32 @@ double Seconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
+/// Bytes of the UTF-8 sequence at the start of `text`; 0 where it is none or a control character.
+std::size_t PrintableLength(std::string_view text) {
+    const auto first = static_cast<UINT8>(text[0]);
+    if (first < 0x80)
+        return first >= 0x20 && first != 0x7F ? 1 : 0;
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || length > text.size())
+        return 0;
+    for (const char next : text.substr(1, length - 1))
+        if ((static_cast<UINT8>(next) & 0xC0) != 0x80)
+            return 0;
+    // U+0080 to U+009F are control characters, too.
+    return first == 0xC2 && static_cast<UINT8>(text[1]) < 0xA0 ? 0 : length;
+}
+
 } // namespace
+
+std::string Printable(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const std::size_t length = PrintableLength(text);
+        result += length == 0 ? fmt::format("\\x{:02X}", static_cast<UINT8>(text[0])) : std::string(text, 0, length);
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return result;
+}
 
 std::string Colored(COLOR color, std::string_view text) {
     if (!Settings().color || color == COLOR::PLAIN)

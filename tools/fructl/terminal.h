@@ -23,6 +23,9 @@ enum class COLOR {
 
 /// `text` in a colour where standard output shows colours.
 std::string Colored(COLOR color, std::string_view text);
+/// UTF-8 text from a device or a file, with control characters and stray bytes as \xNN: it must not steer
+/// the terminal.
+std::string Printable(std::string_view text);
 /// Columns that a UTF-8 text takes on the terminal.
 std::size_t Width(std::string_view text);
 /// `text` with blanks behind it up to `width` columns.

@@ -36,9 +36,16 @@ std::string BackupName(const SOURCE& device, const std::string& given) {
     return name;
 }
 
+/// A word for the shell.
+std::string Quoted(std::string_view word) {
+    std::string text = "'";
+    for (const char character : word)
+        text += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    return text + "'";
+}
+
+/// By its address, which names one device whatever the repository calls it and its neighbours.
 std::string DeviceArgument(const SOURCE& device) {
-    if (!device.title.empty())
-        return fmt::format("'{}'", device.title);
     const std::string address = AddressText(device.address);
     return address == AddressText({}) ? "system" : address;
 }
@@ -152,7 +159,7 @@ void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEd
         CompareWritten(device, expected);
     } catch (CToolError& error) {
         if (!backup.empty())
-            error.m_hint = fmt::format("to bring the old contents back: fructl restore '{}' --to {}", backup,
+            error.m_hint = fmt::format("to bring the old contents back: fructl restore {} --to {}", Quoted(backup),
                                        DeviceArgument(device));
         throw;
     }
