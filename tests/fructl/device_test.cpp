@@ -103,6 +103,31 @@ TEST_F(CDeviceTest, VerificationTellsTheTruth) {
     EXPECT_EQ(Fructl("restore backup.bin --to system --sim server").status, 5);
 }
 
+TEST_F(CDeviceTest, APowerCutAtAnyWriteIsRepaired) {
+    const std::string change = " --system --sim server chassis.serial-number=C-1 board.serial-number=B-42 --backup ";
+    const BYTES before = ReadFile("server/bmc.bin");
+    std::map<int, int> reloads;
+    int status = 3;
+    for (int cut = 0; status != 0; ++cut) {
+        SCOPED_TRACE(cut);
+        ASSERT_LT(cut, 100);
+        const std::string backup = "cut" + std::to_string(cut) + ".bin";
+        SetFaults("server", R"([{"cmd":"0x12","action":"cut","value":)" + std::to_string(cut) + "}]");
+        status = Fructl("commit" + change + backup).status;
+        EXPECT_TRUE(status == 0 || status == 3) << status;
+        SetFaults("server", "[]");
+        ++reloads[Fructl("show --sim server").status];
+        ASSERT_EQ(Fructl("restore " + backup + " --to system --sim server").status, 0);
+        EXPECT_EQ(ReadFile("server/bmc.bin"), before);
+    }
+    // What a cut leaves is whole or known to be damaged.
+    EXPECT_EQ(reloads.size(), 2U);
+    EXPECT_GT(reloads[0], 2);
+    EXPECT_GT(reloads[4], 2);
+    RecordProperty("loadable", reloads[0]);
+    RecordProperty("damaged", reloads[4]);
+}
+
 TEST_F(CDeviceTest, RestoreRefusesWhatIsNoSoundImage) {
     BYTES damaged = ReadFile("server/bmc.bin");
     DamageFruImage(damaged, FRU_DAMAGE::AREA_CHECKSUM);

@@ -1,6 +1,9 @@
 // Writing back: which areas go out, what the host is told meanwhile, and what a failure leaves.
 #include "tests/system/support.h"
 
+#include <csignal>
+#include <unistd.h>
+
 using namespace Frudata_Tests;
 
 namespace {
@@ -157,6 +160,38 @@ TEST_F(Commit, FailureAtEachWrite) {
         EXPECT_EQ(CommitIt(), 0U);
         EXPECT_EQ(m_bmc.FruBytes(0), expected);
     }
+}
+
+// The host's callback may look around: its calls send nothing.
+unsigned int LookAround(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
+    _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
+    const WCHAR* text = nullptr;
+    EXPECT_EQ(table->SelectList(table, FRU_LIST_SYSTEM), 0U);
+    EXPECT_EQ(table->SelectFru(table, 0), 0U);
+    EXPECT_EQ(table->SelectAreaEnum(table, FRU_AREA_PRODUCT), 0U);
+    EXPECT_EQ(table->SelectFieldInteger(table, 1), 0U);
+    EXPECT_EQ(table->GetFieldStringValue(table, text), 0U);
+    g_progress.emplace_back(text);
+    return 0;
+}
+
+TEST_F(Commit, CallbacksMayReadAndSignalsStayTheHosts) {
+    LoadAndSelect(IMAGE);
+    EXPECT_EQ(m_table->SetProgressCallback(m_table, LookAround), 0U);
+    std::vector<sighandler_t> before;
+    for (int number = 1; number < NSIG; ++number)
+        before.push_back(std::signal(number, SIG_IGN));
+    alarm(1000);
+    EXPECT_EQ(CommitIt(), 0U);
+    // The KCS waits use the alarm of the process, the other ways use no signal.
+    EXPECT_EQ(alarm(0) != 0, g_front != FRONT::KCS);
+    for (int number = 1; number < NSIG; ++number) {
+        const bool isTaken = number == SIGALRM && g_front == FRONT::KCS;
+        const sighandler_t after = std::signal(number, before[static_cast<std::size_t>(number - 1)]);
+        EXPECT_TRUE(after == SIG_ERR || after == (isTaken ? SIG_DFL : SIG_IGN)) << number;
+    }
+    EXPECT_EQ(g_progress, std::vector<std::wstring>(5, L"NW-2000 Server"));
+    EXPECT_EQ(m_bmc.FruBytes(0), IMAGE);
 }
 
 } // namespace
