@@ -78,12 +78,14 @@ int UsbOpenSession(void) {
     if (!LIBIPMI_Create_IPMI20_Session_dll)
         return REQUEST_FAILED;
     privilegeLevel = PRIVILEGE_ADMINISTRATOR;
+    // cppcheck-suppress AssignmentAddressToInteger // takes the pointer to a function for its result
     const int result = LIBIPMI_Create_IPMI20_Session_dll(sessionHandle, "127.0.0.1", SESSION_PORT, nullptr, nullptr, 0,
                                                          0, 0, &privilegeLevel, 6, 0x54, 0x20, 0, 0, SESSION_TIMEOUT);
     return result & 0xFFFF;
 }
 
 int UsbCloseSession(void) {
+    // cppcheck-suppress CastAddressToIntegerAtReturn // as above
     return LIBIPMI_CloseSession_dll ? LIBIPMI_CloseSession_dll(sessionHandle) : REQUEST_FAILED;
 }
 
@@ -92,6 +94,7 @@ int SendTimedUsbRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* res
     if (!LIBIPMI_Send_RAW_IPMI2_0_Command_dll)
         return REQUEST_FAILED;
     int answerLength = RESPONSE_SIZE;
+    // cppcheck-suppress AssignmentAddressToInteger // as above
     const int result = LIBIPMI_Send_RAW_IPMI2_0_Command_dll(
         sessionHandle, 0, static_cast<UINT8>(request->netFn << 2 | request->rsLun), request->cmdType, request->data,
         request->dataLength, usbRespBuf, &answerLength, timeout);

@@ -41,7 +41,7 @@ struct KcsCounts {
 
 class CKcsModel {
   public:
-    explicit CKcsModel(CSimulatedBmc& bmc, KcsOptions options = {}) : m_bmc(bmc), m_options(options) {}
+    explicit CKcsModel(CSimulatedBmc& bmc, const KcsOptions& options = {}) : m_bmc(bmc), m_options(options) {}
 
     /// 0xFF for a port that is not the interface's.
     UINT8 ReadPort(UINT16 port);

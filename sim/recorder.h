@@ -17,9 +17,9 @@ enum class FRONT {
 };
 
 struct Exchange {
-    FRONT front;
-    UINT8 channel;    ///< BRIDGE: the channel; else 0
-    UINT8 controller; ///< slave address of the controller asked; the BMC is 0x20
+    FRONT front = FRONT::DIRECT;
+    UINT8 channel = 0;       ///< BRIDGE: the channel; else 0
+    UINT8 controller = 0x20; ///< slave address of the controller asked; the BMC is 0x20
     IpmiRequest request;
     IpmiAnswer answer;
 };

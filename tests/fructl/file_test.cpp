@@ -126,6 +126,8 @@ TEST_F(CFileTest, RefusesValuesBeforeAnythingChanges) {
         {"chassis.type=0", 2, "types 1 to 23"},
         {"chassis.type=castle", 2, "no chassis type"},
         {"board.mfg-date=2026-02-30", 2, "no date"},
+        {"board.mfg-date=2026-02-+3", 2, "no date"},
+        {"board.mfg-date=2026-02-03Thh:ii", 2, "no date"},
         {"board.mfg-date=2026-02-03T10:00:30Z", 2, "whole minutes"},
         {"board.mfg-date=1996-01-01", 2, "outside"},
         {"board.mfg-date=2027-11-24T20:16", 2, "outside"},

@@ -7,7 +7,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
+#include <map>
+#include <optional>
 
 namespace Fructl {
 
@@ -69,32 +70,55 @@ BYTES DateBytes(unsigned minutes) {
     return {static_cast<UINT8>(minutes), static_cast<UINT8>(minutes >> 8), static_cast<UINT8>(minutes >> 16)};
 }
 
+/// Reads `text` by a pattern in which each lower-case letter stands for one digit of the number of that
+/// letter, and every other character for itself.
+std::optional<std::map<char, int>> ReadPattern(std::string_view text, std::string_view pattern) {
+    if (text.size() != pattern.size())
+        return {};
+    std::map<char, int> numbers;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        const char wanted = pattern[position];
+        const char given = text[position];
+        const bool isNumber = wanted >= 'a' && wanted <= 'z';
+        if (isNumber ? given < '0' || given > '9' : given != wanted)
+            return {};
+        if (isNumber)
+            numbers[wanted] = numbers[wanted] * 10 + (given - '0');
+    }
+    return numbers;
+}
+
+/// Minutes since the origin; nothing where the text is no date of the calendar.
+std::optional<long> ParseDate(std::string_view text, const std::string& name) {
+    if (text.ends_with('Z') && text.find('T') != std::string_view::npos)
+        text.remove_suffix(1);
+    for (const char* pattern : {"yyyy-mm-dd", "yyyy-mm-ddThh:ii", "yyyy-mm-ddThh:ii:ss"}) {
+        auto numbers = ReadPattern(text, pattern);
+        if (!numbers)
+            continue;
+        auto& read = *numbers;
+        const year_month_day date{year{read['y']}, month{static_cast<unsigned>(read['m'])},
+                                  day{static_cast<unsigned>(read['d'])}};
+        if (!date.ok() || read['h'] > 23 || read['i'] > 59 || read['s'] > 59)
+            return {};
+        if (read['s'] != 0)
+            Refuse(name, "the date holds whole minutes, no seconds");
+        return (sys_days(date) - ORIGIN + hours(read['h']) + minutes(read['i'])) / minutes(1);
+    }
+    return {};
+}
+
 BYTES EncodeDate(const std::string& text, const std::string& name) {
     if (text == "unspecified")
         return DateBytes(0);
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, end = 0;
-    const int length = static_cast<int>(text.size());
-    const bool isDate = std::sscanf(text.c_str(), "%4d-%2d-%2d%n", &year, &month, &day, &end) == 3 && end == length;
-    const bool isMinute =
-        !isDate && std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d%n", &year, &month, &day, &hour, &minute, &end) == 5 &&
-        (end == length || text.substr(static_cast<std::size_t>(end)) == "Z");
-    const bool isSecond = !isDate && !isMinute &&
-                          std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d%n", &year, &month, &day, &hour, &minute,
-                                      &second, &end) == 6 &&
-                          (end == length || text.substr(static_cast<std::size_t>(end)) == "Z");
-    const year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
-                              std::chrono::day{static_cast<unsigned>(day)}};
-    if (!(isDate || isMinute || isSecond) || !date.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59)
+    const auto minutes = ParseDate(text, name);
+    if (!minutes)
         Refuse(name, fmt::format("'{}' is no date", text),
                "write it as 2026-05-31, 2026-05-31T14:30Z (UTC) or unspecified");
-    if (second != 0)
-        Refuse(name, "the date holds whole minutes, no seconds");
-    const auto minutes =
-        (sys_days(date) - ORIGIN + hours(hour) + std::chrono::minutes(minute)) / std::chrono::minutes(1);
-    if (minutes <= 0 || minutes > static_cast<long>(MAXIMUM_MINUTES))
+    if (*minutes <= 0 || *minutes > static_cast<long>(MAXIMUM_MINUTES))
         Refuse(name, fmt::format("'{}' is outside what the field holds: after 1996-01-01T00:00Z, up to {}", text,
                                  DecodeDate(DateBytes(MAXIMUM_MINUTES))));
-    return DateBytes(static_cast<unsigned>(minutes));
+    return DateBytes(static_cast<unsigned>(*minutes));
 }
 
 /// Latin-1 bytes of UTF-8 text.
@@ -133,7 +157,7 @@ std::string Utf8FromLatin1(BYTE_VIEW bytes) {
 }
 
 std::string DecodeDate(BYTE_VIEW bytes) {
-    const unsigned count = bytes.size() < 3 ? 0U : bytes[0] | (bytes[1] << 8U) | (bytes[2] << 16U);
+    const unsigned count = bytes.size() < 3 ? 0U : bytes[0] + bytes[1] * 0x100U + bytes[2] * 0x10000U;
     if (count == 0)
         return "unspecified";
     const sys_days day = floor<days>(ORIGIN + minutes(count));

@@ -69,9 +69,7 @@ int List(const std::string& path) {
     return std::cout.flush() ? 0 : Fail("standard output: write failed");
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     CLI::App app("Compile a table of localised texts for frudata, or list a compiled one.", "frudata-strc");
     std::string input;
     std::string output;
@@ -83,4 +81,14 @@ int main(int argc, char** argv) {
     app.require_option(1, 2);
     CLI11_PARSE(app, argc, argv);
     return listed.empty() ? Compile(input, output) : List(listed);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
 }

@@ -76,7 +76,7 @@ const char* ReadCompiledTable(const std::string& bytes, TEXT_TABLE& table) {
     const std::uint64_t count = bytes.size() < ENTRY_LENGTH ? 0 : EntryAt(bytes, 0);
     if (count == 0)
         return "there are no texts";
-    if (ENTRY_LENGTH + 2 * ENTRY_LENGTH * count > bytes.size())
+    if (ENTRY_LENGTH + std::uint64_t{2} * ENTRY_LENGTH * count > bytes.size())
         return "the file is shorter than its list of texts";
     const std::size_t offsets = ENTRY_LENGTH;
     const std::size_t lengths = offsets + ENTRY_LENGTH * static_cast<std::size_t>(count);
