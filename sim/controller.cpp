@@ -7,10 +7,6 @@ namespace Frudata_Sim {
 
 namespace {
 
-IpmiAnswer Refuse(UINT8 completionCode) {
-    return {.completionCode = completionCode, .data = {}};
-}
-
 bool IsAt(const CEeprom& eeprom, UINT8 bus, UINT8 address) {
     return eeprom.Bus() == bus && eeprom.Address() == (address & 0xFE);
 }

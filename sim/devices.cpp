@@ -11,10 +11,6 @@ constexpr UINT8 ACCESS_MEMORY = 0x17;
 /// Access by bytes, not words.
 constexpr UINT8 BYTE_ACCESS = 0x00;
 
-IpmiAnswer Refuse(UINT8 completionCode) {
-    return {.completionCode = completionCode, .data = {}};
-}
-
 } // namespace
 
 IpmiAnswer CFruDevice::AreaInfo() const {

@@ -75,6 +75,11 @@ struct IpmiAnswer {
     int transportStatus = 0; ///< with TRANSPORT_ERROR: what the IMB driver's function returns
 };
 
+/// The answer that a request is refused with.
+inline IpmiAnswer Refuse(UINT8 completionCode) {
+    return {.completionCode = completionCode, .data = {}};
+}
+
 /// Two's complement of the 8-bit sum of `count` bytes: bytes and checksum add up to 0.
 UINT8 ZeroChecksum(const UINT8* bytes, std::size_t count);
 /// Puts `more` behind `bytes`.

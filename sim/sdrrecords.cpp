@@ -6,7 +6,7 @@ namespace Frudata_Sim {
 
 namespace {
 
-constexpr std::size_t HEADER_SIZE = 5;
+constexpr std::size_t SDR_HEADER_SIZE = 5;
 constexpr std::size_t LONGEST_NAME = 16;
 constexpr UINT8 SDR_VERSION = 0x51;
 constexpr UINT8 TEXT_TYPE = 0xC0;
@@ -22,7 +22,7 @@ BYTES Named(BYTES record, std::string_view name) {
         throw std::invalid_argument("an SDR's ID string has at most 16 characters");
     record.push_back(static_cast<UINT8>(TEXT_TYPE | name.size()));
     Append(record, BYTES(name.begin(), name.end()));
-    record[4] = static_cast<UINT8>(record.size() - HEADER_SIZE);
+    record[4] = static_cast<UINT8>(record.size() - SDR_HEADER_SIZE);
     return record;
 }
 

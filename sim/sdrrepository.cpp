@@ -15,10 +15,6 @@ UINT16 Word(const BYTES& data, std::size_t position) {
     return static_cast<UINT16>(data[position] | data[position + 1] << 8);
 }
 
-IpmiAnswer Refuse(UINT8 completionCode) {
-    return {.completionCode = completionCode, .data = {}};
-}
-
 } // namespace
 
 UINT16 CSdrRepository::Add(BYTES record) {

@@ -5,9 +5,9 @@
 #include <cstring>
 
 extern "C" {
-[[gnu::weak]] int FruSimSessionAvailable(void);
-[[gnu::weak]] int FruSimSessionRequest(UINT8 netFnLun, UINT8 cmd, const UINT8* data, int length, UINT8* answer,
-                                       int capacity);
+// Undefined where the process has no simulated BMC.
+#pragma weak FruSimSessionAvailable
+#pragma weak FruSimSessionRequest
 
 [[gnu::visibility("default")]] int LIBIPMI_Create_IPMI20_Session(void* session, const char* host, int port,
                                                                  const char* user, const char* password, int first,

@@ -12,10 +12,6 @@ constexpr UINT8 SMS_LUN = 2;
 constexpr UINT8 RECEIVE_MESSAGE_FLAG = 0x01;
 constexpr UINT8 FILLER = 0xEE;
 
-IpmiAnswer Refuse(UINT8 completionCode) {
-    return {.completionCode = completionCode, .data = {}};
-}
-
 /// What the rule answers without asking the controller, if it does.
 std::optional<IpmiAnswer> AnswerInstead(const FaultRule& fault) {
     switch (fault.action) {

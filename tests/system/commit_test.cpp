@@ -8,7 +8,6 @@ using namespace Frudata_Tests;
 
 namespace {
 
-const BYTES IMAGE = SampleBmcFru();
 /// In the place of a field: the whole area.
 constexpr int WHOLE = -1;
 

@@ -8,7 +8,6 @@ using namespace Frudata_Tests;
 
 namespace {
 
-const BYTES IMAGE = SampleBmcFru();
 /// Where the multi-records of `IMAGE` start.
 const std::size_t RECORD = Start(IMAGE, MULTIRECORD);
 

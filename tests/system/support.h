@@ -19,6 +19,8 @@ namespace Frudata_Tests {
 
 using namespace Frudata_Sim;
 
+/// A FRU with all areas.
+inline const BYTES IMAGE = SampleBmcFru();
 /// The way of this executable's requests.
 extern const FRONT g_front;
 /// The address of a FRU device, in the order of the table's operations.

@@ -16,5 +16,5 @@ template FMT_API auto decimal_point_impl(locale_ref) -> char;
 template FMT_API void buffer<char>::append(const char*, const char*);
 template FMT_API void vformat_to(buffer<char>&, string_view, basic_format_args<FMT_BUFFER_CONTEXT(char)>, locale_ref);
 
-}  // namespace detail
+} // namespace detail
 FMT_END_NAMESPACE

@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <bit>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -76,7 +77,7 @@ SETTINGS& Settings() {
 std::string Utf8(const WCHAR* text) {
     std::string narrow;
     for (; text && *text; ++text) {
-        const auto character = static_cast<UINT32>(*text);
+        const auto character = std::bit_cast<UINT32>(*text);
         if (character < 0x80)
             narrow += static_cast<char>(character);
         else if (character < 0x800)

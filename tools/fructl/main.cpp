@@ -110,7 +110,12 @@ int Run(int argc, char** argv) {
 } // namespace Fructl
 
 int main(int argc, char** argv) {
-    const int status = Fructl::Run(argc, argv);
+    int status = Fructl::EXIT_DEVICE;
+    try {
+        status = Fructl::Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "fructl: %s\n", error.what());
+    }
     if (std::fflush(stdout) != 0) {
         std::perror("fructl: standard output");
         return Fructl::EXIT_REFUSED;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 
 #include <unistd.h>
@@ -122,7 +123,7 @@ void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& 
     const double spent = Seconds() - m_start;
     const double left = done == 0 ? 0 : spent * static_cast<double>(total - done) / static_cast<double>(done);
     fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {} bytes, {} s left  \033[K", m_title, "", filled, "",
-               BAR_WIDTH - filled, percent, total, static_cast<unsigned>(left + 0.5));
+               BAR_WIDTH - filled, percent, total, std::lround(left));
     std::fflush(stderr);
     m_drawn = true;
 }

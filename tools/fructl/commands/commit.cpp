@@ -77,7 +77,7 @@ class CUninterrupted {
 
   private:
     static constexpr std::array<int, 3> SIGNALS = {SIGINT, SIGTERM, SIGHUP};
-    std::array<void (*)(int), SIGNALS.size()> m_before;
+    std::array<void (*)(int), SIGNALS.size()> m_before = {};
 };
 
 void WriteChanges(const CONTENTS& contents, const EDITS& edits, const BYTES& expected) {

@@ -53,7 +53,7 @@ void Dump(CSources& sources, const DUMP_OPTIONS& options) {
 
 /// The bytes of a file: hexadecimal text, in plain pairs or as `dump` prints it, or the bytes themselves.
 BYTES AreaBytes(const std::string& path) {
-    const BYTES bytes = ReadFile(path);
+    BYTES bytes = ReadFile(path);
     const bool isText =
         std::all_of(bytes.begin(), bytes.end(), [](UINT8 byte) { return std::isprint(byte) || std::isspace(byte); });
     if (!isText)
