@@ -1,4 +1,4 @@
-# What is installed where: library, development files, texts; the tool installs itself.
+# What is installed where: library and development files; the texts and the tool install themselves.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS frudata EXPORT frudata-targets
@@ -6,9 +6,8 @@ install(TARGETS frudata EXPORT frudata-targets
     COMPONENT library NAMELINK_COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/frudata DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-install(DIRECTORY ${CMAKE_BINARY_DIR}/enus ${CMAKE_BINARY_DIR}/dede
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/frudata COMPONENT library)
 
+file(RELATIVE_PATH FRUDATA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(packaging/frudata.pc.in ${CMAKE_BINARY_DIR}/frudata.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/frudata.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

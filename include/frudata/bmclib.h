@@ -1,4 +1,4 @@
-/*
+/** @file
  * frudata: the BMC layer, for hosts that send IPMI requests of their own. Usable from C and C++.
  *
  * Every function returns a plain integer, not an EFI_STATUS. A completion code is never a failure of
@@ -86,7 +86,7 @@ int endIPMI(void);
 /**
  * Sends `request` and fills `response`. Address 0x20 goes to the BMC; 0x2C is bridged on channel 6,
  * every other address on channel 0. `request->dataLength` above what a frame can carry fails.
- * Bridged requests need several hundred kilobytes of stack.
+ * Bridged requests need several hundred kilobytes of stack. @param request asked @param response answered
  * @param timeout milliseconds, for the session library and the IMB driver
  * @return 0; 1 or 3 where the system interface failed; BMCLIB_ERR_RETRIES; an IMB driver's own value
  */

@@ -1,4 +1,4 @@
-/* frudata: the debug trace log. Usable from C and C++. */
+/** frudata: the debug trace log. Usable from C and C++. @file */
 #ifndef FRUDATA_DEBUG_H
 #define FRUDATA_DEBUG_H
 

@@ -1,26 +1,26 @@
-/*
+/** @file
  * frudata: read, inspect, edit, save and write back the FRU inventory of a server.
  * Usable from C and C++; where C++ has a reference, C passes a pointer in its place.
  *
  * Conventions
  *
- *  1. Table. GetFruDataInterface() returns one static table. Every operation is called through it and
+ * 1.  Table. GetFruDataInterface() returns one static table. Every operation is called through it and
  *     takes the table's address as its first argument, `This`.
- *  2. Lifetime. `Initialize` comes first, `DeInitialize` last. Before `Initialize` only it,
+ * 2.  Lifetime. `Initialize` comes first, `DeInitialize` last. Before `Initialize` only it,
  *     `SetLanguageLocale`, `SetDisplayCallback` and `SetPwd` do anything.
- *  3. Status. Every operation returns an EFI_STATUS: 0 for success, else a FRU_STATUS_ code (types.h).
+ * 3.  Status. Every operation returns an EFI_STATUS: 0 for success, else a FRU_STATUS_ code (types.h).
  *     Checks come in this order: initialised, loaded, selection, arguments.
- *  4. Errors. The reason of a failure is a text in the current language, fetched and cleared by
+ * 4.  Errors. The reason of a failure is a text in the current language, fetched and cleared by
  *     `GetLastErrorMessage`; it stays intact until the next but one such call. Not every failure has one.
- *  5. Cursor. `SelectList`, a FRU, an area and a field of it are selected in this order; selecting at one
+ * 5.  Cursor. `SelectList`, a FRU, an area and a field of it are selected in this order; selecting at one
  *     level clears the levels below it. Values are read and written at the cursor.
- *  6. Ownership. Texts and data handed out belong to the library. A field value is valid until the next
+ * 6.  Ownership. Texts and data handed out belong to the library. A field value is valid until the next
  *     value is asked of the same area, a title until the next `SetLanguageLocale`, a name as long as its
  *     FRU. Nothing that the caller passes in is kept, except callbacks.
- *  7. Null. Output arguments must not be null. Other null arguments are refused unless stated otherwise.
- *  8. Values. Everything set through the table is stored as 8-bit text (type code 3 of the FRU
+ * 7.  Null. Output arguments must not be null. Other null arguments are refused unless stated otherwise.
+ * 8.  Values. Everything set through the table is stored as 8-bit text (type code 3 of the FRU
  *     Information Storage Definition, section 13). A field may grow by the padding of its area only.
- *  9. Assertions. Misuse, and an area image whose checksum is wrong, stop the process: the source file
+ * 9.  Assertions. Misuse, and an area image whose checksum is wrong, stop the process: the source file
  *     and the condition go to standard error, then abort(). This holds in every build type.
  * 10. Threads. There are none and nothing is locked: the caller serialises all calls.
  * 11. Signals and output. Device access over the KCS ports takes over SIGALRM (see bmclib.h). The

@@ -1,4 +1,4 @@
-/* frudata: the table's layout, checked wherever the header is compiled. Included by frudata.h. */
+/** frudata: the table's layout, checked wherever the header is compiled. Included by frudata.h. @file */
 #ifndef FRUDATA_LAYOUT_H
 #define FRUDATA_LAYOUT_H
 

@@ -1,4 +1,4 @@
-/* frudata: the address of one FRU device. C++ only. */
+/** frudata: the address of one FRU device. C++ only. @file */
 #ifndef FRUDATA_LOCATOR_H
 #define FRUDATA_LOCATOR_H
 

@@ -1,4 +1,4 @@
-/* frudata: insertion-ordered list of pointers, shared with hosts that run the SDR scan. C++ only. */
+/** frudata: insertion-ordered list of pointers, shared with hosts that run the SDR scan. C++ only. @file */
 #ifndef FRUDATA_ORDEREDLIST_H
 #define FRUDATA_ORDEREDLIST_H
 

@@ -1,4 +1,4 @@
-/* frudata: finding every FRU device of a server in the BMC's SDR repository. C++ only. */
+/** frudata: finding every FRU device of a server in the BMC's SDR repository. C++ only. @file */
 #ifndef FRUDATA_SDRSCAN_H
 #define FRUDATA_SDRSCAN_H
 

@@ -1,4 +1,4 @@
-/* frudata: scalar types, status codes and enumerations of the public interface. Usable from C and C++. */
+/** frudata: scalar types, status codes and enumerations of the public interface. Usable from C and C++. @file */
 #ifndef FRUDATA_TYPES_H
 #define FRUDATA_TYPES_H
 

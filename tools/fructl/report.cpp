@@ -142,19 +142,9 @@ std::string TextReport(const CONTENTS& contents) {
 }
 
 json JsonField(const std::string& name, const FIELD& field) {
-    json result = {{"name", name}, {"value", DecodeValue(field)}, {"raw", Hex(field.data)}};
-    switch (field.kind) {
-    case FIELD_KIND::TEXT:
-        result["type"] = TypeName(field);
-        break;
-    case FIELD_KIND::DATE:
-        result["type"] = "date";
-        break;
-    case FIELD_KIND::CHASSIS_TYPE:
-        result["type"] = "chassis-type";
+    json result = {{"name", name}, {"value", DecodeValue(field)}, {"type", TypeName(field)}, {"raw", Hex(field.data)}};
+    if (field.kind == FIELD_KIND::CHASSIS_TYPE)
         result["number"] = field.data.empty() ? 0 : field.data[0];
-        break;
-    }
     return result;
 }
 

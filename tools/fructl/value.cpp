@@ -186,7 +186,7 @@ std::string DecodeValue(const FIELD& field) {
 
 std::string_view TypeName(const FIELD& field) {
     if (field.kind != FIELD_KIND::TEXT)
-        return {};
+        return field.kind == FIELD_KIND::DATE ? "date" : "chassis-type";
     switch (field.Type()) {
     case FIELD_BINARY:
         return "binary";

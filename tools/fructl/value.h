@@ -10,7 +10,7 @@ namespace Fructl {
 
 /// The value as UTF-8: text, chassis type by name, date as ISO 8601 UTC, binary as hexadecimal pairs.
 std::string DecodeValue(const FIELD& field);
-/// "text", "6-bit", "bcd+", "binary"; empty for the chassis type and the date.
+/// "text", "6-bit", "bcd+", "binary", "date", "chassis-type".
 std::string_view TypeName(const FIELD& field);
 
 /// ISO 8601 UTC of the three date bytes (minutes since 1996-01-01 00:00); "unspecified" for zero.
