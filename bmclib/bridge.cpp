@@ -11,8 +11,10 @@
 //     0x80, no message yet                             once more, while the poll budget lasts
 //     0x83, bus busy                                   once more
 //     any other completion code                        attempt failed
+#include "bmclib/bmcstate.h"
 #include "bmclib/ipmi.h"
 #include "bmclib/kcsregisters.h"
+#include "bmclib/messagetransport.h"
 #include "frudata/debug.h"
 
 #include <cstring>
@@ -94,12 +96,15 @@ class CBridgedRequest {
     UINT32 m_WrappedSize;
     BMC_MESSAGE m_Message; // the wrapped request; Get Message has no data and leaves it in place
     BMC_MESSAGE m_Answer;
+    UINT32 m_AnswerUsed = RESPONSE_CAPACITY; // nothing has been cleared yet
 };
 
 // The messages stay as they are: clearing 128 KiB would cost more than the request.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target)
-    : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE) {
+    : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE),
+      // The own driver writes what it reports, and nothing behind is looked at; an IMB driver may report more.
+      m_AnswerUsed(g_Mbmcsupport == ACCESS_OWN_KCS ? ANSWER_WRAPPING_SIZE : BMC_MESSAGE_DATA_SIZE) {
     UINT8* const data = m_Message.data;
     data[0] = channel;
     data[1] = target;
@@ -132,7 +137,7 @@ POLL_OUTCOME CBridgedRequest::PollForAnswer(int retryCount) {
     int status = 0;
     AddressToBmc(m_Message, COMMAND_GET_MESSAGE, 0);
     for (VERDICT verdict = VERDICT_AGAIN; verdict != VERDICT_STOP;) {
-        status = ProcessMessage(&m_Message, &m_Answer, REQUEST_TIMEOUT);
+        status = ProcessMessage(m_Message, m_Answer, REQUEST_TIMEOUT, m_AnswerUsed);
         if (status != 0) {
             Dbg(L"Breaking after Getmsg Status is %d\n", 1, status);
             break;

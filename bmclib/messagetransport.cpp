@@ -1,5 +1,6 @@
 // Requests: to the BMC itself over the access path that the discovery found, to every other controller
 // bridged by the BMC.
+#include "bmclib/messagetransport.h"
 #include "bmclib/bmcstate.h"
 #include "bmclib/imbdriver.h"
 #include "bmclib/ipmi.h"
@@ -81,17 +82,28 @@ int SendOverKcs(const _IMBPREQUESTDATA& request, UINT8* responseData, int* respo
 
 } // namespace
 
-int ProcessMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
-    std::memset(response->data, 0, RESPONSE_CAPACITY);
+namespace Frudata_Private {
+
+int ProcessMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout, UINT32& used) {
+    std::memset(response.data, 0, used);
+    used = RESPONSE_CAPACITY;
     AcquirePortAccess();
-    switch (request->rsSa) {
-    case BMC_ADDRESS:
-        return SendToBmc(*request, *response, timeout);
-    case CHANNEL_6_ADDRESS:
-        return ProcessSendMessage(request, response, CHANNEL_6, CHANNEL_6_ADDRESS);
-    default:
-        return ProcessSendMessage(request, response, CHANNEL_PRIMARY_IPMB, request->rsSa);
+    if (request.rsSa != BMC_ADDRESS) {
+        const UINT8 channel = request.rsSa == CHANNEL_6_ADDRESS ? CHANNEL_6 : CHANNEL_PRIMARY_IPMB;
+        return ProcessSendMessage(&request, &response, channel, request.rsSa);
     }
+    const int status = SendToBmc(request, response, timeout);
+    // Only an IMB driver gets the record itself, and may leave bytes behind those that it reports.
+    if (g_Mbmcsupport != ACCESS_IMB)
+        used = response.dataLength;
+    return status;
+}
+
+} // namespace Frudata_Private
+
+int ProcessMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
+    UINT32 used = RESPONSE_CAPACITY;
+    return ProcessMessage(*request, *response, timeout, used);
 }
 
 int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {

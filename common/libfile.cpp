@@ -1,7 +1,5 @@
 #include "common/libfile.h"
 
-#include "common/assertion.h"
-
 #include <cstring>
 #include <new>
 
@@ -9,13 +7,40 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "libfile.cpp";
-
 constexpr bool IsBlank(char character) {
     return character == ' ' || character == '\t';
 }
 constexpr bool IsLineEnd(char character) {
     return character == '\r' || character == '\n';
+}
+
+// The first occurrence of `wanted`, or null. The texts are too short for the C library's search to pay.
+const char* Find(const char* text, const char* wanted) {
+    for (;; ++text) {
+        std::size_t same = 0;
+        while (wanted[same] != 0 && text[same] == wanted[same])
+            ++same;
+        if (wanted[same] == 0)
+            return text;
+        if (*text == 0)
+            return nullptr;
+    }
+}
+
+// The first line end, or `end`. A zero byte at `end` stops the search, so that most bytes take one comparison.
+char* FindLineEnd(char* text, const char* end) {
+    while (static_cast<UINT8>(*text) > '\r' || (!IsLineEnd(*text) && text < end))
+        ++text;
+    return text;
+}
+
+// @return what follows the line end
+char* RemoveLineEnd(char* lineEnd) {
+    const bool isPair = IsLineEnd(lineEnd[1]) && lineEnd[1] != lineEnd[0];
+    *lineEnd++ = 0;
+    if (isPair)
+        *lineEnd++ = 0;
+    return lineEnd;
 }
 
 } // namespace
@@ -44,57 +69,25 @@ bool CFile::LoadCache() {
     return true;
 }
 
-UINT32 CFile::LineEndSize(UINT32 position) const {
-    const char first = m_Cache[position];
-    if (!IsLineEnd(first))
-        return 0;
-    const char second = m_Cache[position + 1];
-    return IsLineEnd(second) && second != first ? 2 : 1;
-}
-
-UINT32 CFile::CountLines() const {
-    UINT32 lines = 0;
-    UINT32 position = 0;
-    while (position < m_CacheSize) {
-        const UINT32 end = LineEndSize(position);
-        lines += end > 0;
-        position += end > 0 ? end : 1;
-    }
-    return lines + !IsLineEnd(m_Cache[m_CacheSize - 1]);
-}
-
 bool CFile::CutIntoLines() {
     Assert(m_Cache && m_CacheSize > 0, SOURCE_FILE, "m_Cache");
-    m_NumLines = CountLines();
-    Assert(m_NumLines > 0, SOURCE_FILE, "m_NumLines");
-    m_Offset.reset(new (std::nothrow) UINT32[m_NumLines]);
-    m_Length.reset(new (std::nothrow) UINT32[m_NumLines]);
+    // Room for a file of line ends alone: what is not used costs less than counting the lines first.
+    m_Offset.reset(new (std::nothrow) UINT32[m_CacheSize]);
+    m_Length.reset(new (std::nothrow) UINT32[m_CacheSize]);
     if (!m_Offset || !m_Length)
         return false;
+    char* const cache = m_Cache.get();
+    char* const end = cache + m_CacheSize;
     UINT32 line = 0;
-    UINT32 start = 0;
-    for (UINT32 position = 0; position < m_CacheSize;) {
-        const UINT32 end = LineEndSize(position);
-        if (end == 0) {
-            ++position;
-            continue;
-        }
-        m_Offset[line] = start;
-        m_Length[line++] = position - start;
-        std::memset(&m_Cache[position], 0, end);
-        position += end;
-        start = position;
+    for (char* start = cache; start < end; ++line) {
+        char* const lineEnd = FindLineEnd(start, end);
+        m_Offset[line] = static_cast<UINT32>(start - cache);
+        m_Length[line] = static_cast<UINT32>(lineEnd - start);
+        start = lineEnd < end ? RemoveLineEnd(lineEnd) : end;
     }
-    if (line < m_NumLines) {
-        m_Offset[line] = start;
-        m_Length[line] = m_CacheSize - start;
-    }
+    m_NumLines = line;
+    Assert(m_NumLines > 0, SOURCE_FILE, "m_NumLines");
     return true;
-}
-
-char* CFile::LineText(UINT32 line) const {
-    Assert(m_Cache && m_Offset && m_Length && line < m_NumLines, SOURCE_FILE, "ptr");
-    return &m_Cache[m_Offset[line]];
 }
 
 UINT32 CFile::LineCount() const {
@@ -104,17 +97,28 @@ UINT32 CFile::LineCount() const {
     return m_NumLines;
 }
 
-const char* CFile::GetLine(UINT32 line) const {
-    return LineText(line);
-}
-
 UINT32 CFile::GetLineLength(UINT32 line) const {
     LineText(line);
     return m_Length[line];
 }
 
+UINT32 CFile::FindLine(UINT32 line, char character) const {
+    const UINT32 lines = LineCount();
+    if (line >= lines)
+        return lines;
+    const char* start = &m_Cache[m_Offset[line]];
+    const char* end = &m_Cache[m_CacheSize] + 1;
+    const auto* found = static_cast<const char*>(std::memchr(start, character, static_cast<std::size_t>(end - start)));
+    if (!found)
+        return lines;
+    const auto position = static_cast<UINT32>(found - m_Cache.get());
+    while (line + 1 < lines && m_Offset[line + 1] <= position)
+        ++line;
+    return line;
+}
+
 bool CFile::LineContains(UINT32 line, const char* text) const {
-    return std::strstr(LineText(line), text) != nullptr;
+    return Find(LineText(line), text) != nullptr;
 }
 
 const char* CFile::GetDelimitedString(UINT32 line, char delimiter) {
@@ -134,25 +138,37 @@ const char* CFile::GetDelimitedString(UINT32 line, char delimiter) {
     return m_Delimited.get();
 }
 
-void CFile::StripLeft(UINT32 line) {
-    char* text = LineText(line);
-    UINT32 blanks = 0;
-    while (blanks < m_Length[line] && IsBlank(text[blanks])) {
-        Assert(m_Offset[line] + blanks < m_CacheSize, SOURCE_FILE, "index < m_CacheSize");
-        text[blanks++] = 0;
+void CFile::CutLeft(UINT32 line) {
+    UINT32 offset = m_Offset[line];
+    const UINT32 end = offset + m_Length[line];
+    if (!IsBlank(m_Cache[offset]))
+        return;
+    for (; offset < end && IsBlank(m_Cache[offset]); ++offset) {
+        Assert(offset < m_CacheSize, SOURCE_FILE, "index < m_CacheSize");
+        m_Cache[offset] = 0;
     }
-    m_Offset[line] += blanks;
-    m_Length[line] -= blanks;
+    m_Offset[line] = offset;
+    m_Length[line] = end - offset;
+}
+
+void CFile::CutRight(UINT32 line) {
+    const UINT32 start = m_Offset[line];
+    UINT32 end = start + m_Length[line];
+    while (end > start && (IsBlank(m_Cache[end - 1]) || m_Cache[end - 1] == 0)) {
+        Assert(end <= m_CacheSize, SOURCE_FILE, "index < m_CacheSize");
+        m_Cache[--end] = 0;
+    }
+    m_Length[line] = end - start;
+}
+
+void CFile::StripLeft(UINT32 line) {
+    LineText(line);
+    CutLeft(line);
 }
 
 void CFile::StripRight(UINT32 line) {
-    char* text = LineText(line);
-    UINT32 length = m_Length[line];
-    while (length > 0 && (IsBlank(text[length - 1]) || text[length - 1] == 0)) {
-        Assert(m_Offset[line] + length - 1 < m_CacheSize, SOURCE_FILE, "index < m_CacheSize");
-        text[--length] = 0;
-    }
-    m_Length[line] = length;
+    LineText(line);
+    CutRight(line);
 }
 
 void CFile::Strip(UINT32 line) {
@@ -185,13 +201,34 @@ void CFile::StripRightFromSequence(const char* sequence, UINT32 line) {
 }
 
 void CFile::StripRightFromSequence(const char* sequence) {
-    for (UINT32 line = 0; line < LineCount(); ++line)
+    const UINT32 lines = LineCount();
+    Assert(sequence != nullptr, SOURCE_FILE, "sequence");
+    for (UINT32 line = FindLine(0, *sequence); line < lines; line = FindLine(line + 1, *sequence))
         StripRightFromSequence(sequence, line);
 }
 
-void CFile::ForAllLines(void (CFile::*edit)(UINT32)) {
-    for (UINT32 line = 0; line < LineCount(); ++line)
-        (this->*edit)(line);
+void CFile::StripLeft() {
+    for (UINT32 line = 0, lines = LineCount(); line < lines; ++line)
+        CutLeft(line);
+}
+
+void CFile::StripRight() {
+    for (UINT32 line = 0, lines = LineCount(); line < lines; ++line)
+        CutRight(line);
+}
+
+void CFile::Strip() {
+    const UINT32 lines = LineCount();
+    const char* const cache = m_Cache.get();
+    for (UINT32 line = 0; line < lines; ++line) {
+        const UINT32 length = m_Length[line];
+        const char* const text = cache + m_Offset[line];
+        // Most lines neither start nor end with anything that can be stripped.
+        if (length > 0 && (text[0] <= ' ' || text[length - 1] <= ' ')) {
+            CutLeft(line);
+            CutRight(line);
+        }
+    }
 }
 
 } // namespace Frudata_Private

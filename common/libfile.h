@@ -1,6 +1,7 @@
 // A text file in memory, cut into lines that can be edited in place.
 #pragma once
 
+#include "common/assertion.h"
 #include "common/scopedfile.h"
 #include "frudata/types.h"
 
@@ -28,8 +29,11 @@ class CFile {
 
     UINT32 LineCount() const;
     /// The text of line `line`, valid while the file is loaded.
-    const char* GetLine(UINT32 line) const;
+    const char* GetLine(UINT32 line) const { return LineText(line); }
     UINT32 GetLineLength(UINT32 line) const;
+    /// The first line from `line` on that holds `character`, or LineCount(). One search over the whole cache: a
+    /// file has many short lines.
+    UINT32 FindLine(UINT32 line, char character) const;
     /// Whether `text` occurs in the line.
     bool LineContains(UINT32 line, const char* text) const;
     /// The text between the first two delimiters of the line, valid until the next call; null without them.
@@ -39,9 +43,9 @@ class CFile {
     void StripLeft(UINT32 line);
     void StripRight(UINT32 line);
     void Strip(UINT32 line);
-    void StripLeft() { ForAllLines(&CFile::StripLeft); }
-    void StripRight() { ForAllLines(&CFile::StripRight); }
-    void Strip() { ForAllLines(&CFile::Strip); }
+    void StripLeft();
+    void StripRight();
+    void Strip();
     /// Removes every blank and tab of the line.
     void SquishLine(UINT32 line);
     /// Cuts the line, or all lines, at the first occurrence of `sequence`.
@@ -49,12 +53,17 @@ class CFile {
     void StripRightFromSequence(const char* sequence);
 
   private:
+    /// As assertions name it.
+    static constexpr char SOURCE_FILE[] = "libfile.cpp";
+
     bool LoadCache();
     bool CutIntoLines();
-    UINT32 CountLines() const;
-    UINT32 LineEndSize(UINT32 position) const;
-    char* LineText(UINT32 line) const;
-    void ForAllLines(void (CFile::*edit)(UINT32));
+    char* LineText(UINT32 line) const {
+        Assert(m_Cache && m_Offset && m_Length && line < m_NumLines, SOURCE_FILE, "ptr");
+        return &m_Cache[m_Offset[line]];
+    }
+    void CutLeft(UINT32 line);
+    void CutRight(UINT32 line);
 
     SCOPED_FILE m_File;
     UINT32 m_NumLines = 0;

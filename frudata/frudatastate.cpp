@@ -39,9 +39,14 @@ void CFruData::ClearFru() {
 }
 
 CFru& CFruData::SelectedFru() const {
-    CFru* pFru = (*m_pCurrentList)[m_nFru];
-    Assert(pFru != nullptr, "frudata.cpp", "pFru");
-    return *pFru;
+    // Indexing a list costs the square of the index. Lists only grow at their end, so what was found stays there.
+    if (m_pFoundIn != m_pCurrentList || m_nFound != m_nFru) {
+        m_pFound = (*m_pCurrentList)[m_nFru];
+        m_pFoundIn = m_pCurrentList;
+        m_nFound = m_nFru;
+    }
+    Assert(m_pFound != nullptr, "frudata.cpp", "pFru");
+    return *m_pFound;
 }
 
 } // namespace Frudata_Private

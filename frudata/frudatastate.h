@@ -43,6 +43,12 @@ class CFruData {
     OrderedList<CFru*>* m_pCurrentList = nullptr; ///< one of the two above
     /// Stays empty: no operation of this revision runs the SDR scan.
     std::unique_ptr<OrderedList<FRU_LOCATOR*>> m_pLocatorList;
+
+  private:
+    // What SelectedFru found last, and where.
+    mutable CFru* m_pFound = nullptr;
+    mutable const OrderedList<CFru*>* m_pFoundIn = nullptr;
+    mutable UINT32 m_nFound = CURSOR_NONE;
 };
 
 /// Set by a successful `Initialize`; every operation but a few tests it first.

@@ -2,8 +2,10 @@
 #include "frudata/areas/infoarea.h"
 
 #include "common/assertion.h"
+#include "common/bytesum.h"
 #include "common/lasterror.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace Frudata_Private {
@@ -18,13 +20,10 @@ constexpr int TAIL_SIZE = 2;
 } // namespace
 
 UINT8 CInfoArea::Sum() const {
-    UINTN sum = 0;
-    for (UINTN place = 0; place < m_description.headerSize; ++place)
-        sum += m_header[place];
+    UINTN sum = ByteSum(m_header, m_description.headerSize);
     ForEachField([&sum](UINT8 typeLength, const UINT8* data) {
         sum += typeLength;
-        for (UINTN index = 0, length = DecodeLength(typeLength); index < length; ++index)
-            sum += data[index];
+        sum += ByteSum(data, DecodeLength(typeLength));
     });
     return static_cast<UINT8>(sum);
 }
@@ -115,8 +114,10 @@ const UINT8* CInfoArea::GetData() const {
     std::memcpy(m_image, m_header, m_description.headerSize);
     UINTN index = m_description.headerSize;
     const auto put = [this, &index](const UINT8* data, UINTN length) {
-        for (UINTN offset = 0; offset < length && index < INFO_AREA_SIZE; ++offset)
-            m_image[index++] = data[offset];
+        const UINTN copied = std::min(length, INFO_AREA_SIZE - index);
+        if (copied > 0)
+            std::memcpy(m_image + index, data, copied);
+        index += copied;
     };
     ForEachField([&put](UINT8 typeLength, const UINT8* data) {
         put(&typeLength, 1);

@@ -1,5 +1,6 @@
 #include "frudata/image/fruheader.h"
 
+#include "common/bytesum.h"
 #include "common/trace.h"
 
 #include <cstring>
@@ -15,10 +16,7 @@ CTrace Trace(const WCHAR* operation) {
 } // namespace
 
 UINT8 ZeroChecksum(const UINT8* data, int length) {
-    UINTN sum = 0;
-    for (int index = 0; index < length; ++index)
-        sum += data[index];
-    return static_cast<UINT8>(0U - sum);
+    return static_cast<UINT8>(0U - ByteSum(data, length > 0 ? static_cast<UINTN>(length) : 0));
 }
 
 UINTN CFruHeader::GetLength() const {

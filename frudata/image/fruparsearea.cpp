@@ -4,6 +4,7 @@
 #include "frudata/image/fru.h"
 #include "frudata/image/textfilekeys.h"
 
+#include <array>
 #include <cstring>
 
 namespace Frudata_Private {
@@ -22,8 +23,12 @@ class CAreaBlock {
     UINT8* GetData() { return m_data; }
     void Clear();
 
+    /// Adds a line of nothing but whole bytes. @return false, with nothing added, for every other line
+    bool AddBytes(const char* digits);
     EFI_STATUS AddText(const char* text, UINTN length);
     EFI_STATUS AddHexadecimal(const char* digits);
+    /// Puts the bytes of `digits` behind those that are there. @return their end, or null where the line has more
+    UINT8* ReadBytes(const char* digits);
     /// A byte's two digits stand on one line.
     void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
 
@@ -34,20 +39,59 @@ class CAreaBlock {
     UINT8 m_half;
 };
 
-/// The value of a hexadecimal digit, or 16.
-constexpr UINT8 DigitValue(char digit) {
-    if (digit >= '0' && digit <= '9')
-        return static_cast<UINT8>(digit - '0');
-    const char lower = static_cast<char>(digit | 0x20);
-    if (lower >= 'a' && lower <= 'f')
-        return static_cast<UINT8>(lower - 'a' + 10);
-    return 16;
+/// What a character of a hexadecimal line is: a digit's value, nothing, or out of place.
+constexpr UINT8 NO_DIGIT = 0x10;
+constexpr UINT8 OUT_OF_PLACE = 0x20;
+
+constexpr auto CHARACTERS = [] {
+    std::array<UINT8, 256> values{};
+    values.fill(OUT_OF_PLACE);
+    for (const char nothing : {'#', ' ', '\t'})
+        values[static_cast<UINT8>(nothing)] = NO_DIGIT;
+    for (UINT8 value = 0; value < 16; ++value) {
+        values[static_cast<UINT8>("0123456789ABCDEF"[value])] = value;
+        values[static_cast<UINT8>("0123456789abcdef"[value])] = value;
+    }
+    return values;
+}();
+
+constexpr UINT8 Look(const char* character) {
+    return CHARACTERS[static_cast<UINT8>(*character)];
 }
 
 void CAreaBlock::Clear() {
     std::memset(m_data, 0, SIZE);
     m_length = 0;
     m_isHalf = false;
+}
+
+UINT8* CAreaBlock::ReadBytes(const char* digits) {
+    UINT8* byte = m_data + m_length;
+    for (UINT8 high = Look(digits); high != OUT_OF_PLACE; high = Look(digits)) {
+        ++digits;
+        if (high == NO_DIGIT)
+            continue;
+        const UINT8 low = Look(digits++);
+        if (low > 0x0F || byte == m_data + SIZE)
+            return nullptr;
+        *byte++ = static_cast<UINT8>(high << 4 | low);
+        // Bytes are mostly one blank apart.
+        digits += *digits == ' ' ? 1 : 0;
+    }
+    return *digits == 0 ? byte : nullptr;
+}
+
+bool CAreaBlock::AddBytes(const char* digits) {
+    if (m_isHalf)
+        return false;
+    const UINT8* const end = ReadBytes(digits);
+    if (!end) {
+        // Bytes behind the length count as 0.
+        std::memset(m_data + m_length, 0, SIZE - m_length);
+        return false;
+    }
+    m_length = static_cast<UINTN>(end - m_data);
+    return true;
 }
 
 EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
@@ -61,10 +105,10 @@ EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
 EFI_STATUS CAreaBlock::AddHexadecimal(const char* digits) {
     AssertWholeByte();
     for (; *digits; ++digits) {
-        if (*digits == '#' || *digits == ' ' || *digits == '\t')
+        const UINT8 value = Look(digits);
+        if (value == NO_DIGIT)
             continue;
-        const UINT8 value = DigitValue(*digits);
-        if (value > 0x0F)
+        if (value == OUT_OF_PLACE)
             return FRU_STATUS_UNEXPECTED_CHARACTER;
         if (!m_isHalf) {
             m_half = value;
@@ -81,9 +125,9 @@ EFI_STATUS CAreaBlock::AddHexadecimal(const char* digits) {
 /// Adds one line. @return false when the line ends the block
 bool AddLine(const char* line, CAreaBlock& block, EFI_STATUS& status) {
     status = FRU_STATUS_SUCCESS;
-    if (*line == 0)
+    if (*line == 0 || (*line != FRU_SINGLE_QUOTE && block.AddBytes(line)))
         return true;
-    const char* first = std::strchr(line, FRU_SINGLE_QUOTE);
+    const char* first = *line == FRU_SINGLE_QUOTE ? line : std::strchr(line, FRU_SINGLE_QUOTE);
     const char* second = first ? std::strchr(first + 1, FRU_SINGLE_QUOTE) : nullptr;
     if (second) {
         status = block.AddText(first + 1, static_cast<UINTN>(second - first - 1));

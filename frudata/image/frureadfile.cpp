@@ -192,6 +192,10 @@ READ_STATE CFruFileReader::Run() {
     const UINT32 lines = m_file.LineCount();
     for (m_line = 0; m_line < lines && state < READ_DONE; ++m_line) {
         const READ_STEP* step = &STEPS[state];
+        // The keys that can stand on the same line begin alike.
+        m_line = m_file.FindLine(m_line, *step->key);
+        if (m_line == lines)
+            break;
         if (step->isOptional && !m_file.LineContains(m_line, step->key))
             ++step;
         if (m_file.LineContains(m_line, step->key))

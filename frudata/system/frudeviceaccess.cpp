@@ -45,7 +45,7 @@ bool IsBridged(const FRU_LOCATOR& locator) {
 
 int SendToDevice(const FRU_LOCATOR& locator) {
     if (IsBridged(locator))
-        return ProcessSendMessage(ReqMsg.get(), RespMsg.get(), locator.bus, locator.deviceAddress);
+        return SendBridgedRequest(locator.bus, locator.deviceAddress);
     return SendRequest();
 }
 

@@ -1,5 +1,7 @@
 #include "frudata/system/messages.h"
 
+#include "bmclib/messagetransport.h"
+
 #include <algorithm>
 #include <new>
 
@@ -8,7 +10,15 @@ namespace Frudata_Private {
 std::unique_ptr<BMC_MESSAGE> ReqMsg;
 std::unique_ptr<BMC_MESSAGE> RespMsg;
 
+namespace {
+
+/// Bytes of RespMsg's data that the last answer may have left; those behind are zero.
+UINT32 g_used = 0;
+
+} // namespace
+
 bool AllocateMessages() {
+    g_used = 0;
     ReqMsg.reset(new (std::nothrow) BMC_MESSAGE());
     RespMsg.reset(new (std::nothrow) BMC_MESSAGE());
     return ReqMsg && RespMsg;
@@ -30,7 +40,12 @@ void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::i
 }
 
 int SendRequest() {
-    return ProcessMessage(ReqMsg.get(), RespMsg.get(), REQUEST_TIMEOUT);
+    return ProcessMessage(*ReqMsg, *RespMsg, REQUEST_TIMEOUT, g_used);
+}
+
+int SendBridgedRequest(UINT8 channel, UINT8 target) {
+    g_used = BMC_MESSAGE_DATA_SIZE;
+    return ProcessSendMessage(ReqMsg.get(), RespMsg.get(), channel, target);
 }
 
 } // namespace Frudata_Private

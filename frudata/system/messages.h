@@ -26,5 +26,7 @@ void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::i
 
 /// Sends ReqMsg to where its address says; the answer is in RespMsg. @return a transport value, 0 is success
 int SendRequest();
+/// The same to the controller `target` on `channel`, whatever the request's address says.
+int SendBridgedRequest(UINT8 channel, UINT8 target);
 
 } // namespace Frudata_Private

@@ -6,6 +6,7 @@ afterN.bin  device N as it has to be after the edits
 edits       one edit a line: device, area, field index, value in hexadecimal; areas 2 and 6 as a whole
 assignment  one more edit, of device 0, as fructl takes it
 shown       one line a field of device 0 that a general IPMI tool shows after the edits
+large.bin   one FRU device of 2 KiB, to compare costs with
 sdr.bin     the SDR repository
 locators    one line a locator that the scan of that repository has to find
 
@@ -71,7 +72,7 @@ def checksum(data):
 def area(header, fields, size, column):
     values = [field[column] for field in fields]
     data = bytes([1, size // 8]) + header
-    if fields in (CHASSIS_FIELDS, BOARD_FIELDS):
+    if fields[0] in (CHASSIS_FIELDS[0], BOARD_FIELDS[0]):
         data += values.pop(0)
     for value in values:
         data += bytes([0xC0 | len(value)]) + value
@@ -112,6 +113,13 @@ def server(column):
 
 def supply(column):
     return device([b"", b"", b"", area(b"\x19", SUPPLY_FIELDS, 64, column), b""])
+
+
+def large():
+    extra = [(None, b"", b"custom field %02d of thirty bytes" % number) for number in range(13)]
+    return device([bytes([1]) + bytes(range(251)) * 2 + bytes([0]), area(b"", CHASSIS_FIELDS + extra, 512, AFTER),
+                   area(b"\x00", BOARD_FIELDS + extra, 512, AFTER), area(b"\x19", PRODUCT_FIELDS + extra, 512, AFTER),
+                   b""])
 
 
 def edits():
@@ -171,6 +179,7 @@ def main(directory):
     (folder / "fru.bin").write_bytes(server(BEFORE) + supply(BEFORE))
     (folder / "after0.bin").write_bytes(server(AFTER))
     (folder / "after1.bin").write_bytes(supply(AFTER))
+    (folder / "large.bin").write_bytes(large())
     (folder / "edits").write_text("".join(edits()))
     (folder / "assignment").write_text(ASSIGNMENT)
     (folder / "shown").write_text("".join(shown()))

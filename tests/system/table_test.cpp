@@ -83,6 +83,20 @@ TEST_F(Table, LoadWalkEditCommitReload) {
     EXPECT_EQ(LastError(), L"");
 }
 
+TEST_F(Table, TheSamePlaceInEachListIsAnotherFru) {
+    ASSERT_EQ(LoadImage(SampleRiserFru()), 0U);
+    Select(0);
+    ASSERT_EQ(m_table->SaveConfigurationToFile(m_table, L"riser.fru", nullptr), 0U);
+    ASSERT_EQ(Set(FRU_AREA_BOARD, FRU_FIELD_BOARD_SERIAL_NUMBER, "X1"), 0U);
+    ASSERT_EQ(m_table->LoadConfigurationFromFile(m_table, L"riser.fru", nullptr), 0U);
+    for (const int list : {FRU_LIST_FILE, FRU_LIST_SYSTEM, FRU_LIST_FILE}) {
+        ASSERT_EQ(m_table->SelectList(m_table, list), 0U);
+        ASSERT_EQ(m_table->SelectFru(m_table, 0), 0U);
+        const std::vector<std::wstring> texts = Walk();
+        EXPECT_EQ(texts[0].find(L"|X1|") != std::wstring::npos, list == FRU_LIST_SYSTEM);
+    }
+}
+
 TEST_F(Table, Properties) {
     const auto expect = [this](unsigned int version) {
         Requests();

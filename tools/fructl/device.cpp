@@ -32,6 +32,9 @@ constexpr std::size_t DEVICE_LIMIT = 0x10000;
 /// An EEPROM page: a write must not cross its end.
 constexpr std::size_t EEPROM_PAGE = 8;
 constexpr std::size_t FRU_DEVICE_CHUNK = 16;
+/// A read has nothing to store: it goes as far as a BMC's buffer, and halves where that is too small. A bridged
+/// answer has the 32 bytes of an IPMB message.
+constexpr std::size_t FRU_DEVICE_READ_CHUNK = 64;
 
 /// How often a request is sent again after this answer, with growing pauses.
 int Retries(UINT8 code, bool eeprom) {
@@ -61,10 +64,17 @@ std::size_t RecordsEnd(BYTE_VIEW image, std::size_t offset, bool& known) {
 } // namespace
 
 CDevice::CDevice(const ADDRESS& address, std::string name)
-    : m_address(address), m_name(std::move(name)), m_chunk(IsFruDevice() ? FRU_DEVICE_CHUNK : EEPROM_PAGE) {}
+    : m_address(address), m_name(std::move(name)), m_chunk(IsFruDevice() ? FRU_DEVICE_CHUNK : EEPROM_PAGE),
+      m_readChunk(IsFruDevice() && !IsBridged() && m_address.controller == 0x20 ? FRU_DEVICE_READ_CHUNK : m_chunk) {}
 
 void CDevice::Fail(const std::string& why) const {
     throw CToolError(EXIT_DEVICE, m_name, why);
+}
+
+bool CDevice::IsBridged() const {
+    // The FRU of a controller behind the BMC is named by a bus and device 0.
+    return m_address.type == FRU_TYPE_IMBDEVICE && m_address.controller == 0x20 && m_address.bus != 0xFF &&
+           m_address.deviceId == 0;
 }
 
 bool CDevice::IsFruDevice() const {
@@ -73,9 +83,6 @@ bool CDevice::IsFruDevice() const {
 }
 
 UINT8 CDevice::Send(const REQUEST& request, BYTES& answer) {
-    // The FRU of a controller behind the BMC is named by a bus and device 0.
-    const bool bridged = m_address.type == FRU_TYPE_IMBDEVICE && m_address.controller == 0x20 &&
-                         m_address.bus != 0xFF && m_address.deviceId == 0;
     m_request->rsSa = m_address.controller;
     m_request->netFn = request.netFn;
     m_request->lun = request.netFn == NETFN_STORAGE ? UINT8{0} : m_address.lun;
@@ -84,8 +91,8 @@ UINT8 CDevice::Send(const REQUEST& request, BYTES& answer) {
     m_request->dataLength = static_cast<UINT32>(request.data.size());
     for (int attempt = 0;; ++attempt) {
         const int status =
-            bridged ? ProcessSendMessage(m_request.get(), m_response.get(), m_address.bus, m_address.deviceAddress)
-                    : ProcessMessage(m_request.get(), m_response.get(), TIMEOUT);
+            IsBridged() ? ProcessSendMessage(m_request.get(), m_response.get(), m_address.bus, m_address.deviceAddress)
+                        : ProcessMessage(m_request.get(), m_response.get(), TIMEOUT);
         if (status != 0)
             Fail(fmt::format("no answer (transport status {})", status));
         if (attempt >= Retries(m_response->completionCode, !IsFruDevice()))
@@ -136,10 +143,10 @@ CDevice::REQUEST CDevice::WriteRequest(std::size_t offset, BYTE_VIEW data) const
 std::size_t CDevice::ReadSome(std::size_t offset, std::size_t count, BYTES& bytes) {
     BYTES answer;
     while (true) {
-        const std::size_t wanted = std::min(count, m_chunk);
+        const std::size_t wanted = std::min(count, m_readChunk);
         const UINT8 code = Send(ReadRequest(offset, wanted), answer);
-        if (IsTooLong(code) && m_chunk > 1) {
-            m_chunk /= 2;
+        if (IsTooLong(code) && m_readChunk > 1) {
+            m_readChunk /= 2;
             continue;
         }
         if (code != 0)

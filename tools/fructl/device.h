@@ -34,6 +34,7 @@ class CDevice {
     /// Sends a request until the device is no longer busy. @return the completion code; `answer` its data
     UINT8 Send(const REQUEST& request, BYTES& answer);
     bool IsFruDevice() const;
+    bool IsBridged() const;
     REQUEST ReadRequest(std::size_t offset, std::size_t count) const;
     REQUEST WriteRequest(std::size_t offset, BYTE_VIEW data) const;
     /// One read or write of at most `count` bytes. @return how many it moved
@@ -45,7 +46,8 @@ class CDevice {
 
     ADDRESS m_address;
     std::string m_name;
-    std::size_t m_chunk;
+    std::size_t m_chunk; ///< bytes of a write
+    std::size_t m_readChunk;
     std::optional<std::size_t> m_size;
     bool m_sizeAsked = false;
     std::unique_ptr<BMC_MESSAGE> m_request = std::make_unique<BMC_MESSAGE>();

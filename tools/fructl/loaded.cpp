@@ -85,17 +85,24 @@ json RunSession(const std::string& name, const std::function<json(const PROGRESS
     }
 }
 
+std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
+    auto library = std::make_unique<CLibrary>(contents.bytes);
+    library->Check(library->Load(ADDRESS()), EXIT_DAMAGED, contents.source.label);
+    library->SelectDevice();
+    return library;
+}
+
 std::unique_ptr<CLibrary> LoadedLibrary(const CONTENTS& contents) {
     const SOURCE& source = contents.source;
+    if (source.kind == SOURCE::IMAGE)
+        return ImageLibrary(contents);
     if (source.kind == SOURCE::TEXT) {
         auto library = std::make_unique<CLibrary>(CLibrary::NO_BMC);
         library->LoadFile(source.label);
         return library;
     }
-    auto library = source.kind == SOURCE::IMAGE ? std::make_unique<CLibrary>(contents.bytes)
-                                                : std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);
-    library->Check(library->Load(source.kind == SOURCE::IMAGE ? ADDRESS() : source.address), EXIT_DAMAGED,
-                   source.label);
+    auto library = std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);
+    library->Check(library->Load(source.address), EXIT_DAMAGED, source.label);
     library->SelectDevice();
     return library;
 }

@@ -5,9 +5,13 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <map>
+#include <string_view>
+#include <utility>
 
 #include <unistd.h>
 
@@ -59,6 +63,19 @@ void AddGlobalOptions(CLI::App& app, bool& noColor) {
     app.add_flag("--force", settings.force, "Insist on what is refused for safety");
 }
 
+/// Adds the command `name`, or all where it is none: help and errors tell of all.
+void AddCommands(CLI::App& app, std::string_view name) {
+    static constexpr std::pair<std::string_view, void (*)(CLI::App&)> COMMANDS[] = {
+        {"show", AddShow},     {"get", AddGet},         {"set", AddSet},     {"fields", AddFields}, {"save", AddSave},
+        {"commit", AddCommit}, {"restore", AddRestore}, {"apply", AddApply}, {"diff", AddDiff},     {"map", AddMap},
+        {"dump", AddDump},     {"load", AddLoad},       {"scan", AddScan},   {"probe", AddProbe},   {"info", AddInfo}};
+    const bool isKnown =
+        std::any_of(std::begin(COMMANDS), std::end(COMMANDS), [&](const auto& row) { return row.first == name; });
+    for (const auto& [known, add] : COMMANDS)
+        if (!isKnown || known == name)
+            add(app);
+}
+
 int Report(const CToolError& error) {
     std::fflush(stdout);
     const std::string message = fmt::format("{}: {}", error.m_what, error.m_why);
@@ -81,9 +98,7 @@ int Run(int argc, char** argv) {
     app.require_subcommand(1);
     bool noColor = false;
     AddGlobalOptions(app, noColor);
-    for (const auto add : {AddShow, AddGet, AddSet, AddFields, AddSave, AddCommit, AddRestore, AddApply, AddDiff,
-                           AddMap, AddDump, AddLoad, AddScan, AddProbe, AddInfo})
-        add(app);
+    AddCommands(app, argc > 1 ? argv[1] : "");
     app.parse_complete_callback(
         [&] { Settings().color = !noColor && !std::getenv("NO_COLOR") && isatty(STDOUT_FILENO) != 0; });
     try {

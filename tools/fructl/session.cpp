@@ -127,7 +127,9 @@ std::string Title(const AREA_ROW& row, std::size_t position) {
 void LoadWithLibrary(CONTENTS& contents) {
     try {
         const json view = RunSession(contents.source.label, [&](const PROGRESS&) {
-            return LibraryView(*LoadedLibrary(contents), contents.fru);
+            // A device has just been read: the library, which takes 8 bytes at a time, gets what came.
+            const bool isText = contents.source.kind == SOURCE::TEXT;
+            return LibraryView(isText ? *LoadedLibrary(contents) : *ImageLibrary(contents), contents.fru);
         });
         CompareView(view, contents);
     } catch (const CToolError& error) {
