@@ -73,7 +73,7 @@ BYTES FruImage(std::size_t size) {
     CFruImageBuilder builder;
     if (!isSmall)
         builder.InternalUse(BYTES(internalUse - 1, 0x5A));
-    const BYTES image = builder.Chassis(chassis).Board(board).Product(product).Build();
+    BYTES image = builder.Chassis(chassis).Board(board).Product(product).Build();
     if (image.size() != size)
         std::abort();
     return image;
