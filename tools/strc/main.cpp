@@ -3,15 +3,16 @@
 #include "tools/strc/tablefile.h"
 #include "tools/strc/utf8.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <getopt.h>
 #include <iostream>
 #include <sstream>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -69,18 +70,34 @@ int List(const std::string& path) {
     return std::cout.flush() ? 0 : Fail("standard output: write failed");
 }
 
+constexpr const char* HELP = "Usage: frudata-strc SOURCE -o TABLE    compiles a readable source of texts\n"
+                             "       frudata-strc --list TABLE       prints the texts of a compiled table\n"
+                             "A source has lines of number, name and text in quotes, as frudata/str/en-us.txt.\n";
+
+int FailUsage(const std::string& what) {
+    return Fail("frudata-strc: " + what + "\n" + HELP);
+}
+
 int Run(int argc, char** argv) {
-    CLI::App app("Compile a table of localised texts for frudata, or list a compiled one.", "frudata-strc");
-    std::string input;
+    static constexpr option OPTIONS[] = {{"output", required_argument, nullptr, 'o'},
+                                         {"list", required_argument, nullptr, 'l'},
+                                         {"help", no_argument, nullptr, 'h'},
+                                         {}};
     std::string output;
     std::string listed;
-    auto* inputOption = app.add_option("input", input, "Readable source: lines of number, name and text in quotes");
-    auto* outputOption = app.add_option("-o,--output", output, "Compiled table to write")->needs(inputOption);
-    inputOption->needs(outputOption);
-    app.add_option("--list", listed, "Print the texts of this compiled table")->excludes(inputOption);
-    app.require_option(1, 2);
-    CLI11_PARSE(app, argc, argv);
-    return listed.empty() ? Compile(input, output) : List(listed);
+    for (int found = 0; (found = getopt_long(argc, argv, "o:h", OPTIONS, nullptr)) != -1;) {
+        if (found == 'h')
+            return std::cout << HELP << std::flush ? 0 : 1;
+        if (found != 'o' && found != 'l')
+            return FailUsage("wrong arguments");
+        (found == 'o' ? output : listed) = optarg;
+    }
+    const std::vector<std::string> inputs(argv + optind, argv + argc);
+    if (!listed.empty())
+        return inputs.empty() && output.empty() ? List(listed) : FailUsage("--list takes one table and nothing else");
+    if (inputs.size() != 1 || output.empty())
+        return FailUsage("one source and its -o TABLE are wanted");
+    return Compile(inputs[0], output);
 }
 
 } // namespace
