@@ -11,7 +11,6 @@
 //     0x80, no message yet                             once more, while the poll budget lasts
 //     0x83, bus busy                                   once more
 //     any other completion code                        attempt failed
-#include "bmclib/bmcstate.h"
 #include "bmclib/ipmi.h"
 #include "bmclib/kcsregisters.h"
 #include "bmclib/messagetransport.h"
@@ -102,9 +101,7 @@ class CBridgedRequest {
 // The messages stay as they are: clearing 128 KiB would cost more than the request.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target)
-    : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE),
-      // The own driver writes what it reports, and nothing behind is looked at; an IMB driver may report more.
-      m_AnswerUsed(g_Mbmcsupport == ACCESS_OWN_KCS ? ANSWER_WRAPPING_SIZE : BMC_MESSAGE_DATA_SIZE) {
+    : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE) {
     UINT8* const data = m_Message.data;
     data[0] = channel;
     data[1] = target;
