@@ -5,9 +5,8 @@
 //   Send Message succeeds                            wait for SMS attention, then Get Message until
 //     status not 0                                     attempt failed
 //     firmware transfer exit                           done, the controller does not answer
-//     0x00, our sequence number                        done, the answer
-//     0x00, another sequence number (stale)            once more
-//     0x00, too short to be a bridged answer           attempt failed
+//     0x00, our sequence number                        done, the answer; attempt failed where it is cut short
+//     0x00, another sequence number or none (stale)    once more
 //     0x80, no message yet                             once more, while the poll budget lasts
 //     0x83, bus busy                                   once more
 //     any other completion code                        attempt failed
@@ -86,6 +85,7 @@ class CBridgedRequest {
 
     POLL_OUTCOME PollForAnswer(int retryCount);
     VERDICT JudgeAnswer() const;
+    bool HasOurSequence() const;
     bool IsAnswer() const;
     UINT8 AnswerSequence() const { return static_cast<UINT8>(m_Answer.data[ANSWER_SEQUENCE] >> 2); }
     void LogPolling(const wchar_t* prefix, int testCount, int retryCount, int status) const;
@@ -159,14 +159,18 @@ CBridgedRequest::VERDICT CBridgedRequest::JudgeAnswer() const {
     case COMPLETION_NO_MESSAGE:
         return VERDICT_AGAIN_COUNTED;
     case 0:
-        return m_Answer.dataLength < ANSWER_WRAPPING_SIZE || IsAnswer() ? VERDICT_STOP : VERDICT_AGAIN;
+        return HasOurSequence() ? VERDICT_STOP : VERDICT_AGAIN;
     default:
         return VERDICT_STOP;
     }
 }
 
+bool CBridgedRequest::HasOurSequence() const {
+    return m_Answer.dataLength > ANSWER_SEQUENCE && AnswerSequence() == sendSeq;
+}
+
 bool CBridgedRequest::IsAnswer() const {
-    return m_Answer.completionCode == 0 && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE && AnswerSequence() == sendSeq;
+    return m_Answer.completionCode == 0 && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE && HasOurSequence();
 }
 
 void CBridgedRequest::LogPolling(const wchar_t* prefix, int testCount, int retryCount, int status) const {

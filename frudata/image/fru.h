@@ -115,9 +115,9 @@ class CFru {
     /// @return 0, READ_FRU_ERROR, or a transport value
     static EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data);
     /// Writes the header, the board area and the modified areas to the device that the locator names, and
-    /// reports each step to `progress` unless it is null. Areas written before a failure stay written.
-    /// @return 0, WRITE_SYSTEM_ERROR
-    EFI_STATUS WriteToSystem(FRU_PROGRESS_CALLBACK progress);
+    /// reports each step to what `progress` then is, unless it is null: the host may exchange its callback
+    /// meanwhile. Areas written before a failure stay written. @return 0, WRITE_SYSTEM_ERROR
+    EFI_STATUS WriteToSystem(const FRU_PROGRESS_CALLBACK& progress);
     /// Writes to the device, by the path that its BMC has. @return 0, WRITE_FRU_ERROR, or a transport value
     EFI_STATUS WriteFruData(UINT32 offset, UINT32 length, const UINT8* data);
     static void Sleep(unsigned int seconds);
@@ -145,7 +145,7 @@ class CFru {
     static EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length);
     static EFI_STATUS WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
     static EFI_STATUS WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
-    bool WriteAreas(FRU_PROGRESS_CALLBACK progress);
+    bool WriteAreas(const FRU_PROGRESS_CALLBACK& progress);
 
     EFI_STATUS SaveFRUFileHeader(const char* path);
     EFI_STATUS SaveFRUCommonHeader(const char* path);

@@ -15,7 +15,7 @@ constexpr std::size_t WRITING_TEXT_SIZE = 256;
 /// Writes the areas one behind the other and says so.
 class CFruWriter {
   public:
-    CFruWriter(CFru& fru, FRU_PROGRESS_CALLBACK progress) : m_fru(fru), m_progress(progress) {}
+    CFruWriter(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) : m_fru(fru), m_progress(progress) {}
 
     void Report(const WCHAR* text) const {
         if (m_progress)
@@ -52,7 +52,7 @@ class CFruWriter {
 
   private:
     CFru& m_fru;
-    FRU_PROGRESS_CALLBACK m_progress;
+    const FRU_PROGRESS_CALLBACK& m_progress;
     UINT32 m_offset = 0;
 };
 
@@ -73,7 +73,7 @@ void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
 
 } // namespace
 
-bool CFru::WriteAreas(FRU_PROGRESS_CALLBACK progress) {
+bool CFru::WriteAreas(const FRU_PROGRESS_CALLBACK& progress) {
     CFruWriter writer(*this, progress);
     ReportFru(writer, m_locator);
     if (!writer.Write(m_header.GetData(), m_header.GetLength()))
@@ -96,7 +96,7 @@ bool CFru::WriteAreas(FRU_PROGRESS_CALLBACK progress) {
     return true;
 }
 
-EFI_STATUS CFru::WriteToSystem(FRU_PROGRESS_CALLBACK progress) {
+EFI_STATUS CFru::WriteToSystem(const FRU_PROGRESS_CALLBACK& progress) {
     const CTrace trace(L"CFru", L"WriteToSystem");
     GetBmcType(&g_BMCType);
     if (WriteAreas(progress))

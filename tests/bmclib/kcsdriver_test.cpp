@@ -63,6 +63,9 @@ constexpr struct {
     size_t writes;
 } OUTCOMES[] = {
     {"ready", {}, SEND_AND_READ, 0, 8},
+    {"read state a moment after IBF", {4, 4, STATE, 0x80, 1}, SEND_AND_READ, 0, 8},
+    {"idle state a moment after IBF", {8, 8, STATE, 0x40, 1}, SEND_AND_READ, 0, 8},
+    {"OBF later still", {4, 8, OBF, 0, 3}, SEND_AND_READ, 0, 8},
     {"never takes a byte", {0, ALWAYS, 0, IBF}, SEND, 1, 0},
     {"begin not taken", {1, ALWAYS, 0, IBF}, SEND, 2, 1},
     {"read state after begin", {1, 1, STATE, 0x40}, SEND, 3, 1},
@@ -123,7 +126,7 @@ TEST(KcsDriver, PortAccessesOfOneRead) {
     UINT8 buffer[13] = {};
     unsigned int count = 0;
     ASSERT_EQ(KCSReadBMCData(buffer, sizeof buffer, &count), 0);
-    EXPECT_EQ(counts(), (COUNTS{8 + 13, 13, 8 + 12})) << "status and data for each byte and for the end";
+    EXPECT_EQ(counts(), (COUNTS{8 + 3 * 13, 13, 8 + 12})) << "three times status and once data, the end included";
     ASSERT_EQ(KCSSendMessage(frame.data(), 6), 0);
     EXPECT_EQ(KCSReadBMCData(buffer, 12, &count), 4) << "the buffer is full";
     EXPECT_EQ(BYTES(buffer, buffer + count), answer);
