@@ -10,21 +10,17 @@
 //     0x80, no message yet                             once more, while the poll budget lasts
 //     0x83, bus busy                                   once more
 //     any other completion code                        attempt failed
-#include "bmclib/ipmi.h"
 #include "bmclib/kcsregisters.h"
 #include "bmclib/messagetransport.h"
+#include "common/bytesum.h"
 #include "frudata/debug.h"
 
 #include <cstring>
-#include <numeric>
 #include <unistd.h>
 
 namespace {
 
 using namespace Frudata_Private;
-
-constexpr UINT8 COMPLETION_NO_MESSAGE = 0x80;
-constexpr UINT8 COMPLETION_BUS_BUSY = 0x83;
 
 constexpr int ATTEMPTS = 5;
 constexpr int FIRMWARE_ATTEMPTS = 23;
@@ -62,10 +58,6 @@ enum POLL_OUTCOME {
     POLL_NOTHING,
     POLL_NO_ANSWER_EXPECTED
 };
-
-UINT8 ZeroChecksum(const UINT8* first, const UINT8* last) {
-    return static_cast<UINT8>(-std::accumulate(first, last, 0));
-}
 
 // One bridged request. Two messages of 64 KiB: it lives on the stack of its call.
 class CBridgedRequest {
@@ -106,12 +98,12 @@ CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT
     data[0] = channel;
     data[1] = target;
     data[2] = static_cast<UINT8>(request.netFn << 2 | (request.lun & 3));
-    data[3] = ZeroChecksum(data + 1, data + 3);
+    data[3] = ZeroChecksum(data + 1, 2);
     data[4] = BMC_ADDRESS;
     data[5] = static_cast<UINT8>(sendSeq << 2 | REQUESTER_LUN);
     data[6] = request.cmd;
     std::memcpy(data + 7, request.data, request.dataLength);
-    data[7 + request.dataLength] = ZeroChecksum(data + 4, data + 7 + request.dataLength);
+    data[7 + request.dataLength] = ZeroChecksum(data + 4, 3 + static_cast<int>(request.dataLength));
 }
 
 POLL_OUTCOME CBridgedRequest::Attempt(BMC_MESSAGE& response, int retryCount) {
@@ -122,7 +114,7 @@ POLL_OUTCOME CBridgedRequest::Attempt(BMC_MESSAGE& response, int retryCount) {
         sleep(1);
         incTestCount = 1;
     }
-    if (response.completionCode != 0)
+    if (response.completionCode != COMPLETION_SUCCESS)
         return POLL_NOTHING;
     wait_for_SMS_flag();
     return PollForAnswer(retryCount);
@@ -134,7 +126,7 @@ POLL_OUTCOME CBridgedRequest::PollForAnswer(int retryCount) {
     int status = 0;
     AddressToBmc(m_Message, COMMAND_GET_MESSAGE, 0);
     for (VERDICT verdict = VERDICT_AGAIN; verdict != VERDICT_STOP;) {
-        status = ProcessMessage(m_Message, m_Answer, REQUEST_TIMEOUT, m_AnswerUsed);
+        status = ProcessReusedMessage(m_Message, m_Answer, REQUEST_TIMEOUT, m_AnswerUsed);
         if (status != 0) {
             Dbg(L"Breaking after Getmsg Status is %d\n", 1, status);
             break;
@@ -158,7 +150,7 @@ CBridgedRequest::VERDICT CBridgedRequest::JudgeAnswer() const {
         return VERDICT_AGAIN;
     case COMPLETION_NO_MESSAGE:
         return VERDICT_AGAIN_COUNTED;
-    case 0:
+    case COMPLETION_SUCCESS:
         return HasOurSequence() ? VERDICT_STOP : VERDICT_AGAIN;
     default:
         return VERDICT_STOP;
@@ -170,7 +162,8 @@ bool CBridgedRequest::HasOurSequence() const {
 }
 
 bool CBridgedRequest::IsAnswer() const {
-    return m_Answer.completionCode == 0 && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE && HasOurSequence();
+    return m_Answer.completionCode == COMPLETION_SUCCESS && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE &&
+           HasOurSequence();
 }
 
 void CBridgedRequest::LogPolling(const wchar_t* prefix, int testCount, int retryCount, int status) const {

@@ -1,6 +1,7 @@
 #include "frudata/image/fru.h"
 
 #include "common/assertion.h"
+#include "common/bytesum.h"
 #include "common/lasterror.h"
 
 #include <cstring>

@@ -1,7 +1,6 @@
 // Moving FRU inventory bytes from and to a device, a few at a time.
 #include "common/assertion.h"
 #include "frudata/image/fru.h"
-#include "frudata/system/ipmicommands.h"
 #include "frudata/system/messages.h"
 
 #include <algorithm>

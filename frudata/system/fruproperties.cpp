@@ -2,7 +2,6 @@
 
 #include "common/stringresource.h"
 #include "common/trace.h"
-#include "frudata/system/ipmicommands.h"
 #include "frudata/system/messages.h"
 
 #include <cwchar>
@@ -13,8 +12,6 @@ namespace Frudata_Private {
 namespace {
 
 constexpr std::size_t COUNT_TEXT_SIZE = 8;
-/// Place of the IPMI version in the answer to Get Device ID.
-constexpr UINTN DEVICE_ID_IPMI_VERSION = 4;
 
 CTrace Trace(const WCHAR* operation) {
     return {L"FruData", operation};

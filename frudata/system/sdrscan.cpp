@@ -3,7 +3,6 @@
 #include "frudata/sdrscan.h"
 
 #include "common/trace.h"
-#include "frudata/system/ipmicommands.h"
 #include "frudata/system/messages.h"
 #include "frudata/system/sdrrecords.h"
 
