@@ -15,8 +15,6 @@ namespace Frudata_Private {
 
 /// The platform code given to `Initialize`; FRU_PLATFORM_MBMC opens the paths of FRU_TYPE_MBMC_FRU.
 extern int g_fdPlatform;
-/// The kind of BMC, asked anew for each write (a BMC_TYPE_ value).
-extern UINT32 g_BMCType;
 
 /// Bytes of the buffer that a FRU's identifier is composed in, as its users have it.
 constexpr int FRU_IDENTIFIER_BYTES = 400;
@@ -135,9 +133,9 @@ class CFru {
     /// Reads the area at `offset` (8-byte units). A `length` above `capacity` was not read.
     static EFI_STATUS GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
                                         UINT16& length);
-    /// Reads and parses one info area. @return 0, a read status, or `refused` where it does not fit or parse
-    EFI_STATUS ReadInfoArea(const FRU_LOCATOR* locator, FRU_HEADER_BYTE place, UINT16 capacity, CInfoArea& area,
-                            EFI_STATUS refused);
+    struct DEVICE_AREA;
+    /// Reads and parses one info area. @return 0, its own status, or for the product area a read status
+    EFI_STATUS ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row);
     static EFI_STATUS GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length);
     static EFI_STATUS GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length);
     static EFI_STATUS ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer);

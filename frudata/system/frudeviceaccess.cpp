@@ -1,6 +1,7 @@
 // Moving FRU inventory bytes from and to a device, a few at a time.
 #include "common/assertion.h"
 #include "frudata/image/fru.h"
+#include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 
 #include <algorithm>
@@ -19,7 +20,6 @@ constexpr int FIRST_CHUNK = 8;
 constexpr int CHUNK_STEP = 4;
 /// The DS1624's access-memory command takes the place of the high offset byte.
 constexpr UINT8 DS1624_ACCESS_MEMORY = 0x17;
-constexpr UINT8 NO_BUS = 0xFF;
 
 CTrace Trace(const WCHAR* operation) {
     return {L"CFru", operation};

@@ -2,6 +2,7 @@
 #include "common/lasterror.h"
 #include "frudata/bmclib.h"
 #include "frudata/image/fru.h"
+#include "frudata/system/frudevice.h"
 
 #include <cwchar>
 
@@ -101,9 +102,10 @@ EFI_STATUS CFru::WriteToSystem(const FRU_PROGRESS_CALLBACK& progress) {
     GetBmcType(&g_BMCType);
     if (WriteAreas(progress))
         return trace.Exit(FRU_STATUS_SUCCESS);
+    trace.Fail(L"Error Writing System");
     WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
     RecordLastError(STRING_DEVICE_NOT_WRITTEN, GetFriendlyFruIdentifier(&m_locator, identifier, FRU_IDENTIFIER_BYTES));
-    return trace.Fail(L"Error Writing System", FRU_STATUS_WRITE_SYSTEM_ERROR);
+    return FRU_STATUS_WRITE_SYSTEM_ERROR;
 }
 
 } // namespace Frudata_Private

@@ -3,12 +3,12 @@
 #include "frudata/sdrscan.h"
 
 #include "common/trace.h"
+#include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 #include "frudata/system/sdrrecords.h"
 
 #include <algorithm>
 #include <bitset>
-#include <cstring>
 #include <new>
 
 namespace Frudata_Private {
@@ -25,7 +25,6 @@ constexpr UINTN NEXT_ID_LENGTH = 2;
 /// Device types of a FRU Device Locator with an access path of their own (IPMI 2.0, table 43-12).
 constexpr UINT8 DEVICE_TYPE_DS1624 = 0x02;
 constexpr UINT8 DEVICE_TYPE_FRU_COMMANDS = 0x10;
-constexpr UINT8 NO_BUS = 0xFF;
 
 SDR_TYPE gSDR_Types;
 
@@ -121,8 +120,8 @@ EFI_STATUS SDR_MEM_Alloc(SDR_TYPE& sdr, const UINT32* counters) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-/// Reads the record `id`; `id` becomes the next record's. `buffer` has SDR_RECORD_SIZE bytes.
-EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
+/// Reads the record `id`; `id` becomes the next record's. `room` becomes the part of itself that the record fills.
+EFI_STATUS ReadRecFromBMC(std::span<UINT8>& room, UINT32& id) {
     const CTrace trace = Trace(L"ReadRecFromBMC");
     if (!Reserve())
         return trace.Fail(L"Error Reserving SDR", FRU_STATUS_SDR_RESERVE_ERROR);
@@ -133,10 +132,11 @@ EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
     if (!GetSdr(reservation, record, 0, SDR_HEADER_LENGTH))
         return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
     id = NextRecordId();
-    std::memcpy(buffer, RespMsg->data + NEXT_ID_LENGTH, SDR_HEADER_LENGTH);
-    const UINTN size = buffer[4] + SDR_HEADER_LENGTH;
-    if (size > SDR_RECORD_SIZE)
+    const UINTN size = RespMsg->data[NEXT_ID_LENGTH + 4] + SDR_HEADER_LENGTH;
+    if (size > room.size())
         return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
+    room = room.first(size);
+    std::copy_n(RespMsg->data + NEXT_ID_LENGTH, SDR_HEADER_LENGTH, room.begin());
     for (UINTN offset = SDR_HEADER_LENGTH; offset < size;) {
         const UINTN count = std::min(PIECE_SIZE, size - offset);
         if (!GetSdr(reservation, record, offset, count))
@@ -144,7 +144,7 @@ EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
         if (RespMsg->dataLength <= NEXT_ID_LENGTH)
             return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
         const UINTN arrived = std::min<UINTN>(count, RespMsg->dataLength - NEXT_ID_LENGTH);
-        std::memcpy(buffer + offset, RespMsg->data + NEXT_ID_LENGTH, arrived);
+        std::copy_n(RespMsg->data + NEXT_ID_LENGTH, arrived, room.subspan(offset, arrived).begin());
         offset += arrived;
     }
     return trace.Exit(FRU_STATUS_SUCCESS);
@@ -152,8 +152,8 @@ EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
 
 /// Decodes into the next free record of an array; only a decoded record counts.
 template <typename RECORD> EFI_STATUS DecodeInto(const CTrace& trace, std::unique_ptr<RECORD[]>& records,
-                                                 UINT32 capacity, UINT32& count, const UINT8* raw,
-                                                 EFI_STATUS (*decode)(const UINT8* raw, RECORD& record)) {
+                                                 UINT32 capacity, UINT32& count, std::span<const UINT8> raw,
+                                                 EFI_STATUS (*decode)(std::span<const UINT8> raw, RECORD& record)) {
     // The repository has grown since its records were counted.
     if (count >= capacity)
         return trace.Fail(L"More SDRs than counted", FRU_STATUS_SDR_READ_ERROR);
@@ -163,7 +163,7 @@ template <typename RECORD> EFI_STATUS DecodeInto(const CTrace& trace, std::uniqu
     return status;
 }
 
-EFI_STATUS DecodeSDR(const UINT8* raw, SDR_TYPE& sdr) {
+EFI_STATUS DecodeSDR(std::span<const UINT8> raw, SDR_TYPE& sdr) {
     const CTrace trace = Trace(L"DecodeSDR");
     EFI_STATUS status = FRU_STATUS_SUCCESS;
     const UINT8 type = raw[3];
@@ -190,7 +190,8 @@ EFI_STATUS GetAllSDRRecs(SDR_TYPE& sdr) {
     CAskedRecords asked;
     UINT32 id = FIRST_RECORD;
     while (status == FRU_STATUS_SUCCESS && asked.IsNext(trace, id)) {
-        UINT8 record[SDR_RECORD_SIZE] = {};
+        UINT8 buffer[SDR_RECORD_SIZE];
+        std::span<UINT8> record(buffer);
         status = ReadRecFromBMC(record, id);
         if (status == FRU_STATUS_SUCCESS)
             status = DecodeSDR(record, sdr);
