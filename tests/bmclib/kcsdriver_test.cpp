@@ -4,6 +4,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <tuple>
 #include <unistd.h>
 
 HOST g_host;
@@ -110,6 +111,24 @@ TEST(KcsDriver, Outcomes) {
         EXPECT_EQ(action.sa_handler, SIG_DFL);
         EXPECT_EQ(g_host.m_AlarmSeconds, 0U);
     }
+}
+
+TEST(KcsUtilities, LooksAtTheRegisters) {
+    constexpr UINT8 attention = 0x04;
+    for (const auto& [status, data, isThere] : {std::tuple(0xFF, 0x00, 1), {0x00, 0xFF, 1}, {0xFF, 0xFF, 0}}) {
+        Start({0, ALWAYS, 0xFF, static_cast<UINT8>(status)}, {});
+        g_host.m_Out = {static_cast<UINT8>(data)};
+        EXPECT_EQ(IsKCS(), isThere) << status;
+        EXPECT_EQ(KCSMessageReady(), status == 0xFF ? 1 : 0);
+    }
+    // The awaited bit shows at the sixth look, the other one from the first on.
+    for (const auto& [responder, awaited] : {std::pair(UINT8{0x20}, OBF), {UINT8{0x72}, attention}}) {
+        Start({0, ALWAYS, awaited, 0, 5}, {});
+        g_host.m_OutFull = OBF;
+        EXPECT_EQ(CheckMessageReady(responder, 1), 0);
+        EXPECT_EQ(g_host.m_StatusReads, 6U);
+    }
+    EXPECT_EQ(CheckMsTimeout(), 0);
 }
 
 // Read FRU Data of 8 bytes: a 6-byte request and 12 bytes of answer.
