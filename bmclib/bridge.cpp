@@ -26,8 +26,8 @@ constexpr int ATTEMPTS = 5;
 constexpr int FIRMWARE_ATTEMPTS = 23;
 constexpr int POLLS = 100;
 constexpr int PATIENT_POLLS = 1000;
-// Stale answers and a busy bus do not count against the poll budget. Sequence numbers tell 63 requests
-// apart, so no working BMC queues anywhere near this many stale answers.
+// Stale answers and a busy bus do not count against the poll budget. This ends the polling of a BMC that sends
+// nothing else; sequence numbers tell 63 requests apart, so a working one queues far fewer stale answers.
 constexpr int UNCOUNTED_POLLS = 4096;
 
 constexpr UINT8 PANEL_ADDRESS = 0x22;
@@ -50,7 +50,7 @@ constexpr UINT8 LAST_SEQUENCE = 63;
 
 // Sequence number of the next bridged request, 1 to LAST_SEQUENCE.
 UINT8 sendSeq = 1;
-// Set once the BMC has reported a busy bus; a crowded bus takes longer to answer.
+// Set for good once the BMC has reported a busy bus: a crowded bus takes longer to answer.
 int incTestCount = 0;
 
 enum POLL_OUTCOME {
@@ -59,7 +59,7 @@ enum POLL_OUTCOME {
     POLL_NO_ANSWER_EXPECTED
 };
 
-// One bridged request. Two messages of 64 KiB: it lives on the stack of its call.
+// One bridged request. It lives on the stack of its call, with two messages of 64 KiB.
 class CBridgedRequest {
   public:
     CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target);
@@ -85,12 +85,12 @@ class CBridgedRequest {
     const BMC_MESSAGE& m_Request;
     UINT8 m_Target;
     UINT32 m_WrappedSize;
-    BMC_MESSAGE m_Message; // the wrapped request; Get Message has no data and leaves it in place
+    BMC_MESSAGE m_Message; // the wrapped request, which Get Message, having no data, leaves in place
     BMC_MESSAGE m_Answer;
-    UINT32 m_AnswerUsed = RESPONSE_CAPACITY; // nothing has been cleared yet
+    UINT32 m_AnswerUsed = RESPONSE_CAPACITY; // m_Answer has not been cleared yet
 };
 
-// The messages stay as they are: clearing 128 KiB would cost more than the request.
+// The messages are not initialised: clearing 128 KiB would cost more than the request.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target)
     : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE) {
@@ -203,7 +203,7 @@ int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 
 }
 
 void wait_for_SMS_flag(void) {
-    // The default status port, whatever KCSAddress says.
+    // Compatibility: the default status port, whatever KCSAddress says.
     constexpr UINT16 statusPort = 0x0CA3;
     constexpr int pauseMilliseconds = 2;
     constexpr int limitMilliseconds = 500;

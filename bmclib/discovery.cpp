@@ -27,8 +27,8 @@ constexpr UINT32 DEFAULT_KCS_BASE = 0x0CA2;
 constexpr int MAP_FAILURE = -1;
 constexpr int DEFAULT_PORT_SILENT = -1;
 
-// Base port that the firmware names. Only this probe uses it: the driver talks to KCSAddress, which is the
-// host's to set.
+// Compatibility: the base port that the firmware names serves the probe only. The driver talks to KCSAddress, which
+// is the host's to set.
 UINT32 kcsBaseAddress = 0;
 
 int ProbeStatusPort(int silentResult) {

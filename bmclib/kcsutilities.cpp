@@ -1,4 +1,4 @@
-// Looks at a KCS interface without transferring a message. Kept for hosts; nothing in the library calls them.
+// Looking at a KCS interface without transferring a message. For hosts: nothing in the library calls these.
 #include "bmclib/kcsregisters.h"
 #include "common/ipmi.h"
 

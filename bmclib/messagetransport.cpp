@@ -11,7 +11,7 @@ namespace {
 using namespace Frudata_Private;
 
 constexpr UINT8 CHANNEL_PRIMARY_IPMB = 0;
-// This controller sits on a bus of its own.
+// The one controller that is on another bus.
 constexpr UINT8 CHANNEL_6 = 6;
 constexpr UINT8 CHANNEL_6_ADDRESS = 0x2C;
 
@@ -22,7 +22,7 @@ constexpr unsigned int ANSWER_HEADER_SIZE = 3; // network function, command, com
 int SendOverKcs(const _IMBPREQUESTDATA& request, UINT8* responseData, int* responseLength, UINT8* completionCode) {
     UINT8 frame[RESPONSE_CAPACITY];
     const unsigned int dataLength = static_cast<unsigned int>(request.dataLength);
-    frame[0] = static_cast<UINT8>(request.netFn << 2); // requests always go to LUN 0
+    frame[0] = static_cast<UINT8>(request.netFn << 2); // Compatibility: over KCS every request goes to LUN 0.
     frame[1] = request.cmdType;
     if (dataLength > 0)
         std::memcpy(frame + FRAME_HEADER_SIZE, request.data, dataLength);
@@ -52,7 +52,7 @@ int SendOnWay(WAY way, const _IMBPREQUESTDATA& request, int timeout, UINT8* data
     case WAY_NONE:
         break;
     }
-    return 0;
+    return 0; // Compatibility: what cannot be sent seems to succeed.
 }
 
 int SendToBmc(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout) {

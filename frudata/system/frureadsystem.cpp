@@ -174,7 +174,8 @@ EFI_STATUS CFru::GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, U
 EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
     const CTrace trace = Trace(L"GetInternalArea");
     AssertLocator(locator);
-    // The area has no length of its own: it ends where the first area after it in the header starts.
+    // The area has no length of its own: it ends where the first area behind it in the header starts.
+    // Compatibility: first in the header's order, not on the device.
     UINTN next = FRU_HEADER_CHASSIS;
     while (next <= FRU_HEADER_MULTIRECORD && m_header[next] == 0)
         ++next;

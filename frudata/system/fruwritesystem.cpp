@@ -10,10 +10,10 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr std::size_t PROGRESS_TEXT_SIZE = 100;
+constexpr std::size_t ADDRESS_TEXT_SIZE = 100;
 constexpr std::size_t WRITING_TEXT_SIZE = 256;
 
-/// Writes the areas one behind the other and says so.
+/// Writes the areas one behind the other, wherever the header has them, and reports each.
 class CFruWriter {
   public:
     CFruWriter(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) : m_fru(fru), m_progress(progress) {}
@@ -59,12 +59,12 @@ class CFruWriter {
 
 /// Tells the host which FRU is being written, by its address whatever its name.
 void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
-    WCHAR address[PROGRESS_TEXT_SIZE] = {};
+    WCHAR address[ADDRESS_TEXT_SIZE] = {};
     WCHAR text[WRITING_TEXT_SIZE] = {};
     const WCHAR* addressFormat = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
     const WCHAR* textFormat = GetFormat(STRING_PROGRESS_WRITING_FRU, "w");
     if (addressFormat)
-        std::swprintf(address, PROGRESS_TEXT_SIZE, addressFormat, static_cast<unsigned>(locator.deviceId),
+        std::swprintf(address, ADDRESS_TEXT_SIZE, addressFormat, static_cast<unsigned>(locator.deviceId),
                       static_cast<unsigned>(locator.controller), static_cast<unsigned>(locator.deviceAddress),
                       static_cast<unsigned>(locator.bus));
     if (textFormat)
@@ -79,7 +79,7 @@ bool CFru::WriteAreas(const FRU_PROGRESS_CALLBACK& progress) {
     ReportFru(writer, m_locator);
     if (!writer.Write(m_header.GetData(), m_header.GetLength()))
         return false;
-    // The board area goes out with every commit: its date changes without marking it.
+    // Compatibility: the board area goes out with every commit, modified or not.
     if (!writer.WriteArea(m_internalUse, HasInternalArea() && m_internalUse.IsModified(),
                           STRING_PROGRESS_INTERNAL_USE) ||
         !writer.WriteArea(m_chassis, HasChassisArea() && m_chassis.IsModified(), STRING_PROGRESS_CHASSIS) ||

@@ -18,7 +18,7 @@ constexpr UINTN SDR_RECORD_SIZE = 255;
 constexpr UINTN SDR_ID_STRING_SIZE = 18;
 
 struct RECHDR {
-    UINT16 recordId; ///< in the reverse of the wire's byte order; informational
+    UINT16 recordId; ///< informational. Compatibility: in the reverse of the wire's byte order
     UINT8 sdrVersion;
     UINT8 recordType;
     UINT8 recordLength; ///< bytes after the header
