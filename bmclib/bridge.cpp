@@ -86,11 +86,11 @@ class CBridgedRequest {
     UINT8 m_Target;
     UINT32 m_WrappedSize;
     BMC_MESSAGE m_Message; // the wrapped request, which Get Message, having no data, leaves in place
-    BMC_MESSAGE m_Answer;
-    UINT32 m_AnswerUsed = RESPONSE_CAPACITY; // m_Answer has not been cleared yet
+    BMC_MESSAGE m_Answer = {};
+    UINT32 m_AnswerUsed = 0;
 };
 
-// The messages are not initialised: clearing 128 KiB would cost more than the request.
+// m_Message is not initialised: clearing 64 KiB would cost more than the request.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target)
     : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE) {

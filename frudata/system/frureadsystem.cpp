@@ -122,12 +122,12 @@ EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UI
 
 /// An info area on the device, and what is said of a failure.
 struct CFru::DEVICE_AREA {
-    const WCHAR* operation;
-    FRU_HEADER_BYTE place;
-    FRU_AREA area;
-    UINT16 room; ///< in bytes; a larger area is refused
-    const WCHAR* failure;
-    EFI_STATUS refused;
+    const WCHAR* operation = nullptr;
+    FRU_HEADER_BYTE place = FRU_HEADER_BOARD;
+    FRU_AREA area = FRU_AREA_NONE;
+    UINT16 room = 0; ///< in bytes; a larger area is refused
+    const WCHAR* failure = nullptr;
+    EFI_STATUS refused = FRU_STATUS_SUCCESS;
     /// None: no failure leaves a message, and a failed read is passed on as it is.
     std::optional<STRING_ID> message;
 };
