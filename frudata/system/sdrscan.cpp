@@ -42,7 +42,7 @@ bool Reserve() {
     return Exchange();
 }
 
-/// Asks for `count` bytes of a record with the reservation that RespMsg or `reservation` holds.
+/// Asks for `count` bytes of a record. `reservation` may lie in RespMsg.
 bool GetSdr(const UINT8* reservation, UINT32 id, UINTN offset, UINTN count) {
     BuildRequest(BMC_ADDRESS, NETFN_STORAGE, 0, COMMAND_GET_SDR,
                  {reservation[0], reservation[1], static_cast<UINT8>(id), static_cast<UINT8>(id >> 8),
