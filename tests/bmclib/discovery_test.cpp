@@ -85,6 +85,9 @@ struct FIRMWARE {
     stdout = fdopen(STDERR_FILENO, "w"); // not yet narrow, and what the test framework captures
     const int result = firmware.requests.empty() ? MainInit() : BmcLibInitialize();
     std::wprintf(L"%d %x", result, g_host.m_LastPort);
+    // What the host selects does not change the way that the discovery has found.
+    if (!firmware.requests.empty() && !SelectIPMIInterface(IPMI_INTERFACE_USB))
+        std::wprintf(L"; no session");
     static BMC_MESSAGE request;
     static BMC_MESSAGE response;
     for (const int responder : firmware.requests) {
