@@ -2,6 +2,7 @@
 // and a crash loses nothing.
 #include "frudata/debug.h"
 
+#include "common/allocate.h"
 #include "common/scopedfile.h"
 
 #include <cstdarg>
@@ -22,7 +23,7 @@ constexpr int BYTES_PER_ROW = 16;
 
 std::unique_ptr<char[]> ToMultibyte(const wchar_t* text) {
     const std::size_t size = std::wcslen(text) + 1;
-    std::unique_ptr<char[]> bytes(new (std::nothrow) char[size]());
+    std::unique_ptr<char[]> bytes = Frudata_Private::AllocateArray<char>(size);
     if (!bytes || std::wcstombs(bytes.get(), text, size - 1) == static_cast<std::size_t>(-1))
         return nullptr;
     return bytes;

@@ -1,5 +1,6 @@
 #include "common/stringresource.h"
 
+#include "common/allocate.h"
 #include "frudata/debug.h"
 
 #include <array>
@@ -32,8 +33,7 @@ bool ReadNumbers(std::FILE* file, UINT32* numbers, UINT32 count) {
 }
 
 template <typename ELEMENT> bool Allocate(std::unique_ptr<ELEMENT[]>& array, std::uint64_t count) {
-    if (count <= SIZE_MAX / sizeof(ELEMENT))
-        array.reset(new (std::nothrow) ELEMENT[static_cast<std::size_t>(count)]());
+    array = AllocateArray<ELEMENT>(count);
     return array != nullptr;
 }
 

@@ -1,4 +1,5 @@
 // Filling the lists of FRUs, choosing one, and carrying one FRU out again.
+#include "common/allocate.h"
 #include "common/assertion.h"
 #include "frudata/operation.h"
 #include "frudata/operations.h"
@@ -22,13 +23,13 @@ struct NARROW_NAME {
 NARROW_NAME ToNarrowName(const WCHAR* name) {
     const std::size_t length = std::wcstombs(nullptr, name, 0);
     if (length != static_cast<std::size_t>(-1)) {
-        NARROW_NAME narrow{std::unique_ptr<char[]>(new (std::nothrow) char[length + 1]()), true};
+        NARROW_NAME narrow{AllocateArray<char>(std::uint64_t{length} + 1), true};
         if (narrow.text)
             std::wcstombs(narrow.text.get(), name, length);
         return narrow;
     }
     const std::size_t characters = std::wcslen(name);
-    NARROW_NAME narrow{std::unique_ptr<char[]>(new (std::nothrow) char[characters + 1]()), false};
+    NARROW_NAME narrow{AllocateArray<char>(std::uint64_t{characters} + 1), false};
     for (std::size_t index = 0; narrow.text && index < characters; ++index)
         narrow.text[index] = name[index] > 0 && name[index] < 0x80 ? static_cast<char>(name[index]) : '?';
     return narrow;

@@ -1,5 +1,7 @@
 #include "frudata/areas/typelength.h"
 
+#include "common/allocate.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -25,9 +27,10 @@ std::unique_ptr<WCHAR[]> ToDisplayText(const UINT8* data) {
         bytes = "";
         length = 0;
     }
-    std::unique_ptr<WCHAR[]> text(new (std::nothrow) WCHAR[length + 1]);
+    std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(std::uint64_t{length} + 1);
+    // The last place stays 0: a text that ends inside a character is converted without a terminator.
     if (text)
-        std::mbstowcs(text.get(), bytes, length + 1);
+        std::mbstowcs(text.get(), bytes, length);
     return text;
 }
 

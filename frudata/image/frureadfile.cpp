@@ -192,10 +192,6 @@ READ_STATE CFruFileReader::Run() {
     const UINT32 lines = m_file.LineCount();
     for (m_line = 0; m_line < lines && state < READ_DONE; ++m_line) {
         const READ_STEP* step = &STEPS[state];
-        // The keys that can stand on the same line begin alike.
-        m_line = m_file.FindLine(m_line, *step->key);
-        if (m_line == lines)
-            break;
         if (step->isOptional && !m_file.LineContains(m_line, step->key))
             ++step;
         if (m_file.LineContains(m_line, step->key))
@@ -213,6 +209,10 @@ READ_STATE CFruFileReader::RefuseValue(const READ_STEP& step, STRING_ID name) co
 
 READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
     const char* text = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
+    // A line without quotes is misuse, which the setter asserts; a value that cannot be copied is refused.
+    std::string_view ignored;
+    if (!text && m_file.FindDelimitedString(m_line, FRU_SINGLE_QUOTE, ignored))
+        return RefuseValue(step, step.name);
     return (m_fru.GetFileHeader().*step.setText)(text) ? step.next : RefuseValue(step, step.name);
 }
 

@@ -1,4 +1,5 @@
 // Writing a FRU text file. Each section opens the file for itself and appends.
+#include "common/allocate.h"
 #include "common/lasterror.h"
 #include "frudata/image/fru.h"
 #include "frudata/image/textfilekeys.h"
@@ -51,7 +52,7 @@ void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
 std::unique_ptr<char[]> ToNarrowTitle(const WCHAR* title) {
     const std::size_t length = title ? std::wcstombs(nullptr, title, 0) : 0;
     const std::size_t size = length == static_cast<std::size_t>(-1) ? 1 : length + 1;
-    std::unique_ptr<char[]> text(new (std::nothrow) char[size]());
+    std::unique_ptr<char[]> text = AllocateArray<char>(size);
     if (text && size > 1)
         std::wcstombs(text.get(), title, size);
     return text;

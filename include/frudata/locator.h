@@ -41,12 +41,12 @@ struct FRU_LOCATOR {
     EFI_STATUS SetName(const WCHAR* text) {
         if (!text)
             return 1;
-        std::unique_ptr<WCHAR[]> old(name);
-        const std::size_t size = std::wcslen(text) + 1;
-        name = new (std::nothrow) WCHAR[size];
+        const std::unique_ptr<WCHAR[]> old(name);
+        const std::size_t length = std::wcslen(text);
+        name = NewText(length).release();
         if (!name)
             return FRU_STATUS_OUT_OF_MEMORY;
-        std::wmemcpy(name, text, size);
+        std::wmemcpy(name, text, length);
         return FRU_STATUS_SUCCESS;
     }
 
@@ -58,11 +58,19 @@ struct FRU_LOCATOR {
         const std::size_t length = text ? std::mbstowcs(nullptr, text, 0) : static_cast<std::size_t>(-1);
         if (length == static_cast<std::size_t>(-1))
             return 1;
-        std::unique_ptr<WCHAR[]> wide(new (std::nothrow) WCHAR[length + 1]);
+        const std::unique_ptr<WCHAR[]> wide = NewText(length);
         if (!wide)
             return 1;
-        std::mbstowcs(wide.get(), text, length + 1);
+        // The last place stays 0: a text that ends inside a character is converted without a terminator.
+        std::mbstowcs(wide.get(), text, length);
         return SetName(wide.get());
+    }
+
+  private:
+    /** Room for `length` characters and the 0 behind them, all 0. Sizes that no array can have are null, too. */
+    static std::unique_ptr<WCHAR[]> NewText(std::size_t length) {
+        return std::unique_ptr<WCHAR[]>(length < PTRDIFF_MAX / sizeof(WCHAR) ? new (std::nothrow) WCHAR[length + 1]()
+                                                                             : nullptr);
     }
 };
 

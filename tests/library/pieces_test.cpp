@@ -1,6 +1,7 @@
 // Tables of texts: which ones load, and which of their texts are used.
 #include "support.h"
 
+#include "common/allocate.h"
 #include "common/lasterror.h"
 
 namespace Frudata_Tests {
@@ -59,6 +60,13 @@ TEST_F(CPiecesTest, TextTablesAreChecked) {
     EXPECT_EQ(texts.Initialize(L"gone", 0), 4U);
     EXPECT_EQ(texts.Initialize(L"en", L"us", nullptr, 0), 1U);
     EXPECT_EQ(texts.Initialize(L"en", L"us", L"frudata/str/frudata.str", 139), 0U);
+}
+
+TEST_F(CPiecesTest, SizesThatNoArrayCanHaveAreRefused) {
+    EXPECT_EQ(AllocateArray<UINT32>(3)[2], 0U);
+    for (const std::uint64_t count :
+         {std::uint64_t{PTRDIFF_MAX} / 4 + 1, std::uint64_t{SIZE_MAX} / 4, std::uint64_t{SIZE_MAX} / 4 + 2, UINT64_MAX})
+        EXPECT_EQ(AllocateArray<UINT32>(count), nullptr) << count;
 }
 
 TEST_F(CPiecesTest, TextsWithOtherPlaceholdersThanTheirArgumentsAreNotUsed) {
