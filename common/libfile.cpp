@@ -1,6 +1,7 @@
 #include "common/libfile.h"
 
 #include "common/allocate.h"
+#include "common/openfile.h"
 
 #include <algorithm>
 #include <cstring>
@@ -36,7 +37,7 @@ template <typename VISITOR> void ForEachLine(char* line, char* end, VISITOR visi
 
 bool CFile::Open(const char* path) {
     Clear();
-    m_File.reset(std::fopen(path, "rb"));
+    m_File = OpenFile(path, 'r');
     if (m_File && LoadCache() && CutIntoLines())
         return true;
     Clear();

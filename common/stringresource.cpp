@@ -1,7 +1,7 @@
 #include "common/stringresource.h"
 
 #include "common/allocate.h"
-#include "frudata/debug.h"
+#include "common/openfile.h"
 
 #include <array>
 #include <cwchar>
@@ -66,7 +66,8 @@ UINT32 CStringResource::Load(const WCHAR* path, UINT32 expected) {
     if (!Allocate(m_path, std::wcslen(path) + 1))
         return STRING_RESOURCE_NO_MEMORY;
     std::wcscpy(m_path.get(), path);
-    m_file.reset(wfopen(m_path.get(), L"rb"));
+    if (const std::unique_ptr<char[]> narrowPath = ToMultibyte(path))
+        m_file = OpenFile(narrowPath.get(), 'r');
     if (!m_file)
         return STRING_RESOURCE_NOT_OPENED;
     if (const UINT32 result = CheckSum())

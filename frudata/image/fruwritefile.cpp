@@ -1,6 +1,7 @@
 // Writing a FRU text file. Each section opens the file for itself and appends.
 #include "common/allocate.h"
 #include "common/lasterror.h"
+#include "common/openfile.h"
 #include "frudata/image/fru.h"
 #include "frudata/image/textfilekeys.h"
 
@@ -12,8 +13,8 @@ CTrace Trace(const WCHAR* operation) {
     return {L"CFru", operation};
 }
 
-SCOPED_FILE OpenSection(const CTrace& trace, const char* path, const char* mode) {
-    SCOPED_FILE file(std::fopen(path, mode));
+SCOPED_FILE OpenSection(const CTrace& trace, const char* path, char mode) {
+    SCOPED_FILE file = OpenFile(path, mode);
     if (!file) {
         trace.Fail(L"Error Writing File");
         RecordLastError(STRING_FILE_NOT_WRITTEN, path);
@@ -22,7 +23,7 @@ SCOPED_FILE OpenSection(const CTrace& trace, const char* path, const char* mode)
 }
 
 SCOPED_FILE AppendSection(const CTrace& trace, const char* path) {
-    return OpenSection(trace, path, "a");
+    return OpenSection(trace, path, 'a');
 }
 
 /// Writes two digits and `separator`: most of a file is these, and formatting them would be most of its cost.
@@ -156,7 +157,7 @@ EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
         RecordLastError(STRING_OUT_OF_MEMORY);
         return trace.Fail(L"FRU Error Allocation", FRU_STATUS_OUT_OF_MEMORY);
     }
-    const SCOPED_FILE file = OpenSection(trace, path, "w");
+    const SCOPED_FILE file = OpenSection(trace, path, 'w');
     if (!file)
         return FRU_STATUS_FILE_CREATE_ERROR;
     WriteQuoted(file.get(), FRU_LF_NAME, path);
