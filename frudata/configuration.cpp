@@ -35,6 +35,11 @@ NARROW_NAME ToNarrowName(const WCHAR* name) {
     return narrow;
 }
 
+template <typename BODY>
+EFI_STATUS RunConfigurationOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
+    return RunOperation(name, need, body, TRACE_FIRST);
+}
+
 EFI_STATUS FailAllocation(const COperation& operation, EFI_STATUS status) {
     return operation.Fail(L"FRU Error Allocation", STRING_OUT_OF_MEMORY, status);
 }
@@ -64,7 +69,7 @@ void ReportLoaded() {
 using namespace Frudata_Private;
 
 EFI_STATUS SelectList(_EFI_FRU_INTERFACE*, int list) {
-    return RunOperation(L"SelectList", NEED_LOADED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"SelectList", NEED_LOADED, [&](const COperation& operation) {
         g_FruData->m_pCurrentList = nullptr;
         g_FruData->m_listType = FRU_LIST_NONE;
         g_FruData->ClearFru();
@@ -82,7 +87,7 @@ EFI_STATUS SelectList(_EFI_FRU_INTERFACE*, int list) {
 namespace Frudata_Public {
 
 EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
-    return RunOperation(L"LoadConfigurationFromSystem", NEED_INITIALIZED, [](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadConfigurationFromSystem", NEED_INITIALIZED, [](const COperation& operation) {
         // The BMC's own FRU device.
         const FRU_LOCATOR locator(0x20, 0, 0, 0xFF, 0, 0x20, 0, FRU_TYPE_IMBDEVICE);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
@@ -100,15 +105,16 @@ EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
 }
 
 EFI_STATUS LoadConfigurationFromFile(_EFI_FRU_INTERFACE* This, const WCHAR* fileName, const WCHAR*) {
-    return RunOperation(L"LoadConfigurationFromFile", NEED_INITIALIZED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadConfigurationFromFile", NEED_INITIALIZED, [&](const COperation& operation) {
         Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!fru || !name.text)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
         if (!name.isExact) {
+            operation.Trace().Fail(L"Unexpected");
             RecordLastError(STRING_FILE_NOT_OPENED, static_cast<const char*>(name.text.get()));
-            return operation.Trace().Fail(L"Unexpected", FRU_STATUS_FILE_READ_ERROR);
+            return EFI_STATUS{FRU_STATUS_FILE_READ_ERROR};
         }
         const EFI_STATUS status = fru->ReadFRUFromFile(name.text.get());
         if (status != FRU_STATUS_SUCCESS)
@@ -125,7 +131,7 @@ EFI_STATUS LoadConfigurationFromFile(_EFI_FRU_INTERFACE* This, const WCHAR* file
 
 EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress, UINT8 bus,
                             UINT8 controller, UINT8 deviceId, UINT8 mbmcSizeData, UINT16 mbmcSizeAddress) {
-    return RunOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
         const FRU_LOCATOR locator(deviceAddress, mbmcSizeData, mbmcSizeAddress, bus, deviceId, controller, lun, type);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         // Another status than its siblings': hosts tell a single device from a configuration by it.
@@ -143,7 +149,7 @@ EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8
 
 EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress,
                                              UINT8 bus, UINT8 controller, UINT8 deviceId) {
-    return RunOperation(L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
         const FRU_LOCATOR locator(deviceAddress, 0xFF, 0, bus, deviceId, controller, lun, type);
         UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
         const EFI_STATUS status = CFru::ReadDataFromFRU(&locator, 0, sizeof header, header);
@@ -165,22 +171,27 @@ EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type,
 }
 
 EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, const WCHAR* auxFileName) {
-    return RunOperation(L"SaveConfigurationToFile", NEED_FRU, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"SaveConfigurationToFile", NEED_FRU, [&](const COperation& operation) {
         Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
         Assert(!auxFileName, SOURCE_FILE, "!pAuxFileName");
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!name.text)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
         if (!name.isExact) {
+            operation.Trace().Fail(L"Error Writing File");
             RecordLastError(STRING_FILE_NOT_WRITTEN, static_cast<const char*>(name.text.get()));
-            return operation.Trace().Fail(L"Error Writing File", FRU_STATUS_FILE_CREATE_ERROR);
+            return EFI_STATUS{FRU_STATUS_FILE_CREATE_ERROR};
         }
-        return g_FruData->SelectedFru().SaveFRUToFile(name.text.get());
+        const EFI_STATUS status = g_FruData->SelectedFru().SaveFRUToFile(name.text.get());
+        // The exit is traced whatever comes out.
+        if (status != FRU_STATUS_SUCCESS)
+            operation.Trace().Exit();
+        return status;
     });
 }
 
 EFI_STATUS CommitConfigurationToSystem(_EFI_FRU_INTERFACE*) {
-    return RunOperation(L"CommitConfigurationToSystem", NEED_LOADED, [](const COperation& operation) {
+    return RunConfigurationOperation(L"CommitConfigurationToSystem", NEED_LOADED, [](const COperation& operation) {
         // A FRU read from a file has an address, but nobody has checked that it is this server's.
         if (g_FruData->m_listType != FRU_LIST_SYSTEM || g_FruData->m_nFru == CURSOR_NONE)
             return operation.FailUnexpected(FRU_STATUS_NO_SUCH_FIELD);

@@ -3,13 +3,16 @@
 namespace Frudata_Private {
 
 EFI_STATUS COperation::Fail(const WCHAR* reason, STRING_ID message, EFI_STATUS status) const {
-    m_trace.Fail(reason);
+    if (m_order == TRACE_FIRST)
+        m_trace.Fail(reason);
     RecordLastError(message);
+    if (m_order == RECORD_FIRST)
+        m_trace.Fail(reason);
     return status;
 }
 
 EFI_STATUS COperation::Check(OPERATION_NEED need) const {
-    if (!g_fInitialized)
+    if (g_startState != START_UP)
         return FRU_STATUS_NOT_INITIALIZED;
     const CFruData& state = *g_FruData;
     if (need == NEED_PROPERTIES)

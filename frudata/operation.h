@@ -19,10 +19,17 @@ enum OPERATION_NEED {
     NEED_PROPERTIES
 };
 
+/// What a failure does first; the record's own lines in the debug log show it.
+enum FAILURE_ORDER {
+    RECORD_FIRST, ///< the cursor, values and settings
+    TRACE_FIRST   ///< whole configurations
+};
+
 /// One call of one operation.
 class COperation {
   public:
-    explicit COperation(const WCHAR* name) : m_trace(L"FruData", name) {}
+    explicit COperation(const WCHAR* name, FAILURE_ORDER order = RECORD_FIRST)
+        : m_trace(L"FruData", name), m_order(order) {}
 
     /// Checks the state. A failure but the first is traced and recorded.
     /// @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED
@@ -35,11 +42,13 @@ class COperation {
 
   private:
     CTrace m_trace;
+    FAILURE_ORDER m_order;
 };
 
 /// Runs `body(operation)` where the checks pass, and traces the exit where it succeeds.
-template <typename BODY> EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
-    const COperation operation(name);
+template <typename BODY>
+EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body, FAILURE_ORDER order = RECORD_FIRST) {
+    const COperation operation(name, order);
     EFI_STATUS status = operation.Check(need);
     if (status == FRU_STATUS_SUCCESS)
         status = body(operation);

@@ -63,12 +63,10 @@ EFI_STATUS SelectProperty(_EFI_FRU_INTERFACE*, unsigned int index) {
 }
 
 EFI_STATUS GetPropertyTitle(_EFI_FRU_INTERFACE*, const WCHAR*& title) {
-    title = nullptr;
     return GetPropertyText(L"GetPropertyTitle", title, [](const auto& row) { return GetText(row.title); });
 }
 
 EFI_STATUS GetPropertyValue(_EFI_FRU_INTERFACE*, const WCHAR*& value) {
-    value = nullptr;
     return GetPropertyText(L"GetPropertyValue", value,
                            [](const auto& row) { return (g_FruData->m_properties.*row.value)(); });
 }

@@ -1,11 +1,11 @@
 #include "frudata/areas/boardinfoarea.h"
 
+#include "common/allocate.h"
 #include "common/lasterror.h"
 
 #include <cstring>
 #include <ctime>
 #include <cwchar>
-#include <new>
 
 namespace Frudata_Private {
 
@@ -87,7 +87,7 @@ bool CBoardInfoArea::getCurTimeInMfgDateTimeFormat(UINT8* out) const {
 }
 
 bool CBoardInfoArea::SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) {
-    if (SetMfgDateTime(data, length))
+    if (length == MFG_DATE_TIME_SIZE && SetMfgDateTime(data, length))
         return true;
     trace.Fail(L"Invalid Mfg Date Time");
     RecordLastError(STRING_INVALID_MFG_DATE_TIME);
@@ -104,8 +104,12 @@ std::unique_ptr<WCHAR[]> CBoardInfoArea::HeaderFieldText(const CTrace& trace) co
         return nullptr;
     }
     const WCHAR* format = GetFormat(STRING_DATE_TIME_FORMAT, "uuuuuu");
-    std::unique_ptr<WCHAR[]> text(format ? new (std::nothrow) WCHAR[DATE_TIME_TEXT_SIZE]() : nullptr);
-    if (text)
+    if (!format)
+        return nullptr;
+    std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(DATE_TIME_TEXT_SIZE);
+    if (!text)
+        RefuseNoMemory(trace);
+    else
         std::swprintf(text.get(), DATE_TIME_TEXT_SIZE, format, time->tm_mon + 1, time->tm_mday, time->tm_year + 1900,
                       time->tm_hour, time->tm_min, time->tm_sec);
     return text;

@@ -124,6 +124,8 @@ class CInfoArea : public CFruArea {
     UINT8 GetHeaderByte(const WCHAR* operation, UINTN place) const;
     bool SetHeaderByte(const WCHAR* operation, UINTN place, UINT8 value);
 
+    /// Reports that there is no memory for the text of a fixed field.
+    void RefuseNoMemory(const CTrace& trace) const;
     /// Sets the field that lies in the header. `trace` is the caller's, for a failure.
     virtual bool SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) = 0;
     /// The display text of the field that lies in the header, or null.

@@ -35,6 +35,13 @@ bool CInfoArea::RefuseMissing(const CTrace& trace) const {
     return false;
 }
 
+void CInfoArea::RefuseNoMemory(const CTrace& trace) const {
+    if (m_description.valueNoMemory) {
+        trace.Fail(m_description.valueNoMemory);
+        RecordLastError(STRING_OUT_OF_MEMORY);
+    }
+}
+
 bool CInfoArea::SetField(UINTN index, const UINT8* data, UINTN length, FRU_FIELD_TYPE type) {
     const INFO_AREA_FIELD& row = m_description.fields[index];
     CFruField& field = m_fields[index];
@@ -43,7 +50,7 @@ bool CInfoArea::SetField(UINTN index, const UINT8* data, UINTN length, FRU_FIELD
         return RefuseNull(trace);
     if (length > MAX_FIELD_LENGTH || !HasRoom(length, field.GetTypeLength()))
         return RefuseTooLong(trace, row.title);
-    if (!field.Assign(static_cast<UINT8>(type | length), data)) {
+    if (!field.Assign(type, static_cast<UINT8>(length), data)) {
         if (m_description.tooLong) {
             trace.Fail(L"FRU Error Allocation");
             RecordLastError(STRING_OUT_OF_MEMORY);

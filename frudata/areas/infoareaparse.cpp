@@ -47,9 +47,10 @@ bool CInfoArea::ParseField(const UINT8* data, UINTN length, UINTN& index, CFruFi
     if (index >= length)
         return false;
     const UINT8 typeLength = data[index];
-    const UINTN end = index + 1 + DecodeLength(typeLength);
+    const UINT8 fieldLength = DecodeLength(typeLength);
+    const UINTN end = index + 1 + fieldLength;
     // Something must follow a field: the next one or the end marker.
-    if (end >= length || !field.Assign(typeLength, data + index + 1))
+    if (end >= length || !field.Assign(typeLength & FIELD_TYPE_MASK, fieldLength, data + index + 1))
         return false;
     index = end;
     return trace.Exit(true);

@@ -8,15 +8,14 @@
 
 namespace Frudata_Private {
 
-bool CFruField::Assign(UINT8 typeLength, const UINT8* data) {
-    const UINTN length = DecodeLength(typeLength);
-    std::unique_ptr<UINT8[]> copy(new (std::nothrow) UINT8[length + 1]);
+bool CFruField::Assign(int type, UINT8 length, const UINT8* data) {
+    std::unique_ptr<UINT8[]> copy(new (std::nothrow) UINT8[length + 1U]);
     if (!copy)
         return false;
     std::memcpy(copy.get(), data, length);
     copy[length] = 0;
     m_data = std::move(copy);
-    m_typeLength = typeLength;
+    m_typeLength = static_cast<UINT8>(type | length);
     return true;
 }
 

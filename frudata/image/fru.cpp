@@ -41,6 +41,15 @@ CFruArea* CFru::GetFieldArea(FRU_AREA area) {
     return GetInfoArea(area);
 }
 
+CFruHeader& CFru::GetFRUHeader() {
+    Trace(L"GetFRUHeader").Exit();
+    return m_header;
+}
+
+FRU_LOCATOR* CFru::GetDevLocator() {
+    return Trace(L"GetDevLocator").Exit(&m_locator);
+}
+
 EFI_STATUS CFru::GetFruNameString(const WCHAR*& name) const {
     const CTrace trace = Trace(L"GetFruNameString");
     name = m_locator.name;
@@ -60,6 +69,7 @@ EFI_STATUS CFru::CreateFruList() {
 }
 
 EFI_STATUS CFru::LoadFromFile(std::FILE*) {
+    Trace(L"LoadFromFile");
     FailAssertion(SOURCE_FILE, "0");
 }
 
@@ -136,8 +146,9 @@ EFI_STATUS CFru::SetMultiRecArea(const UINT8* data, UINTN length, bool modified)
     m_multiRecLength = static_cast<UINT16>(length);
     const EFI_STATUS status = DecodeMultiRecArea(data);
     if (status != FRU_STATUS_SUCCESS) {
+        trace.Fail(L"Unexpected");
         RecordLastError(STRING_UNEXPECTED);
-        return trace.Fail(L"Unexpected", status);
+        return status;
     }
     m_multiRecModified = modified;
     return trace.Exit(status);
@@ -195,16 +206,13 @@ const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* b
     if (!locator || !buffer || bufferBytes < SMALLEST_IDENTIFIER_BYTES)
         return L"";
     const std::size_t size = static_cast<std::size_t>(bufferBytes) / sizeof(WCHAR);
-    if (locator->name) {
+    std::wmemset(buffer, 0, size);
+    // A text that is too long is cut at the buffer's end.
+    if (locator->name)
         std::wcsncpy(buffer, locator->name, size - 1);
-    } else {
-        const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
-        if (!format ||
-            std::swprintf(buffer, size, format, static_cast<unsigned>(locator->deviceId),
-                          static_cast<unsigned>(locator->controller), static_cast<unsigned>(locator->deviceAddress),
-                          static_cast<unsigned>(locator->bus)) < 0)
-            buffer[0] = 0;
-    }
+    else if (const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu"))
+        std::swprintf(buffer, size, format, UINT32{locator->deviceId}, UINT32{locator->controller},
+                      UINT32{locator->deviceAddress}, UINT32{locator->bus});
     buffer[size - 1] = 0;
     return trace.Exit(static_cast<const WCHAR*>(buffer));
 }

@@ -33,8 +33,8 @@ class CFru {
 
     // --- Image ------------------------------------------------------------------------------------
 
-    CFruHeader& GetFRUHeader() { return m_header; }
-    FRU_LOCATOR* GetDevLocator() { return &m_locator; }
+    CFruHeader& GetFRUHeader();
+    FRU_LOCATOR* GetDevLocator();
     CFileHeader& GetFileHeader() { return m_fileHeader; }
     CInternalUseArea& GetInternalUseArea() { return m_internalUse; }
     CChassisInfoArea& GetChassisInfoArea() { return m_chassis; }

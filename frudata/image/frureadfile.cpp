@@ -307,8 +307,9 @@ EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
     Assert(filename != nullptr, SOURCE_FILE, "filename");
     CFile file;
     if (!file.Open(filename)) {
+        trace.Fail(L"Unexpected");
         RecordLastError(STRING_FILE_NOT_OPENED, filename);
-        return trace.Fail(L"Unexpected", FRU_STATUS_FILE_READ_ERROR);
+        return FRU_STATUS_FILE_READ_ERROR;
     }
     file.StripRightFromSequence(FRU_COMMENT);
     file.Strip();

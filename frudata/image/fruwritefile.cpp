@@ -103,7 +103,8 @@ EFI_STATUS SaveInfoArea(const CTrace& trace, const char* path, const char* tag, 
         WriteByte(file.get(), header[place], place == 3 || place == 4 ? ' ' : '\n');
     area.ForEachField([&file](UINT8 typeLength, const UINT8* data) {
         WriteByte(file.get(), typeLength, '\n');
-        WriteDataToFRUFile(file.get(), data, typeLength);
+        if (typeLength != END_OF_FIELDS)
+            WriteDataToFRUFile(file.get(), data, typeLength);
     });
     std::fprintf(file.get(), "%02X\n\n", END_OF_FIELDS);
     return trace.Exit(FRU_STATUS_SUCCESS);
@@ -154,8 +155,9 @@ EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
     const CTrace trace = Trace(L"SaveFRUFileHeader");
     const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
     if (!title) {
+        trace.Fail(L"FRU Error Allocation");
         RecordLastError(STRING_OUT_OF_MEMORY);
-        return trace.Fail(L"FRU Error Allocation", FRU_STATUS_OUT_OF_MEMORY);
+        return FRU_STATUS_OUT_OF_MEMORY;
     }
     const SCOPED_FILE file = OpenSection(trace, path, 'w');
     if (!file)

@@ -2,6 +2,7 @@
 #ifndef FRUDATA_LOCATOR_H
 #define FRUDATA_LOCATOR_H
 
+#include "frudata/debug.h"
 #include "frudata/types.h"
 
 #include <cstdlib>
@@ -25,11 +26,15 @@ struct FRU_LOCATOR {
     FRU_TYPE type;          /**< access path */
     WCHAR* name;            /**< display name or null; owned by the record */
 
+    /** Takes the fields in their order. `displayName` is copied; without memory for it the record has no name. */
     explicit FRU_LOCATOR(UINT8 address = 0x20, UINT8 sizeData = 0xFF, UINT16 sizeAddress = 0, UINT8 busNumber = 0xFF,
                          UINT8 id = 0, UINT8 accessController = 0x20, UINT8 logicalUnit = 0,
-                         FRU_TYPE accessType = FRU_TYPE_IMBDEVICE)
+                         FRU_TYPE accessType = FRU_TYPE_IMBDEVICE, const WCHAR* displayName = nullptr)
         : deviceAddress(address), mbmcSizeData(sizeData), mbmcSizeAddress(sizeAddress), bus(busNumber), deviceId(id),
-          controller(accessController), lun(logicalUnit), type(accessType), name(nullptr) {}
+          controller(accessController), lun(logicalUnit), type(accessType), name(nullptr) {
+        if (displayName)
+            SetName(displayName);
+    }
     FRU_LOCATOR(const FRU_LOCATOR&) = delete;
     FRU_LOCATOR& operator=(const FRU_LOCATOR&) = delete;
     ~FRU_LOCATOR() { std::unique_ptr<WCHAR[]>{name}; }
@@ -39,6 +44,7 @@ struct FRU_LOCATOR {
      * @return 0; 1 for a null text (nothing changes); FRU_STATUS_OUT_OF_MEMORY (the old name is gone)
      */
     EFI_STATUS SetName(const WCHAR* text) {
+        Dbg(L"FRU_LOCATOR::SetName [ENTRY]", 3);
         if (!text)
             return 1;
         const std::unique_ptr<WCHAR[]> old(name);
@@ -47,6 +53,7 @@ struct FRU_LOCATOR {
         if (!name)
             return FRU_STATUS_OUT_OF_MEMORY;
         std::wmemcpy(name, text, length);
+        Dbg(L"FRU_LOCATOR::SetName [EXIT]", 3);
         return FRU_STATUS_SUCCESS;
     }
 
