@@ -38,7 +38,7 @@ class CLogFile {
 
 void WriteRow(FILE* file, const unsigned char* row) {
     for (int column = 0; column < BYTES_PER_ROW; ++column) {
-        // 0xCC is what fresh memory holds on the hosts that these dumps come from.
+        // Compatibility: 0xCC shows as blanks.
         if (row[column] == 0xCC)
             std::fwprintf(file, L"   ");
         else
@@ -109,7 +109,7 @@ FILE* wfopen(const wchar_t* path, const wchar_t* mode) {
 }
 
 void PrintBuffer(const wchar_t* title, const unsigned char* data, int length) {
-    // "%s" takes multibyte text: of a wide title only the leading byte shows. Hosts compare this output.
+    // Compatibility: "%s" takes multibyte text, so that only the leading byte of a wide title shows.
     std::wprintf(L"%s", reinterpret_cast<const char*>(title));
     for (int offset = 0; offset < length; ++offset)
         std::wprintf(L" %02X", data[offset]);

@@ -12,7 +12,7 @@ namespace Frudata_Private {
 namespace {
 
 constexpr char SOURCE_FILE[] = "frudata.cpp";
-constexpr std::size_t PROGRESS_TEXT_SIZE = 256;
+constexpr std::size_t LOADED_TEXT_SIZE = 256;
 
 /// A file name in the current locale's multibyte form.
 struct NARROW_NAME {
@@ -55,9 +55,9 @@ bool AddToList(OrderedList<CFru*>& list, std::unique_ptr<CFru>& fru) {
 void ReportLoaded() {
     const unsigned int frus = g_FruData->m_pSystemList->Count();
     const unsigned int locators = g_FruData->m_pLocatorList->Count();
-    WCHAR text[PROGRESS_TEXT_SIZE] = {};
+    WCHAR text[LOADED_TEXT_SIZE] = {};
     if (const WCHAR* format = GetFormat(STRING_PROGRESS_LOADED, "uu"))
-        std::swprintf(text, PROGRESS_TEXT_SIZE, format, frus, locators);
+        std::swprintf(text, LOADED_TEXT_SIZE, format, frus, locators);
     // Without a test: setting the callback first is the host's part.
     g_FruData->m_pfnProgress(PROGRESS_CALLBACK_LOAD, text, frus, locators);
 }
@@ -134,7 +134,7 @@ EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8
     return RunConfigurationOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
         const FRU_LOCATOR locator(deviceAddress, mbmcSizeData, mbmcSizeAddress, bus, deviceId, controller, lun, type);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
-        // Another status than its siblings': hosts tell a single device from a configuration by it.
+        // Compatibility: another status than its siblings'.
         if (!fru)
             return FailAllocation(operation, FRU_STATUS_MEMORY_ALLOCATION_ERROR);
         const EFI_STATUS status = fru->LoadFromSystem(&locator);

@@ -118,7 +118,7 @@ EFI_STATUS GetFieldStringValue(_EFI_FRU_INTERFACE*, const WCHAR*& value) {
     return RunOperation(L"GetFieldStringValue", NEED_FIELD, [&](const COperation& operation) {
         value = nullptr;
         CFruArea* area = g_FruData->SelectedFru().GetFieldArea(g_FruData->m_area);
-        // Unlike its siblings, this operation has always answered so.
+        // Compatibility: another status than its siblings'.
         if (!area)
             return operation.Fail(L"Unsupported", STRING_UNSUPPORTED, FRU_STATUS_NO_SUCH_FIELD);
         value = area->GetFieldValueFromIndex(g_FruData->m_nField);

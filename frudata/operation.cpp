@@ -15,8 +15,6 @@ EFI_STATUS COperation::Check(OPERATION_NEED need) const {
     if (g_startState != START_UP)
         return FRU_STATUS_NOT_INITIALIZED;
     const CFruData& state = *g_FruData;
-    if (need == NEED_PROPERTIES)
-        return state.m_fPropertiesLoaded ? FRU_STATUS_SUCCESS : FailUnexpected(FRU_STATUS_NOT_LOADED);
     if (need >= NEED_LOADED && !state.m_fLoaded)
         return FailUnexpected(FRU_STATUS_NOT_LOADED);
     const bool isSelected =

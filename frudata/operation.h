@@ -7,16 +7,14 @@
 
 namespace Frudata_Private {
 
-/// What an operation needs, each level including those before it, except that the properties need no
-/// loaded configuration.
+/// What an operation needs, each level including those before it.
 enum OPERATION_NEED {
     NEED_INITIALIZED,
     NEED_LOADED,
     NEED_LIST,
     NEED_FRU,
     NEED_AREA,
-    NEED_FIELD,
-    NEED_PROPERTIES
+    NEED_FIELD
 };
 
 /// What a failure does first; the record's own lines in the debug log show it.
@@ -52,9 +50,7 @@ EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body, FAILU
     EFI_STATUS status = operation.Check(need);
     if (status == FRU_STATUS_SUCCESS)
         status = body(operation);
-    if (status == FRU_STATUS_SUCCESS)
-        operation.Trace().Exit();
-    return status;
+    return operation.Trace().End(status);
 }
 
 } // namespace Frudata_Private

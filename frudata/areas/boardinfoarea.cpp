@@ -11,9 +11,8 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr UINTN MFG_DATE_TIME_SIZE = 3;
-/// 1995-12-31 00:00 UTC in seconds since 1970. The origin lies one day before the standard's: every board
-/// stamped and every date shown since the first release counts from here.
+// Compatibility: dates count from one day before the standard's origin, 1996-01-01.
+/// 1995-12-31 00:00 UTC in seconds since 1970.
 constexpr std::int32_t MFG_DATE_TIME_ORIGIN = 820368000;
 constexpr std::size_t DATE_TIME_TEXT_SIZE = 256;
 
@@ -30,8 +29,8 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .firstField = FRU_FIELD_BOARD_MFG_DATE_TIME,
     .fields = FIELDS,
     .customTitle = STRING_BOARD_CUSTOM_FIELD,
-    .headerSize = 6,
-    .headerFieldOffset = 3,
+    .headerSize = BOARD_HEADER_SIZE,
+    .headerFieldOffset = HEADER_MFG_DATE_TIME,
     .headerFieldSize = MFG_DATE_TIME_SIZE,
     .headerFieldMarksModified = false,
     .customFieldsMarkModified = true,
@@ -39,10 +38,12 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .assertsPadding = true,
     .customIndexCondition = "nIndexOfFieldToGet <= m_NumOfCustomFields",
     .customPositionCondition = "nCurFieldIndex < m_NumOfCustomFields",
+    .reportsRefusals = true,
     .tooLong = L"FRU Data too long",
     .valueNoMemory = L"FRU Error allocation",
     .customValueNoMemory = nullptr,
 };
+static_assert(IsWithinCapacity(DESCRIPTION));
 
 } // namespace
 

@@ -185,7 +185,7 @@ bool CInfoArea::GetFieldData(UINTN index, const UINT8*& data, UINTN& length) con
         length = DecodeLength(m_fields[index].GetTypeLength());
         return trace.Exit(true);
     }
-    // Hosts count on what this walk has always done: behind the head it never gets past the second field.
+    // Compatibility: every custom index after the first returns the second custom field.
     const CFruCustomField* field = nullptr;
     if (index - fixedFields < m_custom.GetCount())
         field = m_custom.Find(index == fixedFields ? 0 : 1);

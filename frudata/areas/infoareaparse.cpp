@@ -33,7 +33,7 @@ bool CInfoArea::ParseHeader(const UINT8* data, UINTN length) {
     if (AreaLength() < length || AreaLength() > INFO_AREA_SIZE || length <= HEADER_LANGUAGE_OR_TYPE)
         return false;
     m_header[HEADER_LANGUAGE_OR_TYPE] = data[HEADER_LANGUAGE_OR_TYPE];
-    if (m_description.headerSize == HEADER_MFG_DATE_TIME)
+    if (m_description.headerSize == OTHER_HEADER_SIZE)
         return true;
     if (length <= m_description.headerSize)
         return false;

@@ -31,6 +31,9 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
+    /// The trace of one of its operations.
+    static CTrace TraceOf(const WCHAR* operation) { return {L"CFru", operation}; }
+
     // --- Image ------------------------------------------------------------------------------------
 
     CFruHeader& GetFRUHeader();

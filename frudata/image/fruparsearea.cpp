@@ -121,7 +121,7 @@ CAreaBlock g_areaBlock;
 } // namespace
 
 EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
-    const CTrace trace(L"CFru", L"ParseArea");
+    const CTrace trace = TraceOf(L"ParseArea");
     g_areaBlock.Clear();
     if (!file.LineContains(line, tag))
         return trace.Fail(L"Missing Area Tag", FRU_STATUS_MISSING_AREA_TAG);
@@ -152,7 +152,7 @@ void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, co
         {FRU_STATUS_UNEXPECTED_CHARACTER, L"Unexpected Character", STRING_FILE_UNEXPECTED_CHARACTER},
         {FRU_STATUS_SUCCESS, L"Area Parse Error", STRING_FILE_AREA_INVALID}, // every other failure
     };
-    const CTrace trace(L"CFru", L"SetParseAreaErrorMessage");
+    const CTrace trace = TraceOf(L"SetParseAreaErrorMessage");
     Assert(status != FRU_STATUS_SUCCESS, SOURCE_FILE, "status");
     const auto* row = MESSAGES;
     while (row->status != FRU_STATUS_SUCCESS && row->status != status)

@@ -302,7 +302,7 @@ READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
 } // namespace
 
 EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
-    const CTrace trace(L"CFru", L"ReadFRUFromFile");
+    const CTrace trace = TraceOf(L"ReadFRUFromFile");
     Assert(filename != nullptr, SOURCE_FILE, "filename");
     CFile file;
     if (!file.Open(filename)) {

@@ -37,7 +37,7 @@ struct FRU_LOCATOR {
     }
     FRU_LOCATOR(const FRU_LOCATOR&) = delete;
     FRU_LOCATOR& operator=(const FRU_LOCATOR&) = delete;
-    ~FRU_LOCATOR() { std::unique_ptr<WCHAR[]>{name}; }
+    ~FRU_LOCATOR() { std::default_delete<WCHAR[]>()(name); }
 
     /**
      * Replaces the name by a copy of `text`.
@@ -47,12 +47,14 @@ struct FRU_LOCATOR {
         Dbg(L"FRU_LOCATOR::SetName [ENTRY]", 3);
         if (!text)
             return 1;
-        const std::unique_ptr<WCHAR[]> old(name);
         const std::size_t length = std::wcslen(text);
-        name = NewText(length).release();
+        std::unique_ptr<WCHAR[]> copy = NewText(length);
+        if (copy)
+            std::wmemcpy(copy.get(), text, length); // which may be the old name
+        std::default_delete<WCHAR[]>()(name);
+        name = copy.release();
         if (!name)
             return FRU_STATUS_OUT_OF_MEMORY;
-        std::wmemcpy(name, text, length);
         Dbg(L"FRU_LOCATOR::SetName [EXIT]", 3);
         return FRU_STATUS_SUCCESS;
     }
