@@ -40,6 +40,8 @@ class CFile {
     /// A copy of the same, valid until the next call; null without delimiters or without memory.
     const char* GetDelimitedString(UINT32 line, char delimiter);
 
+    // The reader strips whole files and looks into single lines; the rest is for hosts of the class.
+
     /// Remove leading, trailing, or both kinds of blanks and tabs, of one line or of all.
     void StripLeft(UINT32 line);
     void StripRight(UINT32 line);

@@ -101,9 +101,9 @@ constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PL
     return true;
 }
 
-/// Whether `text` can be given to a wide printf function with `arguments`: a text comes from a file that anyone may have
-/// written, and one placeholder too many or of another type would make printf read what was never passed. It may leave
-/// out the last arguments, but none before one that it takes: of that one's place printf could not know.
+/// Whether `text` can be given to a wide printf function with `arguments`: a text comes from a file that anyone may
+/// have written, and one placeholder too many or of another type would make printf read what was never passed. It may
+/// leave out the last arguments, but none before one that it takes: of that one's place printf could not know.
 template <typename CHARACTER> constexpr bool PlaceholdersFit(const CHARACTER* text, const char* arguments) {
     PLACEHOLDERS all;
     return ReadPlaceholders(text, arguments, all) && (all.used & (all.used + 1)) == 0;

@@ -35,8 +35,7 @@ NARROW_NAME ToNarrowName(const WCHAR* name) {
     return narrow;
 }
 
-template <typename BODY>
-EFI_STATUS RunConfigurationOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
+template <typename BODY> EFI_STATUS RunConfigurationOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
     return RunOperation(name, need, body, TRACE_FIRST);
 }
 
@@ -149,25 +148,26 @@ EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8
 
 EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress,
                                              UINT8 bus, UINT8 controller, UINT8 deviceId) {
-    return RunConfigurationOperation(L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
-        const FRU_LOCATOR locator(deviceAddress, 0xFF, 0, bus, deviceId, controller, lun, type);
-        UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
-        const EFI_STATUS status = CFru::ReadDataFromFRU(&locator, 0, sizeof header, header);
-        if (status != FRU_STATUS_SUCCESS) {
-            RecordLastError(STRING_DEVICE_NOT_READ);
-            return status;
-        }
-        if ((header[FRU_HEADER_FORMAT_VERSION] & FRU_HEADER_VERSION_MASK) != FRU_HEADER_VERSION)
-            return operation.Fail(L"Not IPMI FRU", STRING_NOT_IPMI_FRU, FRU_STATUS_NOT_IPMI_FRU);
-        if (CFru::CalculateChecksum(header, sizeof header) != 0) {
-            operation.Trace().Fail(L"Invalid Header Area");
-            WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
-            RecordLastError(STRING_INVALID_HEADER,
-                            CFru::GetFriendlyFruIdentifier(&locator, identifier, FRU_IDENTIFIER_BYTES));
-            return FRU_STATUS_CHECKSUM_ERROR;
-        }
-        return FRU_STATUS_SUCCESS;
-    });
+    return RunConfigurationOperation(
+        L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
+            const FRU_LOCATOR locator(deviceAddress, 0xFF, 0, bus, deviceId, controller, lun, type);
+            UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
+            const EFI_STATUS status = CFru::ReadDataFromFRU(&locator, 0, sizeof header, header);
+            if (status != FRU_STATUS_SUCCESS) {
+                RecordLastError(STRING_DEVICE_NOT_READ);
+                return status;
+            }
+            if ((header[FRU_HEADER_FORMAT_VERSION] & FRU_HEADER_VERSION_MASK) != FRU_HEADER_VERSION)
+                return operation.Fail(L"Not IPMI FRU", STRING_NOT_IPMI_FRU, FRU_STATUS_NOT_IPMI_FRU);
+            if (CFru::CalculateChecksum(header, sizeof header) != 0) {
+                operation.Trace().Fail(L"Invalid Header Area");
+                WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
+                RecordLastError(STRING_INVALID_HEADER,
+                                CFru::GetFriendlyFruIdentifier(&locator, identifier, FRU_IDENTIFIER_BYTES));
+                return FRU_STATUS_CHECKSUM_ERROR;
+            }
+            return FRU_STATUS_SUCCESS;
+        });
 }
 
 EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, const WCHAR* auxFileName) {

@@ -180,9 +180,8 @@ EFI_STATUS GetAreaSize(_EFI_FRU_INTERFACE* This, unsigned int& size) {
 EFI_STATUS GetAreaData(_EFI_FRU_INTERFACE* This, UINT8* buffer, unsigned int& length) {
     const UINTN capacity = length;
     length = 0;
-    return RunAreaOperation(L"GetAreaData", This && buffer, [&](CFru& fru, FRU_AREA area) {
-        return CopyArea(fru, area, buffer, capacity, length);
-    });
+    return RunAreaOperation(L"GetAreaData", This && buffer,
+                            [&](CFru& fru, FRU_AREA area) { return CopyArea(fru, area, buffer, capacity, length); });
 }
 
 EFI_STATUS SetAreaData(_EFI_FRU_INTERFACE* This, const UINT8* data, unsigned int length) {

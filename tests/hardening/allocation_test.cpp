@@ -130,6 +130,14 @@ TEST_P(CAllocation, EveryOperation) {
         "Initialize", {FRU_STATUS_SUCCESS, FRU_STATUS_INIT_FAILED}, [this] { m_table->DeInitialize(m_table); },
         [this] { return m_table->Initialize(m_table, 0); }, nothing);
     FailEach(
+        "Initialize, again", {FRU_STATUS_SUCCESS, FRU_STATUS_INIT_FAILED}, again,
+        [this] { return m_table->Initialize(m_table, 0); },
+        [this](EFI_STATUS status) {
+            bool isLoaded = false;
+            Require(m_table->IsLoaded(m_table, isLoaded) == (status == 0 ? 0 : FRU_STATUS_NOT_INITIALIZED),
+                    "half a start");
+        });
+    FailEach(
         "SetLanguageLocale", {FRU_STATUS_SUCCESS, FRU_STATUS_MEMORY_ALLOCATION_ERROR, FRU_STATUS_STRING_RESOURCE_ERROR},
         again, [this] { return m_table->SetLanguageLocale(m_table, L"en", L"us"); },
         [this](EFI_STATUS) {
@@ -178,6 +186,7 @@ TEST_P(CAllocation, EveryOperation) {
 
 TEST_P(CAllocation, EveryValue) {
     constexpr FRU_AREA AREAS[] = {FRU_AREA_INTERNAL_USE, FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT};
+    bool isMissing = false;
     for (const FRU_AREA area : AREAS) {
         FailEach(
             "text of area " + std::to_string(area), {FRU_STATUS_SUCCESS},
@@ -185,17 +194,24 @@ TEST_P(CAllocation, EveryValue) {
                 LoadAgain();
                 Select(0, area);
             },
-            [this] {
+            [&, this] {
                 const WCHAR* text = nullptr;
                 unsigned int fields = 0;
                 EFI_STATUS status = m_table->GetNumberOfFields(m_table, fields);
+                isMissing = false;
                 for (unsigned int field = 0; field < fields && status == 0; ++field) {
                     m_table->SelectFieldInteger(m_table, field);
                     status = m_table->GetFieldStringValue(m_table, text);
+                    isMissing = isMissing || !text;
                 }
                 return status;
             },
-            [](EFI_STATUS) {}, area == FRU_AREA_INTERNAL_USE ? 1 : 0);
+            [&, this](EFI_STATUS) {
+                const WCHAR* message = nullptr;
+                m_table->GetLastErrorMessage(m_table, message);
+                Require(!isMissing || message || area == FRU_AREA_CHASSIS, "a missing text without a message");
+            },
+            area == FRU_AREA_INTERNAL_USE ? 1 : 0);
     }
     std::string before;
     const auto select = [&](FRU_AREA area) {
