@@ -29,10 +29,13 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
+    /// The trace of one of its operations.
+    static CTrace TraceOf(const WCHAR* operation) { return {L"CFru", operation}; }
+
     // --- Image ------------------------------------------------------------------------------------
 
-    CFruHeader& GetFRUHeader() { return m_header; }
-    FRU_LOCATOR* GetDevLocator() { return &m_locator; }
+    CFruHeader& GetFRUHeader();
+    FRU_LOCATOR* GetDevLocator();
     CFileHeader& GetFileHeader() { return m_fileHeader; }
     CInternalUseArea& GetInternalUseArea() { return m_internalUse; }
     CChassisInfoArea& GetChassisInfoArea() { return m_chassis; }
