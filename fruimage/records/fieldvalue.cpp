@@ -32,7 +32,7 @@ std::int64_t Least(const FIELD_ROW& row) {
 }
 
 std::string WithUnit(const FIELD_ROW& row, std::string text) {
-    return *row.unit ? std::move(text) + " " + row.unit : text;
+    return *row.unit.name ? std::move(text) + " " + row.unit.name : text;
 }
 
 void SetNamed(RECORD_FIELD& field, FIELD_VALUE value, const char* name) {
@@ -55,11 +55,11 @@ void SetCount(RECORD_FIELD& field, const FIELD_ROW& row, std::uint32_t number) {
     std::int64_t count = number;
     if (count > Greatest(row))
         count -= std::int64_t{1} << row.place.bits;
-    if (row.decimals > 0)
-        field.value = DECIMAL{count, row.decimals};
+    if (row.unit.places > 0)
+        field.value = DECIMAL{count, row.unit.places};
     else
         field.value = count;
-    field.bare = DecimalText(count, row.decimals);
+    field.bare = DecimalText(count, row.unit.places);
     field.display = WithUnit(row, field.bare);
 }
 
@@ -115,9 +115,9 @@ std::optional<std::int64_t> ParseCount(const FIELD_ROW& row, std::string_view te
     case FIELD_KIND::CODE:
         return ParseInteger(text);
     default:
-        if (*row.unit && text.ends_with(row.unit))
-            text = TrimSpaces(text.substr(0, text.size() - std::string_view(row.unit).size()));
-        return ParseDecimal(text, row.decimals);
+        if (const std::string_view unit = row.unit.name; text.ends_with(unit))
+            text = TrimSpaces(text.substr(0, text.size() - unit.size()));
+        return ParseDecimal(text, row.unit.places);
     }
 }
 
@@ -165,7 +165,7 @@ RECORD_FIELD ReadField(const FIELD_ROW& row, BYTE_VIEW data) {
     RECORD_FIELD field;
     field.key = row.key;
     field.title = row.title;
-    field.unit = row.unit;
+    field.unit = row.unit.name;
     field.offset = row.place.offset;
     field.size = row.place.IsRest() ? data.size() - row.place.offset : row.place.Size();
     if (IsBytes(row.kind))
@@ -204,8 +204,8 @@ std::string AcceptedValues(const FIELD_ROW& row) {
     case FIELD_KIND::ENUMERATION:
         return Alternatives(row.names);
     default: {
-        std::string range =
-            WithUnit(row, DecimalText(Least(row), row.decimals) + " to " + DecimalText(Greatest(row), row.decimals));
+        std::string range = WithUnit(row, DecimalText(Least(row), row.unit.places) + " to " +
+                                              DecimalText(Greatest(row), row.unit.places));
         return row.names.empty() ? range : range + ", or " + Alternatives(row.names);
     }
     }

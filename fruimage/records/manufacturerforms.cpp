@@ -13,7 +13,7 @@ constexpr std::uint32_t VITA = 0x0012A2;
 constexpr NUMBER_NAME MANUFACTURERS[] = {{PICMG, "PICMG"}, {VITA, "VITA"}};
 constexpr PLACE MANUFACTURER = Bits(0, 0, 24);
 constexpr FIELD_ROW MANUFACTURER_HEAD[] = {
-    {"manufacturer-id", "Manufacturer ID", MANUFACTURER, IDENTIFIER, "", 0, MANUFACTURERS}};
+    {"manufacturer-id", "Manufacturer ID", MANUFACTURER, IDENTIFIER, NO_UNIT, MANUFACTURERS}};
 constexpr FIELD_ROW MANUFACTURER_DATA[] = {{"data", "Data", Rest(3), BINARY}};
 
 // PICMG 3.0 (AdvancedTCA), AMC.0, MTCA.0 and MTCA.4.
@@ -22,7 +22,7 @@ constexpr FIELD_ROW PICMG_HEAD[] = {
     {"format-version", "Record format version", Byte(4)},
 };
 constexpr FIELD_ROW PICMG_DATA[] = {{"data", "Data", Rest(5), BINARY}};
-constexpr FIELD_ROW CURRENT_DRAW[] = {{"current-draw", "Current draw at 12 V", Byte(5), UNSIGNED, "A", 1}};
+constexpr FIELD_ROW CURRENT_DRAW[] = {{"current-draw", "Current draw at 12 V", Byte(5), UNSIGNED, {"A", 1}}};
 constexpr FIELD_ROW POINT_TO_POINT[] = {
     {"oem-guid-count", "OEM GUID count", Byte(5)},
     {"data", "Data", Rest(6), BINARY},
@@ -44,20 +44,20 @@ constexpr NUMBER_NAME SUB_TYPES[] = {{0, "main definition"}, {1, "I2C devices"}}
 constexpr NUMBER_NAME MODULE_SIZES[] = {{0, "single width"}, {1, "double width"}};
 constexpr NUMBER_NAME CONNECTORS[] = {{0, "low pin count"}, {1, "high pin count"}, {3, "not populated"}};
 constexpr FIELD_ROW VITA_HEAD[] = {
-    {"sub-type", "Sub-type", Bits(3, 4, 4), ENUMERATION, "", 0, SUB_TYPES},
+    {"sub-type", "Sub-type", Bits(3, 4, 4), ENUMERATION, NO_UNIT, SUB_TYPES},
     {"version", "Version", Bits(3, 0, 4)},
 };
 constexpr FIELD_ROW VITA_MAIN[] = {
-    {"module-size", "Module size", Bits(4, 6, 2), ENUMERATION, "", 0, MODULE_SIZES},
-    {"p1-connector", "P1 connector", Bits(4, 4, 2), ENUMERATION, "", 0, CONNECTORS},
-    {"p2-connector", "P2 connector", Bits(4, 2, 2), ENUMERATION, "", 0, CONNECTORS, 3},
+    {"module-size", "Module size", Bits(4, 6, 2), ENUMERATION, NO_UNIT, MODULE_SIZES},
+    {"p1-connector", "P1 connector", Bits(4, 4, 2), ENUMERATION, NO_UNIT, CONNECTORS},
+    {"p2-connector", "P2 connector", Bits(4, 2, 2), ENUMERATION, NO_UNIT, CONNECTORS, 3},
     {"p1-bank-a-signals", "P1 bank A signals", Byte(5)},
     {"p1-bank-b-signals", "P1 bank B signals", Byte(6)},
     {"p2-bank-a-signals", "P2 bank A signals", Byte(7)},
     {"p2-bank-b-signals", "P2 bank B signals", Byte(8)},
     {"p1-transceivers", "P1 gigabit transceivers", Bits(9, 4, 4)},
     {"p2-transceivers", "P2 gigabit transceivers", Bits(9, 0, 4)},
-    {"tck-limit", "Maximum TCK clock", Byte(10), UNSIGNED, "MHz"},
+    {"tck-limit", "Maximum TCK clock", Byte(10), UNSIGNED, {"MHz"}},
 };
 constexpr FIELD_ROW VITA_DATA[] = {{"data", "Data", Rest(4), BINARY}};
 constexpr FORM_MATCH IS_VITA[] = {{MANUFACTURER, VITA}};

@@ -58,13 +58,19 @@ struct NUMBER_NAME {
 };
 using NUMBER_NAMES = std::span<const NUMBER_NAME>;
 
+/// What a number counts: steps of 10^-places of what `name` stands for. {"V", 2} is 10 mV.
+struct UNIT {
+    const char* name = "";
+    std::uint8_t places = 0;
+};
+inline constexpr UNIT NO_UNIT = {};
+
 struct FIELD_ROW {
     const char* key;
     const char* title;
     PLACE place;
     FIELD_KIND kind = FIELD_KIND::UNSIGNED;
-    const char* unit = "";
-    std::uint8_t decimals = 0; ///< the unit is counted in steps of 10^-decimals: 2 for a voltage in 10 mV
+    UNIT unit = {};
     NUMBER_NAMES names = {};
     std::uint32_t initial = 0; ///< the number in a new record
 };
@@ -72,8 +78,8 @@ using FIELD_ROWS = std::span<const FIELD_ROW>;
 
 /// Several fields in one line for people: `pattern` has their keys in braces, the last at its end.
 struct LINE_ROW {
-    const char* title;
-    const char* pattern;
+    const char* title = "";
+    const char* pattern = "";
     bool restNeedsFirst = false; ///< where the first field has no value, the others mean nothing
 };
 

@@ -102,7 +102,7 @@ RECORD_RESULT Refuse(std::string_view key, const std::string& reason) {
 RECORD_DESCRIPTION DescribeForm(const RECORD_FORM& form) {
     RECORD_DESCRIPTION description{form.title, form.firstType, form.lastType, {}};
     ForEachRow(form, [&](const FIELD_ROW& row) {
-        description.fields.push_back({row.key, row.title, row.unit, AcceptedValues(row)});
+        description.fields.push_back({row.key, row.title, row.unit.name, AcceptedValues(row)});
     });
     return description;
 }

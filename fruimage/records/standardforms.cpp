@@ -7,6 +7,16 @@ namespace {
 
 using enum FIELD_KIND;
 
+constexpr UNIT WATTS = {"W"};
+constexpr UNIT VOLT_AMPERES = {"VA"};
+constexpr UNIT AMPERES = {"A"};
+constexpr UNIT CENTIVOLTS = {"V", 2};
+constexpr UNIT MILLIVOLTS = {"mV"};
+constexpr UNIT MILLISECONDS = {"ms"};
+constexpr UNIT SECONDS = {"s"};
+constexpr UNIT HERTZ = {"Hz"};
+constexpr UNIT ROTATIONS = {"rotations/s"};
+
 constexpr const char* NOT_SPECIFIED = "not specified";
 constexpr NUMBER_NAME NO_BYTE[] = {{0xFF, NOT_SPECIFIED}};
 constexpr NUMBER_NAME NO_WORD[] = {{0xFFFF, NOT_SPECIFIED}};
@@ -20,28 +30,28 @@ constexpr NUMBER_NAME VOLTAGES[] = {{0, "12 V"}, {1, "-12 V"}, {2, "5 V"}, {3, "
 
 // Section 18.1.
 constexpr FIELD_ROW POWER_SUPPLY[] = {
-    {"rated-capacity", "Rated capacity", Bits(0, 0, 12), UNSIGNED, "W"},
-    {"peak-va", "Peak VA", Word(2), UNSIGNED, "VA", 0, NO_WORD, 0xFFFF},
-    {"inrush-current", "Inrush current", Byte(4), UNSIGNED, "A", 0, NO_BYTE, 0xFF},
-    {"inrush-interval", "Inrush interval", Byte(5), UNSIGNED, "ms"},
-    {"voltage-1-low", "Voltage 1, low end", Word(6), UNSIGNED, "V", 2},
-    {"voltage-1-high", "Voltage 1, high end", Word(8), UNSIGNED, "V", 2},
-    {"voltage-2-low", "Voltage 2, low end", Word(10), UNSIGNED, "V", 2},
-    {"voltage-2-high", "Voltage 2, high end", Word(12), UNSIGNED, "V", 2},
-    {"frequency-low", "Input frequency, low end", Byte(14), UNSIGNED, "Hz", 0, DC_INPUT},
-    {"frequency-high", "Input frequency, high end", Byte(15), UNSIGNED, "Hz", 0, DC_INPUT},
-    {"dropout-tolerance", "Dropout tolerance", Byte(16), UNSIGNED, "ms"},
+    {"rated-capacity", "Rated capacity", Bits(0, 0, 12), UNSIGNED, WATTS},
+    {"peak-va", "Peak VA", Word(2), UNSIGNED, VOLT_AMPERES, NO_WORD, 0xFFFF},
+    {"inrush-current", "Inrush current", Byte(4), UNSIGNED, AMPERES, NO_BYTE, 0xFF},
+    {"inrush-interval", "Inrush interval", Byte(5), UNSIGNED, MILLISECONDS},
+    {"voltage-1-low", "Voltage 1, low end", Word(6), UNSIGNED, CENTIVOLTS},
+    {"voltage-1-high", "Voltage 1, high end", Word(8), UNSIGNED, CENTIVOLTS},
+    {"voltage-2-low", "Voltage 2, low end", Word(10), UNSIGNED, CENTIVOLTS},
+    {"voltage-2-high", "Voltage 2, high end", Word(12), UNSIGNED, CENTIVOLTS},
+    {"frequency-low", "Input frequency, low end", Byte(14), UNSIGNED, HERTZ, DC_INPUT},
+    {"frequency-high", "Input frequency, high end", Byte(15), UNSIGNED, HERTZ, DC_INPUT},
+    {"dropout-tolerance", "Dropout tolerance", Byte(16), UNSIGNED, MILLISECONDS},
     {"predictive-fail", "Predictive fail support", Bits(17, 0), FLAG},
     {"power-factor-correction", "Power factor correction", Bits(17, 1), FLAG},
     {"autoswitch", "Autoswitch", Bits(17, 2), FLAG},
     {"hot-swap", "Hot swap support", Bits(17, 3), FLAG},
-    {"predictive-fail-signal", "Predictive fail signal", Bits(17, 4), ENUMERATION, "", 0, PREDICTIVE_FAIL_SIGNALS},
-    {"peak-wattage", "Peak wattage", Bits(18, 0, 12), UNSIGNED, "W", 0, NO_PEAK, 0xFFF},
-    {"hold-up-time", "Hold-up time", Bits(18, 12, 4), UNSIGNED, "s"},
-    {"combined-voltage-1", "Combined wattage, voltage 1", Bits(20, 4, 4), ENUMERATION, "", 0, VOLTAGES},
-    {"combined-voltage-2", "Combined wattage, voltage 2", Bits(20, 0, 4), ENUMERATION, "", 0, VOLTAGES},
-    {"combined-wattage", "Combined wattage", Word(21), UNSIGNED, "W", 0, NO_COMBINATION},
-    {"tachometer-threshold", "Tachometer lower threshold", Byte(23), UNSIGNED, "rotations/s", 0, PASS_FAIL},
+    {"predictive-fail-signal", "Predictive fail signal", Bits(17, 4), ENUMERATION, NO_UNIT, PREDICTIVE_FAIL_SIGNALS},
+    {"peak-wattage", "Peak wattage", Bits(18, 0, 12), UNSIGNED, WATTS, NO_PEAK, 0xFFF},
+    {"hold-up-time", "Hold-up time", Bits(18, 12, 4), UNSIGNED, SECONDS},
+    {"combined-voltage-1", "Combined wattage, voltage 1", Bits(20, 4, 4), ENUMERATION, NO_UNIT, VOLTAGES},
+    {"combined-voltage-2", "Combined wattage, voltage 2", Bits(20, 0, 4), ENUMERATION, NO_UNIT, VOLTAGES},
+    {"combined-wattage", "Combined wattage", Word(21), UNSIGNED, WATTS, NO_COMBINATION},
+    {"tachometer-threshold", "Tachometer lower threshold", Byte(23), UNSIGNED, ROTATIONS, PASS_FAIL},
 };
 constexpr LINE_ROW POWER_SUPPLY_LINES[] = {
     {"Voltage 1 range", "{voltage-1-low} to {voltage-1-high}"},
@@ -59,14 +69,14 @@ constexpr FIELD_ROW OUTPUT_HEAD[] = {
 constexpr NUMBER_NAME CURRENT_UNITS[] = {{0, "10 mA"}, {1, "100 mA"}};
 constexpr FIELD_ROW EXTENDED_OUTPUT_HEAD[] = {
     {"output-number", "Output number", Bits(0, 0, 4)},
-    {"current-unit", "Current unit", Bits(0, 4), ENUMERATION, "", 0, CURRENT_UNITS},
+    {"current-unit", "Current unit", Bits(0, 4), ENUMERATION, NO_UNIT, CURRENT_UNITS},
     {"standby", "Standby", Bits(0, 7), FLAG},
 };
 constexpr FIELD_ROW OUTPUT_VOLTAGES[] = {
-    {"nominal-voltage", "Nominal voltage", Word(1), SIGNED, "V", 2},
-    {"negative-deviation", "Maximum negative deviation", Word(3), SIGNED, "V", 2},
-    {"positive-deviation", "Maximum positive deviation", Word(5), SIGNED, "V", 2},
-    {"ripple", "Ripple and noise", Word(7), UNSIGNED, "mV"},
+    {"nominal-voltage", "Nominal voltage", Word(1), SIGNED, CENTIVOLTS},
+    {"negative-deviation", "Maximum negative deviation", Word(3), SIGNED, CENTIVOLTS},
+    {"positive-deviation", "Maximum positive deviation", Word(5), SIGNED, CENTIVOLTS},
+    {"ripple", "Ripple and noise", Word(7), UNSIGNED, MILLIVOLTS},
 };
 constexpr LINE_ROW OUTPUT_LINES[] = {
     {"Voltage deviation", "{negative-deviation} to {positive-deviation}"},
@@ -75,25 +85,25 @@ constexpr LINE_ROW OUTPUT_LINES[] = {
 constexpr FIELD_ROW LOAD_HEAD[] = {{"output-number", "Output number", Bits(0, 0, 4)}};
 constexpr FIELD_ROW EXTENDED_LOAD_HEAD[] = {
     {"output-number", "Output number", Bits(0, 0, 4)},
-    {"current-unit", "Current unit", Bits(0, 4), ENUMERATION, "", 0, CURRENT_UNITS},
+    {"current-unit", "Current unit", Bits(0, 4), ENUMERATION, NO_UNIT, CURRENT_UNITS},
 };
 constexpr FIELD_ROW LOAD_VOLTAGES[] = {
-    {"nominal-voltage", "Nominal voltage", Word(1), SIGNED, "V", 2},
-    {"minimum-voltage", "Minimum voltage", Word(3), SIGNED, "V", 2},
-    {"maximum-voltage", "Maximum voltage", Word(5), SIGNED, "V", 2},
-    {"ripple", "Ripple and noise", Word(7), UNSIGNED, "mV"},
+    {"nominal-voltage", "Nominal voltage", Word(1), SIGNED, CENTIVOLTS},
+    {"minimum-voltage", "Minimum voltage", Word(3), SIGNED, CENTIVOLTS},
+    {"maximum-voltage", "Maximum voltage", Word(5), SIGNED, CENTIVOLTS},
+    {"ripple", "Ripple and noise", Word(7), UNSIGNED, MILLIVOLTS},
 };
 constexpr LINE_ROW LOAD_LINES[] = {
     {"Voltage range", "{minimum-voltage} to {maximum-voltage}"},
     {"Current", "{minimum-current} to {maximum-current}"},
 };
-constexpr std::array<FIELD_ROW, 2> Currents(const char* unit, std::uint8_t decimals) {
-    return {{{"minimum-current", "Minimum current", Word(9), UNSIGNED, unit, decimals},
-             {"maximum-current", "Maximum current", Word(11), UNSIGNED, unit, decimals}}};
+constexpr std::array<FIELD_ROW, 2> Currents(UNIT unit) {
+    return {{{"minimum-current", "Minimum current", Word(9), UNSIGNED, unit},
+             {"maximum-current", "Maximum current", Word(11), UNSIGNED, unit}}};
 }
-constexpr auto MILLIAMPERES = Currents("mA", 0);
-constexpr auto TEN_MILLIAMPERES = Currents("A", 2);
-constexpr auto HUNDRED_MILLIAMPERES = Currents("A", 1);
+constexpr auto MILLIAMPERES = Currents({"mA"});
+constexpr auto TEN_MILLIAMPERES = Currents({"A", 2});
+constexpr auto HUNDRED_MILLIAMPERES = Currents({"A", 1});
 constexpr FORM_MATCH IN_HUNDRED_MILLIAMPERES[] = {{Bits(0, 4), 1}};
 
 // Section 18.4.
@@ -102,7 +112,7 @@ constexpr NUMBER_NAME SUB_TYPES[] = {
     {4, "component URL"},         {5, "component name"}, {6, "component ping address"},
     {7, "system UUID"},
 };
-constexpr FIELD_ROW SUB_TYPE[] = {{"sub-type", "Sub-type", Byte(0), ENUMERATION, "", 0, SUB_TYPES, 1}};
+constexpr FIELD_ROW SUB_TYPE[] = {{"sub-type", "Sub-type", Byte(0), ENUMERATION, NO_UNIT, SUB_TYPES, 1}};
 constexpr FIELD_ROW SYSTEM_URL[] = {{"system-url", "System management URL", Rest(1), TEXT}};
 constexpr FIELD_ROW SYSTEM_NAME[] = {{"system-name", "System name", Rest(1), TEXT}};
 constexpr FIELD_ROW SYSTEM_PING[] = {{"system-ping-address", "System ping address", Rest(1), TEXT}};

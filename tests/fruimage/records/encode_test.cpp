@@ -97,6 +97,10 @@ TEST(DescribeRecord, NamesEachFieldOnceAndEveryFormHasARow) {
 TEST(NewRecord, KnowsNothingYet) {
     EXPECT_EQ(NewRecord(0x00), FromHex("00 00 FF FF FF 00 00 00 00 00 00 00 00 00 00 00 00 00 FF 0F 00 00 00 00"));
     EXPECT_EQ(NewRecord(0x03), FromHex("01"));
+    for (int type = 0; type <= 0xFF; ++type)
+        EXPECT_TRUE(
+            DecodeRecord(static_cast<std::uint8_t>(type), NewRecord(static_cast<std::uint8_t>(type))).notes.empty())
+            << type;
 }
 
 } // namespace
