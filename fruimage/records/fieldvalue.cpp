@@ -2,6 +2,8 @@
 
 #include "fruimage/records/text.h"
 
+#include <charconv>
+
 namespace FruImage {
 
 namespace {
@@ -144,6 +146,18 @@ std::string Alternatives(NUMBER_NAMES names) {
 }
 
 } // namespace
+
+std::string DECIMAL::Text() const {
+    return DecimalText(number, places);
+}
+
+double DECIMAL::Number() const {
+    // A quotient would have the x87's excess precision where that computes it.
+    const std::string text = Text();
+    double nearest = 0;
+    std::from_chars(text.data(), text.data() + text.size(), nearest);
+    return nearest;
+}
 
 std::uint32_t ReadNumber(PLACE place, BYTE_VIEW data) {
     std::uint64_t number = 0;

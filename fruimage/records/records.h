@@ -23,6 +23,8 @@ struct DECIMAL {
 
     /// With all its places: "100.00".
     std::string Text() const;
+    /// The nearest double, which prints as the same number.
+    double Number() const;
     bool operator==(const DECIMAL&) const = default;
 };
 

@@ -77,6 +77,8 @@ TEST(DecodeRecord, GivesValuesWithTheirTypes) {
     EXPECT_EQ(value(0x00, "EE 02", "rated-capacity"), FIELD_VALUE(std::int64_t{750}));
     EXPECT_EQ(value(0x00, "EE 02 FF FF", "peak-va"), FIELD_VALUE());
     EXPECT_EQ(value(0x01, "80 50 FB", "nominal-voltage"), FIELD_VALUE(DECIMAL{-1200, 2}));
+    EXPECT_EQ((DECIMAL{-1201, 2}.Text()), "-12.01");
+    EXPECT_EQ((DECIMAL{-1201, 2}.Number()), -12.01);
     EXPECT_EQ(value(0x01, "80", "standby"), FIELD_VALUE(true));
     EXPECT_EQ(value(0x03, "02 61", "sub-type"), FIELD_VALUE(std::string("system name")));
     EXPECT_EQ(value(0x03, "09", "sub-type"), FIELD_VALUE(std::int64_t{9}));
