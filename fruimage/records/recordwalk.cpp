@@ -56,13 +56,11 @@ FIELD_ROW OtherData(const EXTENT& extent) {
 }
 
 std::vector<std::string> Notes(const EXTENT& extent, std::size_t size) {
-    if (size < extent.described)
-        return {"the record is shorter than its type says: " + std::to_string(size) + " bytes instead of " +
-                std::to_string(extent.described)};
-    if (size > extent.described && !extent.isOpen)
-        return {"the record is longer than its type says: " + std::to_string(size) + " bytes instead of " +
-                std::to_string(extent.described)};
-    return {};
+    const bool isShorter = size < extent.described;
+    if (!isShorter && (size == extent.described || extent.isOpen))
+        return {};
+    return {std::string("the record is ") + (isShorter ? "shorter" : "longer") + " than its type says: length " +
+            std::to_string(size) + " instead of " + std::to_string(extent.described)};
 }
 
 /// Appends the initial values of the fields for which `data` is too short.

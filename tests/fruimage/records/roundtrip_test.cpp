@@ -47,12 +47,12 @@ const ROUND_TRIP ROUND_TRIPS[] = {
      "tachometer-threshold=pass/fail signal"},
     {"power supply cut inside its second field", 0x00, "EE 02 2C", "Power supply information",
      "Rated capacity: 750 W; Other data: 2C", "rated-capacity=750; other-data=2C",
-     "the record is shorter than its type says: 3 bytes instead of 24"},
+     "the record is shorter than its type says: length 3 instead of 24"},
     {"power supply cut inside a pair: no shared line", 0x00, "00 00 2C 03 1E 05 10 27 9C", "Power supply information",
      "Rated capacity: 0 W; Peak VA: 812 VA; Inrush current: 30 A; Inrush interval: 5 ms; Voltage 1, low end: 100.00 V; "
      "Other data: 9C",
      "rated-capacity=0; peak-va=812; inrush-current=30; inrush-interval=5; voltage-1-low=100.00; other-data=9C",
-     "the record is shorter than its type says: 9 bytes instead of 24"},
+     "the record is shorter than its type says: length 9 instead of 24"},
     {"DC output, negative voltage, standby", 0x01, "8F 50 FB B0 FF 50 00 78 00 E8 03 24 F4", "DC output",
      "Output number: 15; Standby: yes; Nominal voltage: -12.00 V; Voltage deviation: -0.80 V to 0.80 V; Ripple and "
      "noise: 120 mV; Current: 1000 mA to 62500 mA",
@@ -63,7 +63,7 @@ const ROUND_TRIP ROUND_TRIPS[] = {
      "mA to 3000 mA; Other data: AB CD",
      "output-number=2; nominal-voltage=3.30; minimum-voltage=3.09; maximum-voltage=3.51; ripple=50; minimum-current=0; "
      "maximum-current=3000; other-data=AB CD",
-     "the record is longer than its type says: 15 bytes instead of 13"},
+     "the record is longer than its type says: length 15 instead of 13"},
     {"extended DC output in 100 mA", 0x09, "91 B0 04 C4 FF 3C 00 78 00 0A 00 24 F4", "Extended DC output",
      "Output number: 1; Current unit: 100 mA; Standby: yes; Nominal voltage: 12.00 V; Voltage deviation: -0.60 V to "
      "0.60 V; Ripple and noise: 120 mV; Current: 1.0 A to 6250.0 A",
@@ -107,7 +107,7 @@ const ROUND_TRIP ROUND_TRIPS[] = {
     {"ASF", 0x07, "01", "ASF legacy device alerts", "Data: 01", "data=01"},
     {"reserved type", 0x7F, "01 02", "Record of an unknown type", "Data: 01 02", "data=01 02"},
     {"record without data", 0xC1, "", "Manufacturer record", "", "",
-     "the record is shorter than its type says: 0 bytes instead of 3"},
+     "the record is shorter than its type says: length 0 instead of 3"},
     {"manufacturer without a name", 0xD2, "57 01 00 CA FE", "Manufacturer record", "Manufacturer ID: 343; Data: CA FE",
      "manufacturer-id=343; data=CA FE"},
     {"PICMG module current requirements", 0xC0, "5A 31 00 16 00 1E", "Module current requirements (PICMG)",
