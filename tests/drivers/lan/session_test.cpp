@@ -227,8 +227,9 @@ TEST_F(Session, TheLibraryLoadsAndCommitsOverIt) {
     UseLanSession(nullptr, nullptr);
     EXPECT_NE(load(0x20), 0U);
     fru->DeInitialize(fru);
-    const ANSWER device = session.Ask(0x0A, 0x11, {0, 0, 0, 100});
-    EXPECT_NE(std::string(device.data.begin(), device.data.end()).find("RACK7"), std::string::npos);
+    const ANSWER device = session.Ask(0x0A, 0x11, {0, 8, 0, LAN_SAFE_ANSWER_SIZE - 1});
+    EXPECT_NE(std::string(device.data.begin(), device.data.end()).find("RACK7"), std::string::npos)
+        << testing::PrintToString(device.data);
 }
 
 } // namespace
