@@ -113,6 +113,28 @@ TEST_F(Faults, SpoiledPacketsNeverPassForAnAnswer) {
         }
 }
 
+TEST_F(Faults, AControllerThatNeverAnswersEndsTheRequestInTime) {
+    for (const bool isIpmi15 : {false, true}) {
+        std::atomic<unsigned int> answers = 0;
+        std::atomic<bool> bridging = false;
+        // The BMC acknowledges Send Message, then hands the answer on: that one is lost each time.
+        const CRelay relay(m_server->Port(), [&](BYTES& packet, bool toServer, unsigned int) {
+            if (bridging && !toServer && ++answers % 2 == 0)
+                packet.clear();
+        });
+        const CSession session(Options(relay.Port(), isIpmi15));
+        ASSERT_EQ(session.Result(), LAN_OK) << session.OpenMessage();
+        bridging = true;
+        int result = LAN_OK;
+        EXPECT_LT(Time([&] {
+                      result = session.Ask(0x06, 0x34, {0x40, 0x30, 0x18, 0xB8, 0x20, 0x16, 0x01, 0xC9}, 250).result;
+                  }),
+                  milliseconds(550));
+        EXPECT_EQ(result, LAN_ERR_SESSION);
+        EXPECT_GE(answers, 2U);
+    }
+}
+
 TEST_F(Faults, ASessionOfSpoiledPacketsIsNotOpened) {
     const CRelay relay(m_server->Port(), [](BYTES& packet, bool toServer, unsigned int number) {
         if (!toServer && number > 1)
