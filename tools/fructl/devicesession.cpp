@@ -1,5 +1,6 @@
 #include "tools/fructl/devicesession.h"
 
+#include "tools/fructl/eeprom.h"
 #include "tools/fructl/loaded.h"
 #include "tools/fructl/session.h"
 
@@ -45,6 +46,8 @@ void PrepareSteps(const FRU& fru, const EDITS& edits, const PROGRESS& report) {
 } // namespace
 
 BYTES ReadDevice(const SOURCE& source, std::size_t atLeast, const PROGRESS& progress) {
+    if (source.isEeprom)
+        return CEeprom(source.label).Read();
     return RunSession(
                source.label,
                [&](const PROGRESS& report) {
@@ -56,6 +59,8 @@ BYTES ReadDevice(const SOURCE& source, std::size_t atLeast, const PROGRESS& prog
 }
 
 void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {
+    if (source.isEeprom)
+        return CEeprom(source.label).Write(bytes, known, progress);
     RunSession(
         source.label,
         [&](const PROGRESS& report) {

@@ -1,8 +1,17 @@
 #include "tools/fructl/loaded.h"
 
+#include "tools/fructl/files.h"
 #include "tools/fructl/toolerror.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace Fructl {
 
@@ -51,6 +60,22 @@ void MarkProduct(const CLibrary& library, const FRU& fru, const EDITS& edits) {
                      "every fixed field of this area is binary, BCD or 6-bit: set one in the same call");
 }
 
+/// The library reads a file by its name; what can be read only once is given to it as a file in memory.
+void LoadText(const CLibrary& library, const std::string& name, const BYTES& bytes) {
+    std::error_code ignored;
+    if (name != STANDARD_STREAM && std::filesystem::is_regular_file(name, ignored))
+        return library.LoadFile(name);
+    const int file = memfd_create("fructl-text", 0);
+    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        throw CToolError(EXIT_REFUSED, name, std::strerror(errno));
+    try {
+        library.LoadFile(fmt::format("/proc/self/fd/{}", file));
+    } catch (CToolError& error) {
+        error.m_what = name;
+        throw;
+    }
+}
+
 } // namespace
 
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
@@ -62,11 +87,11 @@ std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
 
 std::unique_ptr<CLibrary> LoadedLibrary(const CONTENTS& contents) {
     const SOURCE& source = contents.source;
-    if (source.kind == SOURCE::IMAGE)
+    if (source.kind == SOURCE::IMAGE || source.isEeprom)
         return ImageLibrary(contents);
     if (source.kind == SOURCE::TEXT) {
         auto library = std::make_unique<CLibrary>(CLibrary::NO_BMC);
-        library->LoadFile(source.label);
+        LoadText(*library, source.label, contents.bytes);
         return library;
     }
     auto library = std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);

@@ -1,7 +1,6 @@
 #include "tools/fructl/open.h"
 
 #include "tools/fructl/devicesession.h"
-#include "tools/fructl/files.h"
 #include "tools/fructl/imagesession.h"
 #include "tools/fructl/textfile.h"
 
@@ -12,7 +11,7 @@ CONTENTS Open(const SOURCE& source) {
     if (source.kind == SOURCE::DEVICE)
         contents.bytes = ReadDevice(source, 0);
     else
-        contents.bytes = ReadFile(source.label);
+        contents.bytes = std::move(contents.source.bytes);
     if (source.kind == SOURCE::TEXT) {
         TEXT_FRU text = ParseTextFile(std::string(contents.bytes.begin(), contents.bytes.end()));
         contents.fru = std::move(text.fru);
