@@ -52,6 +52,8 @@ class CLibrary {
     std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };
 
+/// Why a request got no answer, in the words of the way taken.
+std::string TransportText(int status);
 /// UTF-8 of a text of the library; empty for null.
 std::string Utf8(const WCHAR* text);
 

@@ -68,10 +68,13 @@ void LoadText(const CLibrary& library, const std::string& name, const BYTES& byt
     const int file = memfd_create("fructl-text", 0);
     if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
         throw CToolError(EXIT_REFUSED, name, std::strerror(errno));
+    const std::string path = fmt::format("/proc/self/fd/{}", file);
     try {
-        library.LoadFile(fmt::format("/proc/self/fd/{}", file));
+        library.LoadFile(path);
     } catch (CToolError& error) {
         error.m_what = name;
+        for (std::size_t at = 0; (at = error.m_why.find(path, at)) != std::string::npos; at += name.size())
+            error.m_why.replace(at, path.size(), name);
         throw;
     }
 }
