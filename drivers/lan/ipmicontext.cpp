@@ -12,20 +12,16 @@ namespace Frudata_Driver {
 namespace {
 
 constexpr UINT8 COMMAND_GET_DEVICE_ID = 0x01;
-constexpr UINT8 SUITE_SHA256 = 17;
-constexpr UINT8 SUITE_SHA1 = 3;
+// With HMAC-SHA256 and HMAC-SHA1, both with AES-CBC-128 (IPMI 2.0, section 22.15.2).
+constexpr UINT8 BEST_SUITE = 17;
+constexpr UINT8 OTHER_SUITE = 3;
+constexpr int OPENINGS = 2;
 // More than any message of a session holds.
 constexpr std::size_t ANSWER_CAPACITY = 4096;
 constexpr int ANSWER_COMPLETION_CODE = 1;
 constexpr int ANSWER_DATA = 2;
 
-/// Why a session was not opened: libfreeipmi's number, ours, and what is said behind the host's name.
-struct REFUSAL {
-    int number;
-    LAN_RESULT result;
-    const char* text;
-};
-
+constexpr const char* NO_MEMORY = "out of memory";
 constexpr const char* SILENT = "no answer";
 constexpr const char* NO_USER = "unknown user";
 constexpr const char* NO_PASSWORD = "wrong password";
@@ -50,7 +46,7 @@ constexpr REFUSAL REFUSALS[] = {
     {IPMI_ERR_SESSION_TIMEOUT, LAN_ERR_NO_ANSWER, "no answer while the session was opened"},
     {IPMI_ERR_BMC_BUSY, LAN_ERR_NO_ANSWER, "the BMC is busy, or all its sessions are taken"},
     {IPMI_ERR_HOSTNAME_INVALID, LAN_ERR_NAME, "no such host"},
-    {IPMI_ERR_OUT_OF_MEMORY, LAN_ERR_RESOURCES, "out of memory"},
+    {IPMI_ERR_OUT_OF_MEMORY, LAN_ERR_RESOURCES, NO_MEMORY},
 };
 
 REFUSAL Refusal(ipmi_ctx* context) {
@@ -80,6 +76,19 @@ std::vector<UINT8> WithCommand(UINT8 cmd, const std::vector<UINT8>& data) {
     return request;
 }
 
+int OpenContext(ipmi_ctx* context, const SESSION_PARAMETERS& parameters, UINT8 suite) {
+    const char* user = parameters.user.empty() ? nullptr : parameters.user.c_str();
+    const char* password = *parameters.password.Text() ? parameters.password.Text() : nullptr;
+    if (parameters.isIpmi15)
+        return ipmi_ctx_open_outofband(context, parameters.address.c_str(), user, password,
+                                       IPMI_AUTHENTICATION_TYPE_MD5, parameters.privilege, parameters.timeout,
+                                       parameters.retransmission, IPMI_WORKAROUND_FLAGS_DEFAULT, IPMI_FLAGS_DEFAULT);
+    // Asking for the level itself where "the highest" may be asked for is right for every BMC, and some know no other.
+    return ipmi_ctx_open_outofband_2_0(context, parameters.address.c_str(), user, password, nullptr, 0,
+                                       parameters.privilege, suite, parameters.timeout, parameters.retransmission,
+                                       IPMI_WORKAROUND_FLAGS_OUTOFBAND_2_0_OPEN_SESSION_PRIVILEGE, IPMI_FLAGS_DEFAULT);
+}
+
 } // namespace
 
 CIpmiContext::~CIpmiContext() {
@@ -89,42 +98,32 @@ CIpmiContext::~CIpmiContext() {
     ipmi_ctx_destroy(m_context);
 }
 
-int CIpmiContext::OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 suite) {
-    const char* user = parameters.user.empty() ? nullptr : parameters.user.c_str();
-    const char* password = *parameters.password.Text() ? parameters.password.Text() : nullptr;
-    if (parameters.isIpmi15)
-        return ipmi_ctx_open_outofband(m_context, parameters.address.c_str(), user, password,
-                                       IPMI_AUTHENTICATION_TYPE_MD5, parameters.privilege, parameters.timeout,
-                                       parameters.retransmission, IPMI_WORKAROUND_FLAGS_DEFAULT, IPMI_FLAGS_DEFAULT);
-    // Asking for the level itself where "the highest" may be asked for is right for every BMC, and some know no other.
-    return ipmi_ctx_open_outofband_2_0(m_context, parameters.address.c_str(), user, password, nullptr, 0,
-                                       parameters.privilege, suite, parameters.timeout, parameters.retransmission,
-                                       IPMI_WORKAROUND_FLAGS_OUTOFBAND_2_0_OPEN_SESSION_PRIVILEGE, IPMI_FLAGS_DEFAULT);
-}
-
-int CIpmiContext::Open(const SESSION_PARAMETERS& parameters, std::string& message) {
-    m_name = parameters.name;
-    std::vector<UINT8> suites{parameters.cipherSuite};
-    if (!parameters.isIpmi15 && parameters.cipherSuite == 0)
-        suites = {SUITE_SHA256, SUITE_SHA1};
+REFUSAL CIpmiContext::OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 suite) {
     REFUSAL refusal{};
-    for (const UINT8 suite : suites) {
+    for (int attempt = 0; attempt < OPENINGS; ++attempt) {
         // A context is spent once it has failed.
         if (m_context)
             ipmi_ctx_destroy(m_context);
         m_context = ipmi_ctx_create();
-        if (!m_context) {
-            message = "out of memory";
-            return LAN_ERR_RESOURCES;
-        }
+        if (!m_context)
+            return {IPMI_ERR_OUT_OF_MEMORY, LAN_ERR_RESOURCES, NO_MEMORY};
         m_cipherSuite = suite;
-        if (OpenWithSuite(parameters, suite) == 0)
-            return LAN_OK;
+        if (OpenContext(m_context, parameters, suite) == 0)
+            return {IPMI_ERR_SUCCESS, LAN_OK, ""};
         refusal = Refusal(m_context);
-        if (refusal.result != LAN_ERR_CIPHER)
+        // A step whose answer got lost is not taken twice by every BMC: that needs a new opening.
+        if (refusal.number != IPMI_ERR_SESSION_TIMEOUT)
             break;
     }
-    message = m_name + ": " + refusal.text;
+    return refusal;
+}
+
+int CIpmiContext::Open(const SESSION_PARAMETERS& parameters, std::string& message) {
+    m_name = parameters.name;
+    REFUSAL refusal = OpenWithSuite(parameters, parameters.cipherSuite ? parameters.cipherSuite : BEST_SUITE);
+    if (refusal.result == LAN_ERR_CIPHER && parameters.cipherSuite == 0 && !parameters.isIpmi15)
+        refusal = OpenWithSuite(parameters, OTHER_SUITE);
+    message = refusal.result == LAN_OK ? "" : m_name + ": " + refusal.text;
     return refusal.result;
 }
 

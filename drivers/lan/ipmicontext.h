@@ -38,6 +38,13 @@ struct EXCHANGE {
         0; ///< of a bridged request: the completion code of Send Message, 0 where it was carried out
 };
 
+/// Why a session was not opened: libfreeipmi's number, ours, and what is said behind the host's name.
+struct REFUSAL {
+    int number;
+    LAN_RESULT result;
+    const char* text;
+};
+
 /// One session. Every function but `Open` needs an open one; all of them wait for the BMC.
 class CIpmiContext {
   public:
@@ -58,7 +65,7 @@ class CIpmiContext {
     UINT8 CipherSuite() const { return m_cipherSuite; }
 
   private:
-    int OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 suite);
+    REFUSAL OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 suite);
     bool IsLost(EXCHANGE& exchange) const;
     void Take(int length, const UINT8* answer, EXCHANGE& exchange);
 

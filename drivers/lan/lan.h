@@ -89,7 +89,8 @@ typedef struct LAN_INTERFACE {
 
     /**
      * Opens a session. While one is open, the process writes no core dump, as the session's keys and password would
-     * stand in it. A session is kept alive while nobody asks. Ends within twice the time-out.
+     * stand in it. A session is kept alive while nobody asks. Ends within three times the time-out;
+     * the name service has another.
      * @param session the session, for `Close`; null on failure @param message text of `messageSize` bytes, cut to fit
      * @return a LAN_RESULT
      */

@@ -68,8 +68,9 @@ int CLanSession::Open(std::shared_ptr<const SESSION_PARAMETERS> parameters, std:
             opening->description = Describe(*parameters, context->CipherSuite());
         });
     };
-    // Twice: libfreeipmi grants the time-out to each step, and only its own end tells a wrong password from silence.
-    const auto limit = 2 * m_timeout;
+    // libfreeipmi grants the time-out to each step of up to two openings, and only its own end tells a wrong password
+    // from silence.
+    const auto limit = 3 * m_timeout;
     if (!m_worker.Run(open, limit)) {
         message = m_name + ": no session within " + Milliseconds(limit);
         return LAN_ERR_NO_ANSWER;
