@@ -119,7 +119,8 @@ void OpenWay() {
             return;
         reasons += fmt::format("{}{}", reasons.empty() ? "" : "; ", reason);
     }
-    throw CToolError(EXIT_DEVICE, "BMC", reasons, "--sim DIR works without one, --host NAME reaches another's");
+    throw CToolError(EXIT_DEVICE, "BMC", reasons,
+                     asked == "lan" ? "" : "--sim DIR works without one, --host NAME reaches another's");
 }
 
 const WAY& CurrentWay() {
