@@ -51,6 +51,13 @@ std::string DescribeLan() {
     return fmt::format("LAN, {}", gp_session ? gp_lan->Description(gp_session) : "closed");
 }
 
+void CloseLan() {
+    UseLanSession(nullptr, nullptr);
+    if (gp_session)
+        gp_lan->Close(gp_session);
+    gp_session = nullptr;
+}
+
 std::string LanFailure() {
     return gp_session ? gp_lan->Message(gp_session) : "";
 }

@@ -11,5 +11,6 @@ namespace Fructl {
 std::string OpenLan();
 std::string DescribeLan();
 std::string LanFailure();
+void CloseLan();
 
 } // namespace Fructl

@@ -3,7 +3,6 @@
 #include "tools/fructl/languages.h"
 #include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
-#include "tools/fructl/way.h"
 
 #include "frudata/debug.h"
 #include "sim/directory.h"

@@ -4,6 +4,7 @@
 #include "tools/fructl/address.h"
 #include "tools/fructl/bytes.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/way.h"
 
 #include <memory>
 #include <string>
@@ -48,6 +49,7 @@ class CLibrary {
     void LoadTexts() const;
     void CheckBmc() const;
 
+    CWayCloser m_way;
     _EFI_FRU_INTERFACE* m_table;
     std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };

@@ -25,10 +25,12 @@ namespace {
 
 constexpr UINT16 USUAL_PORT = 0x0CA2;
 
-/// Regions that a bus or the firmware has set aside: nobody drives the ports in them.
+/// Regions that a bus or the firmware has set aside, or that belong to a device by its place ("0000:00:1f.0",
+/// "IPI0001:00"): nobody drives the ports in them.
 bool IsReservation(std::string_view name) {
     static constexpr std::array<std::string_view, 4> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-"};
-    return std::any_of(RESERVATIONS.begin(), RESERVATIONS.end(),
+    return name.find(':') != std::string_view::npos ||
+           std::any_of(RESERVATIONS.begin(), RESERVATIONS.end(),
                        [&](std::string_view start) { return name.starts_with(start); });
 }
 

@@ -39,6 +39,12 @@ std::string DescribeKernel() {
     return fmt::format("the kernel's IPMI driver, {}", device ? device : "closed");
 }
 
+void NothingToClose() {}
+
+void CloseKernel() {
+    OpenIpmiClose();
+}
+
 std::string KernelFailure() {
     return OpenIpmiFailure();
 }
@@ -70,12 +76,13 @@ std::string DescribeLargeSession() {
 }
 
 constexpr WAY WAYS[] = {
-    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, LOCAL_READ_CHUNK},
-    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, LOCAL_READ_CHUNK},
-    {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, LOCAL_READ_CHUNK},
-    {"session-large", false, OpenSession, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
+    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, CloseKernel, LOCAL_READ_CHUNK},
+    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, NothingToClose, LOCAL_READ_CHUNK},
+    {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, NothingToClose,
      LOCAL_READ_CHUNK},
-    {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, LAN_READ_CHUNK}};
+    {"session-large", false, OpenSession, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
+     NothingToClose, LOCAL_READ_CHUNK},
+    {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, CloseLan, LAN_READ_CHUNK}};
 
 int OpenSimulated() {
     return Frudata_Sim::CurrentBmc() ? 1 : 0;
@@ -90,7 +97,8 @@ std::string DescribeSimulated() {
     return fmt::format("simulated BMC in {}", Settings().simDirectory);
 }
 
-constexpr WAY SIMULATED = {"simulated", false, Nothing, Nothing, DescribeSimulated, Nothing, LOCAL_READ_CHUNK};
+constexpr WAY SIMULATED = {"simulated",       false,   Nothing,        Nothing,
+                           DescribeSimulated, Nothing, NothingToClose, LOCAL_READ_CHUNK};
 
 const WAY* gp_current = &SIMULATED;
 
@@ -121,6 +129,10 @@ void OpenWay() {
     }
     throw CToolError(EXIT_DEVICE, "BMC", reasons,
                      asked == "lan" ? "" : "--sim DIR works without one, --host NAME reaches another's");
+}
+
+CWayCloser::~CWayCloser() {
+    gp_current->Close();
 }
 
 const WAY& CurrentWay() {

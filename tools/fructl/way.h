@@ -19,6 +19,8 @@ struct WAY {
     std::string (*Description)();
     /// What a request that got no answer failed of, or nothing.
     std::string (*Failure)();
+    /// Lets go of it, open or not.
+    void (*Close)();
     std::size_t readChunk; ///< bytes that one Read FRU Data may ask for
 };
 
@@ -29,6 +31,14 @@ std::string WayKey();
 
 /// Opens the way asked for, or the first usual one that can be opened. @throws CToolError with all reasons
 void OpenWay();
+/// Closes the way in use when it goes.
+class CWayCloser {
+  public:
+    CWayCloser() = default;
+    CWayCloser(const CWayCloser&) = delete;
+    CWayCloser& operator=(const CWayCloser&) = delete;
+    ~CWayCloser();
+};
 /// The way opened last.
 const WAY& CurrentWay();
 

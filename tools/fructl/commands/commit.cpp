@@ -70,12 +70,29 @@ nlohmann::json JsonChanges(const EDITS& edits) {
     return changes;
 }
 
+/// Writes with a progress bar, and to its end whatever the terminal says. A failure says how far it came.
+void Write(const SOURCE& device, const std::function<void(const PROGRESS&)>& work) {
+    const CFinish finish;
+    CProgressBar bar("writing " + device.label);
+    std::size_t written = 0;
+    std::size_t all = 0;
+    try {
+        work([&](std::size_t done, std::size_t total, const std::string& text) {
+            written = done;
+            all = total;
+            bar.Step(done, total, text);
+        });
+    } catch (CToolError& error) {
+        if (error.m_status == EXIT_DEVICE && all != 0)
+            error.m_why += fmt::format("; {} of {} were written before", written, Counted(all, "byte"));
+        throw;
+    }
+}
+
 void WriteChanges(const CONTENTS& contents, const EDITS& edits, const BYTES& expected) {
     const std::string problem = PackingProblem(contents.fru);
-    if (problem.empty() && !contents.source.isEeprom) {
-        CProgressBar bar("writing " + contents.source.label);
-        return CommitDevice(contents, edits, bar.Sink());
-    }
+    if (problem.empty() && !contents.source.isEeprom)
+        return Write(contents.source, [&](const PROGRESS& sink) { CommitDevice(contents, edits, sink); });
     // Written through the table, the areas would land on each other.
     if (!problem.empty())
         Note(problem + ": only the bytes that change are written, each at its place");
@@ -102,9 +119,7 @@ void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options) {
 }
 
 void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known) {
-    const CFinish finish;
-    CProgressBar bar("writing " + device.label);
-    WriteDevice(device, bytes, known, bar.Sink());
+    Write(device, [&](const PROGRESS& sink) { WriteDevice(device, bytes, known, sink); });
 }
 
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) {
