@@ -40,7 +40,7 @@ std::string BackupName(const SOURCE& device, const std::string& given) {
     if (given.empty() || fs::is_directory(given, ignored))
         stem = (fs::path(given) / BackupStem(device)).string();
     std::string name = stem;
-    for (int number = 2; fs::exists(name); ++number)
+    for (int number = 2; fs::is_regular_file(name, ignored); ++number)
         name = fmt::format("{}.{}", stem, number);
     return name;
 }
@@ -97,6 +97,20 @@ void WriteChanges(const CONTENTS& contents, const EDITS& edits, const BYTES& exp
     if (!problem.empty())
         Note(problem + ": only the bytes that change are written, each at its place");
     WriteImage(contents.source, expected, contents.bytes);
+}
+
+/// Writes, reads back and compares. A failure says how the old contents come back from `backup`, if there is one.
+void WriteVerified(const CONTENTS& contents, const EDITS& edits, const BYTES& expected, const std::string& backup) {
+    try {
+        WriteChanges(contents, edits, expected);
+        CompareWritten(contents.source, expected, contents.bytes);
+    } catch (CToolError& error) {
+        if (!backup.empty())
+            error.m_hint +=
+                fmt::format("{}to bring the old contents back: fructl restore {} --to {}",
+                            error.m_hint.empty() ? "" : "\n  ", Quoted(backup), DeviceArgument(contents.source));
+        throw;
+    }
 }
 
 CONTENTS OpenWhole(const SOURCE& device) {
@@ -159,7 +173,7 @@ void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEd
     if (edits.IsEmpty())
         return finish("Nothing to change: every field has its value already.\n");
     const BYTES expected = EditImage(contents.bytes, contents.fru, edits, device.label);
-    if (expected.size() > contents.bytes.size() && !device.isEeprom && device.address.type == FRU_TYPE_IMBDEVICE)
+    if (expected.size() > contents.bytes.size() && device.address.type == FRU_TYPE_IMBDEVICE)
         throw CToolError(
             EXIT_REFUSED, device.label,
             fmt::format("it has {}, {} are needed", Counted(contents.bytes.size(), "byte"), expected.size()));
@@ -174,19 +188,10 @@ void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEd
         report["backup"] = backup;
         Note("the old contents are kept in " + backup);
     }
-    const CFinish untilVerified;
-    try {
-        WriteChanges(contents, edits, expected);
-        CompareWritten(device, expected, contents.bytes);
-    } catch (CToolError& error) {
-        if (!backup.empty())
-            error.m_hint += fmt::format("{}to bring the old contents back: fructl restore {} --to {}",
-                                        error.m_hint.empty() ? "" : "\n  ", Quoted(backup), DeviceArgument(device));
-        throw;
-    }
+    const CFinish untilSaid;
+    WriteVerified(contents, edits, expected, backup);
     report["written"] = true;
     finish(Colored(COLOR::GREEN, "Written and verified.") + "\n");
-    std::fflush(stdout);
 }
 
 void AddCommit(CLI::App& app) {
