@@ -79,6 +79,14 @@ TEST_F(Driver, PlainRequests) {
         {"gone", {{DEVICE_GONE}}, OPENIPMI_ERR_DEVICE},
         {"stale answer before", {{ARRIVES_FOR_PREVIOUS, {0xC3}}, {ARRIVES, {0, 4}}}, OPENIPMI_OK, 0, {4}},
         {"stale answer alone", {{ARRIVES_FOR_PREVIOUS, {0}}}, OPENIPMI_ERR_TIMEOUT, UNTOUCHED, {}, 5000},
+        {"stale answers without end",
+         {{ARRIVES_FOR_PREVIOUS, {0}}},
+         OPENIPMI_ERR_TIMEOUT,
+         UNTOUCHED,
+         {},
+         5000,
+         255,
+         true},
         {"event", {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0, 5}}}, OPENIPMI_OK, 0, {5}},
     };
     EXPECT_EQ(Send(0x02), OPENIPMI_ERR_TIMEOUT); // whose answer may come later
@@ -100,8 +108,10 @@ TEST_F(Driver, PlainRequests) {
 }
 
 TEST_F(Driver, BridgedRequest) {
+    g_kernel.script = {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0}}};
+    EXPECT_EQ(Send(0x01), OPENIPMI_OK);
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
-    EXPECT_EQ(m_code, 0x80) << "nothing was sent";
+    EXPECT_EQ(m_code, 0x80) << "nothing was bridged";
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0);
     EXPECT_EQ(g_kernel.sent.back(), (SENT{IPMI_IPMB_ADDR_TYPE, 0, 0x30, 0, 0x06, 0x01, {}}));
@@ -118,12 +128,12 @@ TEST_F(Driver, BridgedRequest) {
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80) << "given once";
 
-    // LUN 1 and two data bytes, on channel 6, which is to be tracked.
-    EXPECT_EQ(SendMessage({0x46, 0x2C, 0x29, 0xAB, 0x20, 0xFE, 0x42, 0x03, 0x04, 0x99}), OPENIPMI_OK);
+    // From LUN 3 to LUN 1 with two data bytes, on channel 6, which is to be tracked.
+    EXPECT_EQ(SendMessage({0x46, 0x2C, 0x29, 0xAB, 0x20, 0xFF, 0x42, 0x03, 0x04, 0x98}), OPENIPMI_OK);
     EXPECT_EQ(g_kernel.sent.back(), (SENT{IPMI_IPMB_ADDR_TYPE, 6, 0x2C, 1, 0x0A, 0x42, {3, 4}}));
     g_kernel.script = {{ARRIVES, {0xC9}}};
     EXPECT_EQ(GetMessage(8), OPENIPMI_OK);
-    EXPECT_EQ(m_answer, (BYTES{0x06, 0x2E, 0xB2, 0x2C, 0xFD, 0x42, 0xC9, 0xCC}));
+    EXPECT_EQ(m_answer, (BYTES{0x06, 0x2F, 0xB1, 0x2C, 0xFD, 0x42, 0xC9, 0xCC}));
 }
 
 TEST_F(Driver, BridgedFailures) {
@@ -140,7 +150,7 @@ TEST_F(Driver, BridgedFailures) {
         {"given up by the kernel", {{ARRIVES, {0xC3}}}, OPENIPMI_OK, 0, 8},
         {"stale answer", {{ARRIVES_FOR_PREVIOUS, {0, 1}}}, OPENIPMI_OK, 0x80, 0},
         {"no code", {{ARRIVES}}, OPENIPMI_ERR_BAD_ANSWER},
-        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER},
+        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, 65536, 65535},
         {"one byte too long", {{ARRIVES, {0, 0x11, 0x22}}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, 10, 9},
         {"closed", {{DEVICE_CLOSED}}, OPENIPMI_ERR_DEVICE},
         {"gone", {{DEVICE_GONE}}, OPENIPMI_ERR_DEVICE},
@@ -168,6 +178,7 @@ TEST_F(Driver, BridgedFailures) {
     g_kernel.sendError = EINVAL;
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0xCC) << "not an IPMB channel";
+    g_kernel.script = {{ARRIVES, {0}}}; // to the request before
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80);
     g_kernel.sendError = ENODEV;
@@ -194,6 +205,7 @@ TEST_F(Driver, ForkedProcessOpensItsOwn) {
     EXPECT_EQ(g_kernel.opened, 1);
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     g_kernel.process = 2;
+    g_kernel.script = {{ARRIVES, {0}}};
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80) << "the parent's request";
     EXPECT_EQ(g_kernel.opened, 2);

@@ -53,6 +53,7 @@ void EndStep() {
 int Take(ipmi_recv& message) {
     const STEP step = g_kernel.script.front();
     EndStep();
+    g_kernel.milliseconds += g_kernel.isEndless ? 500 : 0;
     if (step.what == TAKE_INTERRUPTED || step.what == TAKEN_BY_OTHERS)
         return Refuse(step.what == TAKE_INTERRUPTED ? EINTR : EAGAIN);
     if (step.what == DEVICE_GONE)
