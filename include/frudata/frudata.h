@@ -188,8 +188,8 @@ struct _EFI_FRU_INTERFACE {
      *  not even for a length of 0. A custom field of one byte is stored with the type/length byte 0xC1, which
      *  ends the fields of an area wherever a custom field could stand (section 13): what reads the device or
      *  file later finds neither it nor the fields behind it, so give a custom field no value or two bytes.
-     *  Custom field indices as for `GetFieldStringValue`. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, UNSUPPORTED,
-     *  SET_FIELD_FAILED (nothing changed) */
+     *  Custom field indices as for `GetFieldStringValue`. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED,
+     * UNSUPPORTED, SET_FIELD_FAILED (nothing changed) */
     EFI_STATUS (*SetFieldDataValue)(_EFI_FRU_INTERFACE* This, const UINT8* data, unsigned int length);
     /** Not supported: an assertion. */
     EFI_STATUS (*AddFruToSystemList)(_EFI_FRU_INTERFACE* This);
