@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <numeric>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -112,8 +113,10 @@ TEST_F(CStrings, KeepsWhatTheSourceSays) {
 
 /// Read byte by byte, by the layout that the library relies on.
 TEST(CompiledTables, HaveTheLayoutThatTheLibraryLoads) {
-    for (const std::string path :
-         {STRC_TABLES "/enus/frudata/str/frudata.str", STRC_TABLES "/dede/frudata/str/frudata.str"}) {
+    std::istringstream languages(STRC_LANGUAGES);
+    for (std::string language; languages >> language;) {
+        std::erase(language, '-');
+        const std::string path = STRC_TABLES "/" + language + "/frudata/str/frudata.str";
         SCOPED_TRACE(path);
         const std::string bytes = ReadFile(path);
         ASSERT_EQ(bytes.size() % 2, 0U);

@@ -1,7 +1,6 @@
 #include "tools/fructl/device.h"
 
 #include "tools/fructl/fru.h"
-#include "tools/fructl/session.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/toolerror.h"

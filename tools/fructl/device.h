@@ -12,6 +12,9 @@
 
 namespace Fructl {
 
+/// For ReadContents: all that the device has.
+inline constexpr std::size_t WHOLE = ~std::size_t{0};
+
 class CDevice {
   public:
     /// The library must have been started. `name` is for messages.

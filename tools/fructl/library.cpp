@@ -1,7 +1,7 @@
 #include "tools/fructl/library.h"
 
+#include "tools/fructl/languages.h"
 #include "tools/fructl/settings.h"
-#include "tools/fructl/toolerror.h"
 
 #include "frudata/debug.h"
 #include "sim/directory.h"
@@ -25,13 +25,13 @@ namespace fs = std::filesystem;
 constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
 constexpr unsigned TIMEOUT = 5000;
 
-/// The directory that holds the library's texts, as "enus" and the like; empty where there is none.
+/// The directory that holds the library's texts, one directory a language; empty where there is none.
 fs::path DataDirectory() {
     std::error_code ignored;
     const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
     const char* given = std::getenv("FRUDATA_DATADIR");
     for (const fs::path& directory : {fs::path(given ? given : ""), program / "..", program / "../share/frudata"})
-        if (!directory.empty() && fs::exists(directory / "enus" / TABLE_PATH, ignored))
+        if (!directory.empty() && fs::exists(directory / TextDirectory(Languages().front()) / TABLE_PATH, ignored))
             return directory;
     return {};
 }
@@ -68,11 +68,6 @@ unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, 
 }
 
 } // namespace
-
-SETTINGS& Settings() {
-    static SETTINGS settings;
-    return settings;
-}
 
 std::string Utf8(const WCHAR* text) {
     std::string narrow;
@@ -138,11 +133,13 @@ void CLibrary::LoadTexts() const {
     const fs::path directory = DataDirectory();
     if (!directory.empty())
         fs::current_path(directory, failed);
-    const bool german = Settings().language == "de-de";
+    const std::string& name = Settings().language;
+    const std::wstring language(name.begin(), name.begin() + 2);
+    const std::wstring country(name.begin() + 3, name.end());
     SetLibDebugLevel(0);
     // Without texts the titles are empty: whoever shows them says so.
     if (!directory.empty() && !failed)
-        m_table->SetLanguageLocale(m_table, german ? L"de" : L"en", german ? L"de" : L"us");
+        m_table->SetLanguageLocale(m_table, language.c_str(), country.c_str());
     fs::current_path(before, failed);
     SetLibDebugLevel(Settings().debugLevel);
 }
@@ -163,12 +160,12 @@ void CLibrary::CheckBmc() const {
                                     : "access to the BMC needs root");
 }
 
-void CLibrary::Check(EFI_STATUS status, int exitStatus, const std::string& what) const {
+void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {
     if (status == FRU_STATUS_SUCCESS)
         return;
     const WCHAR* message = nullptr;
     m_table->GetLastErrorMessage(m_table, message);
-    throw CToolError(static_cast<EXIT_STATUS>(exitStatus), what, message ? Utf8(message) : StatusText(status));
+    throw CToolError(exitStatus, what, message ? Utf8(message) : StatusText(status));
 }
 
 EFI_STATUS CLibrary::Load(const ADDRESS& address) const {

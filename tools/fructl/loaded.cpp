@@ -2,35 +2,11 @@
 
 #include "tools/fructl/toolerror.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 
 namespace Fructl {
 
 namespace {
-
-using nlohmann::json;
-
-/// Failed assertions that say what is wrong with a file, in words.
-constexpr struct {
-    const char* assertion;
-    const char* reason;
-} ASSERTIONS[] = {{"position == FIRST", "a line of an area block has an odd number of hexadecimal digits"},
-                  {"length == 8", "the _SEE_COMMON block has not 8 bytes"},
-                  {"length >= 5", "the _SEE_MULTIREC block has less than the 5 bytes of a record header"},
-                  {"index != 512", "an area block has 512 bytes, one more than a text file can hold"},
-                  {"padding >= 0", "the fields of the board area are longer than the area"},
-                  {"IsValid()", "the checksum of an info area is wrong"}};
-
-std::string DeathReason(const CChildDied& death) {
-    for (const auto& [assertion, reason] : ASSERTIONS)
-        if (death.m_output.find(assertion) != std::string::npos)
-            return reason;
-    std::string text = death.m_output;
-    text.erase(text.find_last_not_of("\r\n") + 1);
-    return text.empty() ? "the library stopped" : "a header line has no quoted value, or: " + text;
-}
 
 /// The table counts custom fields from the last one backwards.
 unsigned TableIndex(const AREA& area, const FIELD_NAME& name) {
@@ -76,14 +52,6 @@ void MarkProduct(const CLibrary& library, const FRU& fru, const EDITS& edits) {
 }
 
 } // namespace
-
-json RunSession(const std::string& name, const std::function<json(const PROGRESS&)>& work, const PROGRESS& progress) {
-    try {
-        return RunInChild(work, progress);
-    } catch (const CChildDied& death) {
-        throw CToolError(EXIT_DAMAGED, name, DeathReason(death));
-    }
-}
 
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
     auto library = std::make_unique<CLibrary>(contents.bytes);

@@ -1,6 +1,7 @@
 // fructl: shows, edits, saves and writes the FRU inventory of a server.
 #include "tools/fructl/commands/commands.h"
 #include "tools/fructl/help.h"
+#include "tools/fructl/languages.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -33,13 +34,6 @@ constexpr const char* EXAMPLES =
     "Exit status: 0 done, 1 usage, 2 refused value or file, 3 device error, 4 damaged FRU,\n"
     "5 verification failed, 6 scan with unreadable FRUs.";
 
-std::string LanguageOfLocale() {
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const char* value = std::getenv(variable); value && *value)
-            return std::string_view(value).starts_with("de") ? "de-de" : "en-us";
-    return "en-us";
-}
-
 void AddGlobalOptions(CLI::App& app, bool& noColor) {
     static const std::map<std::string, _IPMI_INTERFACE_TYPE> INTERFACES = {
         {"kcs", IPMI_INTERFACE_KCS}, {"session", IPMI_INTERFACE_USB}, {"session-large", IPMI_INTERFACE_USB_LARGE}};
@@ -51,8 +45,8 @@ void AddGlobalOptions(CLI::App& app, bool& noColor) {
         ->type_name("NAME");
     app.add_option("--kcs-port", settings.kcsPort, "KCS base port, usually 0xCA2")->type_name("PORT");
     app.add_option("--platform", settings.platform, "Platform code; 3: FRUs behind a mini-BMC")->type_name("CODE");
-    app.add_option("--lang", settings.language, "Language of titles: en-us or de-de")
-        ->check(CLI::IsMember({"en-us", "de-de"}).description(""))
+    app.add_option("--lang", settings.language, fmt::format("Language of titles: {}", fmt::join(Languages(), ", ")))
+        ->check(CLI::IsMember(Languages()).description(""))
         ->type_name("LANG");
     app.add_option("--debug", settings.debugLevel, "Write DBGLOG.txt, level 1 to 3")
         ->check(CLI::Range(0, 3).description(""))

@@ -1,8 +1,8 @@
 #include "tools/fructl/report.h"
 
-#include "tools/fructl/session.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/terminal.h"
+#include "tools/fructl/titles.h"
 #include "tools/fructl/value.h"
 
 #include <fmt/format.h>

@@ -13,7 +13,7 @@ struct SETTINGS {
     _IPMI_INTERFACE_TYPE interface = IPMI_INTERFACE_KCS;
     std::optional<unsigned> kcsPort;
     int platform = 0;
-    std::string language; ///< "en-us" or "de-de"
+    std::string language; ///< one of Languages()
     unsigned debugLevel = 0;
     bool json = false;
     bool color = false; ///< on standard output

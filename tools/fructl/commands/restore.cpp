@@ -1,6 +1,8 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/devicescan.h"
 #include "tools/fructl/files.h"
+#include "tools/fructl/open.h"
 #include "tools/fructl/textfile.h"
 
 #include <CLI/CLI.hpp>

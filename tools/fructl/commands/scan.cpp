@@ -1,6 +1,10 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/devicescan.h"
+#include "tools/fructl/library.h"
 #include "tools/fructl/loaded.h"
+#include "tools/fructl/open.h"
+#include "tools/fructl/session.h"
 
 #include "frudata/bmclib.h"
 
