@@ -31,7 +31,7 @@ enum class SEVERITY : std::uint8_t {
 /// | area-ambiguous | damage | the search found more than one place for the area, or more than one area for the place |
 /// | area-past-end | damage | it, or one of its records, begins or ends past the end of the image |
 /// | area-length-zero | damage | |
-/// | area-version | damage | another format version in the area's first byte |
+/// | area-version | note | another format version in the area's first byte; its checksum tells whether that is damage |
 /// | internal-version | note | the same of the internal use area, whose content is its maker's |
 /// | no-end-marker | damage | the fields pass the end of the area |
 /// | fields-end-early | note | the end marker stands in place of a predefined field |

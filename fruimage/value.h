@@ -61,7 +61,8 @@ std::string DateText(BYTE_VIEW bytes);
 /// The three bytes of "2026-05-31", "2026-05-31T14:30[:00][Z]" (UTC) or "unspecified". BAD_VALUE: no date of the
 /// calendar, seconds, or outside the 24 bits of minutes since 1996-01-01T00:00Z. What `now` is, callers say.
 Result<BYTES> ParseDate(std::string_view text);
-/// The byte of a number (decimal, or hexadecimal with 0x) or of a name of the standard.
+/// The byte of a number (decimal, or hexadecimal with 0x) or of a name; BAD_VALUE for what the standard has no name
+/// for.
 Result<BYTES> ParseChassisType(std::string_view text);
 
 } // namespace FruImage

@@ -1,0 +1,35 @@
+// The parts of the parser: each reads what it is given as far as it goes and says what it found.
+#pragma once
+
+#include "fruimage/image.h"
+
+namespace FruImage {
+
+using FINDINGS = std::vector<FINDING>;
+
+constexpr BYTE FORMAT_VERSION = 1;
+constexpr BYTE RECORD_FORMAT = 2;
+constexpr BYTE END_OF_LIST = 0x80;
+
+/// The format version in the first byte of the header and of an area.
+constexpr BYTE Version(BYTE first) {
+    return first & 0x0F;
+}
+
+void Note(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, std::string text);
+void Damage(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, std::string text);
+/// A byte that is not what it should be.
+void WrongByte(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, BYTE found, BYTE expected,
+               const std::string& what);
+
+/// Reads an info area at `offset`, of which at least one byte is there. `end` is where the next area, or the image,
+/// ends the place that it can have.
+AREA ReadInfoArea(const AREA_ROW& row, BYTE_VIEW image, std::size_t offset, std::size_t end, FINDINGS& findings);
+/// Reads a chain of records at `offset`, as far as it can be followed.
+AREA ReadRecords(BYTE_VIEW image, std::size_t offset, FINDINGS& findings);
+/// Puts the areas that can be found into `fru`, whose header is damaged.
+void SearchAreas(FRU& fru);
+/// Whether a chain of sound record headers begins here and ends with its last record.
+bool IsChain(const AREA& area);
+
+} // namespace FruImage
