@@ -1,10 +1,5 @@
 #include "tools/fructl/compare.h"
 
-#include "tools/fructl/standardnames.h"
-#include "tools/fructl/value.h"
-
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace Fructl {
@@ -20,30 +15,42 @@ bool IsSame(const ENTRY& left, const ENTRY& right) {
     return left.raw == right.raw && (left.raw.empty() || left.type == right.type);
 }
 
+void AddInfoArea(const AREA& area, std::vector<ENTRY>& entries) {
+    const std::string name(AreaName(area.id));
+    if (area.Row().hasLanguage) {
+        const std::string language(FruImage::LanguageName(area.language));
+        entries.push_back({name + ".language", language, "language", {area.language}, area.id, language});
+    }
+    for (std::size_t position = 0; position < area.fields.size(); ++position) {
+        const FIELD& field = area.fields[position];
+        entries.push_back({FieldNameText(FruImage::FieldAt(area.id, position)), field.text, TypeName(field),
+                           field.bytes, area.id, BareValue(field)});
+    }
+}
+
+ENTRY BytesEntry(AREA_ID area, BYTE_VIEW bytes) {
+    const std::string text = Hex(bytes, " ");
+    return {std::string(AreaName(area)) + ".data", text, "binary", BYTES(bytes.begin(), bytes.end()), area, text};
+}
+
 } // namespace
 
 std::vector<ENTRY> Entries(const FRU& fru) {
     std::vector<ENTRY> entries;
     for (const AREA& area : fru.areas) {
-        const std::string name(AreaName(area.id));
-        if (!area.IsInfo())
-            entries.push_back({name + ".data", Hex(area.bytes, " "), "binary", area.bytes});
-        if (area.IsInfo() && area.id != FRU_AREA_CHASSIS)
-            entries.push_back(
-                {name + ".language", std::string(LanguageName(area.language)), "language", {area.language}});
-        for (std::size_t position = 0; position < area.fields.size(); ++position) {
-            const FIELD& field = area.fields[position];
-            entries.push_back({FieldName(area.Row(), position), DecodeValue(field), TypeName(field), field.data});
-        }
+        if (area.IsInfo())
+            AddInfoArea(area, entries);
+        else
+            entries.push_back(BytesEntry(area.id, fru.View(area.Range())));
     }
     return entries;
 }
 
 std::optional<ENTRY> FindEntry(const FRU& fru, const FIELD_NAME& name) {
-    if (name.area == FRU_AREA_COMMON_HEADER)
-        return ENTRY{name.text, Hex(fru.header, " "), "binary", fru.header};
+    if (name.area == AREA_ID::HEADER)
+        return BytesEntry(AREA_ID::HEADER, fru.header);
     const std::vector<ENTRY> entries = Entries(fru);
-    const ENTRY* found = Find(entries, name.text);
+    const ENTRY* found = Find(entries, FieldNameText(name));
     return found ? std::optional<ENTRY>(*found) : std::nullopt;
 }
 
@@ -62,24 +69,6 @@ std::vector<DIFFERENCE> Compare(const FRU& left, const FRU& right) {
         if (!Find(leftEntries, entry.name))
             differences.push_back({std::nullopt, entry});
     return differences;
-}
-
-FRU Edited(FRU fru, const EDITS& edits) {
-    for (AREA& area : fru.areas) {
-        for (const ASSIGNMENT& one : edits.fields) {
-            const std::size_t first = one.name.part == FIELD_NAME::CUSTOM ? area.Row().fields.size() : 0;
-            if (one.name.area == area.id) {
-                FIELD& field = area.fields[first + one.name.index];
-                field.typeLength = static_cast<UINT8>(FIELD_8_BIT | one.data.size());
-                field.data = one.data;
-            }
-        }
-        if (area.id == FRU_AREA_INTERNAL_USE && edits.internalUse)
-            area.bytes = *edits.internalUse;
-        if (area.id == FRU_AREA_MULTIRECORD && edits.multiRecord)
-            area.bytes = *edits.multiRecord;
-    }
-    return fru;
 }
 
 } // namespace Fructl

@@ -1,0 +1,85 @@
+#include "tools/fructl/difference.h"
+
+#include "tools/fructl/report.h"
+#include "tools/fructl/terminal.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace Fructl {
+
+namespace {
+
+using FruImage::CHANGE;
+using FruImage::MOVE;
+using FruImage::PLAN;
+using nlohmann::json;
+
+std::string Side(const std::string& value) {
+    return "\"" + Printable(value) + "\"";
+}
+
+std::string MoveText(const MOVE& move) {
+    const std::string_view name = AreaName(move.area);
+    if (move.sizeBefore == 0)
+        return fmt::format("{} area: new, {} bytes at {:03X}h", name, move.sizeAfter, move.to);
+    if (move.sizeAfter == 0)
+        return fmt::format("{} area: removed", name);
+    std::string text = fmt::format("{} area:", name);
+    if (move.from != move.to)
+        text += fmt::format(" moves from {:03X}h to {:03X}h", move.from, move.to);
+    if (move.sizeBefore != move.sizeAfter)
+        text += fmt::format("{} {} bytes become {}", move.from != move.to ? "," : "", move.sizeBefore, move.sizeAfter);
+    return text;
+}
+
+json JsonSide(const std::optional<ENTRY>& entry) {
+    if (!entry)
+        return nullptr;
+    json side = {{"name", entry->name}, {"value", entry->value}, {"type", entry->type}, {"raw", Hex(entry->raw)}};
+    if (entry->type == "chassis-type")
+        side["number"] = entry->raw.empty() ? 0 : entry->raw[0];
+    return side;
+}
+
+} // namespace
+
+bool IsValue(const CHANGE& change) {
+    return change.name.find('.') != std::string::npos;
+}
+
+std::string DescribePlan(const PLAN& plan) {
+    std::size_t width = 0;
+    for (const CHANGE& change : plan.changes)
+        width = std::max(width, IsValue(change) ? change.name.size() : 0);
+    std::string text;
+    for (const CHANGE& change : plan.changes) {
+        if (IsValue(change) && !(change.before.empty() && change.after.empty()))
+            text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.before), Side(change.after));
+        else
+            text += fmt::format("  {}: {}\n", change.name, change.text);
+    }
+    for (const MOVE& move : plan.moves)
+        text += fmt::format("  {}\n", MoveText(move));
+    return text;
+}
+
+json JsonMoves(const PLAN& plan) {
+    json moves = json::array();
+    for (const MOVE& move : plan.moves)
+        moves.push_back({{"area", AreaName(move.area)},
+                         {"from", move.from},
+                         {"to", move.to},
+                         {"sizeBefore", move.sizeBefore},
+                         {"sizeAfter", move.sizeAfter}});
+    return moves;
+}
+
+json JsonChanges(const FRU& before, const FRU& after) {
+    json changes = json::array();
+    for (const DIFFERENCE& one : Compare(before, after))
+        changes.push_back({{"name", one.Name()}, {"before", JsonSide(one.left)}, {"after", JsonSide(one.right)}});
+    return changes;
+}
+
+} // namespace Fructl

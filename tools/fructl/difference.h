@@ -1,0 +1,24 @@
+// What is going to be written, as people and programs see it before it is.
+#pragma once
+
+#include "tools/fructl/compare.h"
+
+#include "fruimage/plan.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+namespace Fructl {
+
+/// Whether a value is one that `set` could change by itself, not what follows from a change, such as a checksum.
+bool IsValue(const FruImage::CHANGE& change);
+
+/// One line a change: name, old and new value; then the areas that move or change their size.
+std::string DescribePlan(const FruImage::PLAN& plan);
+/// Moves, and bytes written in how many steps.
+nlohmann::json JsonMoves(const FruImage::PLAN& plan);
+/// Every named value of two FRUs that differs: `name`, `before`, `after`.
+nlohmann::json JsonChanges(const FRU& before, const FRU& after);
+
+} // namespace Fructl
