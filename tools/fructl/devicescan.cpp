@@ -1,5 +1,6 @@
 #include "tools/fructl/devicescan.h"
 
+#include "tools/fructl/eeprom.h"
 #include "tools/fructl/library.h"
 #include "tools/fructl/session.h"
 #include "tools/fructl/terminal.h"
@@ -10,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 namespace Fructl {
@@ -40,6 +42,10 @@ std::vector<SOURCE> ScanDevices() {
 SOURCE DeviceSource(const std::string& text) {
     if (text == "system")
         return {SOURCE::DEVICE, "system FRU", {}, {}};
+    if (text.starts_with(EEPROM_KEY))
+        return EepromSource(text.substr(std::strlen(EEPROM_KEY)));
+    if (IsEepromPath(text))
+        return EepromSource(text);
     if (text.find('=') != std::string::npos) {
         const ADDRESS address = ParseAddress(text);
         return {SOURCE::DEVICE, AddressText(address), {}, address};

@@ -9,7 +9,8 @@ namespace Fructl {
 
 /// The FRU devices that the SDR repository names, in its order.
 std::vector<SOURCE> ScanDevices();
-/// "type=...,bus=...,...", "system", or a name that the scan of the SDR repository finds.
+/// "type=...,bus=...,...", "eeprom=PATH", "system", the path of an EEPROM, or a name that the scan of the SDR
+/// repository finds.
 SOURCE DeviceSource(const std::string& text);
 
 } // namespace Fructl

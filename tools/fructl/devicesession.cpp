@@ -1,16 +1,20 @@
 #include "tools/fructl/devicesession.h"
 
+#include "tools/fructl/eeprom.h"
 #include "tools/fructl/loaded.h"
 #include "tools/fructl/session.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <functional>
 
 namespace Fructl {
 
 namespace {
 
+
+using FruImage::STEP;
 using nlohmann::json;
 
 /// What the library reports while it writes: one call when it begins, then one before the header is
@@ -58,9 +62,33 @@ DEVICE_BYTES DeviceOfJson(const json& result) {
     return device;
 }
 
+/// Each step is a write of the whole image of which only the step's bytes are new.
+void MakeSteps(const std::vector<STEP>& steps, BYTES before,
+               const std::function<void(BYTE_VIEW after, BYTE_VIEW known)>& write, const PROGRESS& report) {
+    std::size_t total = 0;
+    for (const STEP& step : steps)
+        total += step.bytes.size();
+    std::size_t done = 0;
+    BYTES after = before;
+    for (const STEP& step : steps) {
+        report(done, total, step.what);
+        after.resize(std::max(after.size(), step.offset + step.bytes.size()));
+        std::copy(step.bytes.begin(), step.bytes.end(), after.begin() + static_cast<std::ptrdiff_t>(step.offset));
+        write(after, before);
+        before = after;
+        done += step.bytes.size();
+    }
+    report(total, total, "done");
+}
+
 } // namespace
 
 DEVICE_BYTES ReadDevice(const SOURCE& source, READING reading, std::size_t atLeast, const PROGRESS& progress) {
+    if (source.isEeprom) {
+        BYTES bytes = CEeprom(source.label).Read();
+        const std::vector<RANGE> all = {{0, bytes.size()}};
+        return {std::move(bytes), all, true, {}};
+    }
     return DeviceOfJson(RunSession(
         source.label,
         [&](const PROGRESS& report) {
@@ -71,6 +99,8 @@ DEVICE_BYTES ReadDevice(const SOURCE& source, READING reading, std::size_t atLea
 }
 
 void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {
+    if (source.isEeprom)
+        return CEeprom(source.label).Write(bytes, known, progress);
     RunSession(
         source.label,
         [&](const PROGRESS& report) {
@@ -81,27 +111,19 @@ void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const P
         progress);
 }
 
-void WriteSteps(const SOURCE& source, const std::vector<FruImage::STEP>& steps, BYTES before,
-                const PROGRESS& progress) {
+void WriteSteps(const SOURCE& source, const std::vector<FruImage::STEP>& steps, const BYTES& before, const PROGRESS& progress) {
+    if (source.isEeprom) {
+        const CEeprom eeprom(source.label);
+        return MakeSteps(
+            steps, before, [&](BYTE_VIEW after, BYTE_VIEW known) { eeprom.Write(after, known, {}); }, progress);
+    }
     RunSession(
         source.label,
         [&](const PROGRESS& report) {
             const CLibrary library(CLibrary::SYSTEM_BMC);
             CDevice device(source.address, source.label);
-            std::size_t done = 0;
-            std::size_t total = 0;
-            for (const FruImage::STEP& step : steps)
-                total += step.bytes.size();
-            BYTES after = before;
-            for (const FruImage::STEP& step : steps) {
-                report(done, total, step.what);
-                after.resize(std::max(after.size(), step.offset + step.bytes.size()));
-                std::copy(step.bytes.begin(), step.bytes.end(), after.begin() + static_cast<std::ptrdiff_t>(step.offset));
-                device.Write(after, before);
-                before = after;
-                done += step.bytes.size();
-            }
-            report(total, total, "done");
+            MakeSteps(
+                steps, before, [&](BYTE_VIEW after, BYTE_VIEW known) { device.Write(after, known); }, report);
             return json();
         },
         progress);

@@ -117,10 +117,10 @@ json JsonSource(const SOURCE& source) {
     json result = {{"kind", KIND_WORDS[source.kind]}, {"name", source.label}};
     if (!source.title.empty())
         result["title"] = source.title;
-    if (source.kind == SOURCE::DEVICE) {
-        result["at"] = AddressText(source.address);
+    if (source.kind == SOURCE::DEVICE)
+        result["at"] = DeviceText(source);
+    if (source.kind == SOURCE::DEVICE && !source.isEeprom)
         result["address"] = JsonAddress(source.address);
-    }
     return result;
 }
 

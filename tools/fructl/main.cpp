@@ -1,6 +1,7 @@
 // fructl: shows, edits, saves and writes the FRU inventory of a server.
 #include "tools/fructl/commands/commands.h"
 #include "tools/fructl/help.h"
+#include "tools/fructl/interrupt.h"
 #include "tools/fructl/languages.h"
 
 #include <fmt/format.h>
@@ -121,6 +122,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     int status = Fructl::EXIT_DEVICE;
     try {
+        Fructl::CatchInterrupts();
         status = Fructl::Run(argc, argv);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "fructl: %s\n", error.what());

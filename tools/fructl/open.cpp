@@ -1,6 +1,5 @@
 #include "tools/fructl/open.h"
 
-#include "tools/fructl/files.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
 
@@ -40,7 +39,7 @@ CONTENTS Open(const SOURCE& source, READING reading, const PROGRESS& progress) {
         OpenDevice(contents, reading, progress);
         return contents;
     }
-    contents.bytes = ReadFile(source.label);
+    contents.bytes = std::move(contents.source.bytes);
     if (source.kind == SOURCE::TEXT)
         OpenText(contents);
     else

@@ -97,7 +97,7 @@ std::string TextReport(const CONTENTS& contents) {
     if (!source.title.empty() && source.title != source.label)
         text += fmt::format(", \"{}\"", Printable(source.title));
     if (source.kind == SOURCE::DEVICE)
-        text += fmt::format(", {}", AddressText(source.address));
+        text += fmt::format(", {}", DeviceText(source));
     text += "\n";
     for (const AREA& area : fru.areas)
         text += "\n" + AreaHeading(area) + AreaText(fru, area);

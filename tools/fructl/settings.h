@@ -19,6 +19,7 @@ struct SETTINGS {
     bool color = false; ///< on standard output
     bool quiet = false;
     bool force = false;
+    unsigned wait = 60; ///< seconds for which a writer waits for another one
 };
 
 /// The settings of this run, filled by main.

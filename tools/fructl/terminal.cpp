@@ -1,5 +1,7 @@
 #include "tools/fructl/terminal.h"
 
+#include "tools/fructl/bytes.h"
+#include "tools/fructl/interrupt.h"
 #include "tools/fructl/settings.h"
 
 #include <fmt/format.h>
@@ -104,13 +106,14 @@ CProgressBar::~CProgressBar() {
 }
 
 void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& text) {
+    CheckInterrupt(done, total);
     if (Settings().quiet || total == 0)
         return;
     if (!m_terminal) {
         if (!m_drawn && text.empty())
-            fmt::print(stderr, "{}: {} bytes\n", m_title, total);
+            fmt::print(stderr, "{}: {}\n", m_title, Counted(total, "byte"));
         else if (text != m_lastText)
-            fmt::print(stderr, "{}: {} of {} bytes, {}\n", m_title, done, total, text);
+            fmt::print(stderr, "{}: {} of {}, {}\n", m_title, done, Counted(total, "byte"), text);
         m_drawn = true;
         m_lastText = text;
         return;
@@ -122,8 +125,8 @@ void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& 
     const std::size_t filled = BAR_WIDTH * done / total;
     const double spent = Seconds() - m_start;
     const double left = done == 0 ? 0 : spent * static_cast<double>(total - done) / static_cast<double>(done);
-    fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {} bytes, {} s left  \033[K", m_title, "", filled, "",
-               BAR_WIDTH - filled, percent, total, std::lround(left));
+    fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {}, {} s left  \033[K", m_title, "", filled, "",
+               BAR_WIDTH - filled, percent, Counted(total, "byte"), std::lround(left));
     std::fflush(stderr);
     m_drawn = true;
 }

@@ -1,0 +1,6 @@
+#include "tools/fructl/way.h"
+namespace Fructl {
+std::string WayKey() {
+    return "bmc";
+}
+} // namespace Fructl

@@ -1,0 +1,5 @@
+#pragma once
+#include <string>
+namespace Fructl {
+std::string WayKey();
+}
