@@ -1,6 +1,5 @@
 #include "tools/fructl/commands/commands.h"
 
-#include "tools/fructl/standardnames.h"
 #include "tools/fructl/titles.h"
 
 #include <CLI/CLI.hpp>
@@ -22,7 +21,7 @@ std::string Hint(const FIELD_ROW& field) {
     case FIELD_KIND::CHASSIS_TYPE:
         return "a name or number, see below";
     case FIELD_KIND::DATE:
-        return "2026-05-31, 2026-05-31T14:30Z (UTC) or unspecified";
+        return "2026-05-31, 2026-05-31T14:30Z (UTC), now or unspecified";
     default:
         return {};
     }
@@ -31,16 +30,16 @@ std::string Hint(const FIELD_ROW& field) {
 std::vector<LISTED> AllFields() {
     std::vector<LISTED> all = {{"header.data", "Common header", "read only"}};
     for (const AREA_ROW& row : Areas()) {
-        if (row.headerLength == 0) {
-            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.area), "read only: see 'fructl load'"});
+        if (!row.IsInfo()) {
+            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.id), "hexadecimal bytes, or @FILE"});
             continue;
         }
         for (std::size_t position = 0; position < row.fields.size(); ++position)
-            all.push_back({FieldName(row, position), Title(row, position), Hint(row.fields[position])});
+            all.push_back({FieldNameText(FruImage::FieldAt(row.id, position)), Title(row, position), Hint(row.fields[position])});
         all.push_back(
-            {FieldName(row, row.fields.size()), Title(row, row.fields.size()), "and so on, in the order of the image"});
-        if (row.area != FRU_AREA_CHASSIS)
-            all.push_back({fmt::format("{}.language", row.name), "Language", "read only"});
+            {FieldNameText(FruImage::FieldAt(row.id, row.fields.size())), Title(row, row.fields.size()), fmt::format("and so on; {}.custom+=VALUE adds one", row.name)});
+        if (row.hasLanguage)
+            all.push_back({fmt::format("{}.language", row.name), "Language", "a number, or a name such as English"});
     }
     return all;
 }
@@ -51,10 +50,12 @@ void PrintFieldsText() {
         rows.push_back({field.name, field.title, Colored(COLOR::DIM, field.hint)});
     PrintText("Fields\n" + Table(rows) + "\nChassis types\n");
     std::vector<std::vector<std::string>> types;
-    constexpr UINT8 HALF = 16;
-    for (UINT8 type = 1; type <= HALF; ++type)
-        types.push_back({fmt::format("{:2}", type), std::string(ChassisTypeName(type)), fmt::format("{}", type + HALF),
-                         std::string(ChassisTypeName(static_cast<UINT8>(type + HALF)))});
+    constexpr UINT8 HALF = 18;
+    const auto name = [](UINT8 type) { return std::string(FruImage::ChassisTypeName(type)); };
+    for (UINT8 type = 1; type <= HALF; ++type) {
+        const auto second = static_cast<UINT8>(type + HALF);
+        types.push_back({fmt::format("{:2}", type), name(type), fmt::format("{}", second), name(second)});
+    }
     PrintText(Table(types));
 }
 
