@@ -37,6 +37,7 @@ struct AREA_DESCRIPTION {
     std::size_t spare = 0;             ///< at least so many bytes of padding, where `length` is 0
 
     // Info areas.
+    BYTE version = 1; ///< first byte: the format version and four reserved bits
     BYTE language = 0;
     /// The chassis type (1 byte) and the board's date (3 bytes) first, then the predefined fields, then custom ones.
     /// Fewer than predefined: the rest are empty, or, where `endsEarly`, the end marker stands there.
@@ -59,7 +60,7 @@ struct GAP_DESCRIPTION {
 };
 
 struct DESCRIPTION {
-    std::size_t size = 0; ///< bytes of the image; 0: up to its last area
+    std::size_t size = 0; ///< bytes of the image, below 16 MiB; 0: up to its last area
     BYTE fill = 0;        ///< what unused bytes hold
     BYTE version = 1;     ///< first byte of the header: the format version and four reserved bits
     BYTE pad = 0;         ///< seventh byte of the header

@@ -157,21 +157,15 @@ Result<FIELD_VALUE> EncodeText(std::string_view text, ENCODING encoding) {
 
 Result<FIELD_VALUE> EncodeKeeping(std::string_view text, ENCODING before, BYTE language) {
     const ENCODING ofArea = EncodingOf(EMPTY_FIELD, language);
-    if (before == ENCODING::TEXT || before == ENCODING::TWO_BYTE_TEXT)
-        before = ofArea;
-    Result<FIELD_VALUE> first = EncodeText(text, before);
-    if (first || text.empty())
-        return first ? first : EncodeText(text, ofArea);
-    Result<FIELD_VALUE> asText = EncodeText(text, ofArea);
-    if (asText)
-        return asText;
-    for (const ENCODING other : {ENCODING::SIX_BIT, ENCODING::BCD_PLUS}) {
-        Result<FIELD_VALUE> packed = EncodeText(text, other);
-        // Fill at the end is no content: a value that would lose its own is not stored so.
-        if (packed && DecodeText(other, packed->bytes) == text)
-            return packed;
+    const bool wasText = before == ENCODING::TEXT || before == ENCODING::TWO_BYTE_TEXT;
+    for (const ENCODING encoding : {wasText ? ofArea : before, ofArea, ENCODING::SIX_BIT, ENCODING::BCD_PLUS}) {
+        Result<FIELD_VALUE> value = EncodeText(text, encoding);
+        // Fill at the end is no content: a packed value that would lose its own is not stored so.
+        const bool packed = encoding == ENCODING::SIX_BIT || encoding == ENCODING::BCD_PLUS;
+        if (value && (!packed || DecodeText(encoding, value->bytes) == text))
+            return value;
     }
-    return asText;
+    return EncodeText(text, ofArea);
 }
 
 } // namespace FruImage

@@ -188,6 +188,11 @@ void WrongByte(FINDINGS& findings, const char* code, AREA_ID area, std::size_t o
                         Text(what, " is ", ByteText(found), " and should be ", ByteText(expected))});
 }
 
+bool HasDamage(const FINDINGS& findings) {
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const FINDING& finding) { return finding.severity == SEVERITY::DAMAGE; });
+}
+
 const AREA* FRU::Find(AREA_ID area) const {
     const auto found = std::find_if(areas.begin(), areas.end(), [&](const AREA& one) { return one.id == area; });
     return found == areas.end() ? nullptr : &*found;
@@ -201,9 +206,7 @@ const FIELD* FRU::Find(const FIELD_NAME& name) const {
 }
 
 bool FRU::IsSound() const {
-    return state == STATE::FRU && std::none_of(findings.begin(), findings.end(), [](const FINDING& finding) {
-               return finding.severity == SEVERITY::DAMAGE;
-           });
+    return state == STATE::FRU && !HasDamage(findings);
 }
 
 FRU Parse(BYTE_VIEW image, std::span<const RANGE> read) {

@@ -29,6 +29,9 @@ AREA ReadInfoArea(const AREA_ROW& row, BYTE_VIEW image, std::size_t offset, std:
 AREA ReadRecords(BYTE_VIEW image, std::size_t offset, FINDINGS& findings);
 /// Puts the areas that can be found into `fru`, whose header is damaged.
 void SearchAreas(FRU& fru);
+bool HasDamage(const FINDINGS& findings);
+/// Whether an info area is one that somebody would have written: another area's bytes can be sound by chance.
+bool IsPlausible(const AREA& area);
 /// Whether a chain of sound record headers begins here and ends with its last record.
 bool IsChain(const AREA& area);
 

@@ -13,20 +13,6 @@ struct PLACE {
     std::vector<AREA> fits;
 };
 
-constexpr BYTE LAST_LANGUAGE = 136;
-
-/// Whether a sound area is one that somebody would have written: another area's bytes can be sound by chance.
-bool IsPlausible(const AREA& area) {
-    if (!area.ended || area.fields.size() < area.Row().fields.size() || area.language > LAST_LANGUAGE)
-        return false;
-    return area.id != AREA_ID::CHASSIS || !ChassisTypeName(area.fields[0].bytes[0]).empty();
-}
-
-bool HasDamage(const FINDINGS& findings) {
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const FINDING& finding) { return finding.severity == SEVERITY::DAMAGE; });
-}
-
 void FindInfoAreas(BYTE_VIEW image, PLACE& place) {
     const BYTE_VIEW start = Slice(image, place.offset, 2);
     if (start.size() < 2 || start[0] != FORMAT_VERSION || start[1] == 0)
@@ -152,6 +138,12 @@ void AddInternalUse(FRU& fru) {
 }
 
 } // namespace
+
+bool IsPlausible(const AREA& area) {
+    if (!area.ended || area.fields.size() < area.Row().fields.size() || LanguageName(area.language).empty())
+        return false;
+    return area.id != AREA_ID::CHASSIS || !ChassisTypeName(area.fields[0].bytes[0]).empty();
+}
 
 void SearchAreas(FRU& fru) {
     std::vector<PLACE> places = FindPlaces(fru.bytes);

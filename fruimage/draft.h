@@ -1,0 +1,66 @@
+// A FRU while it is being changed: its areas as descriptions, and where they were.
+#pragma once
+
+#include "fruimage/compose.h"
+#include "fruimage/edit.h"
+#include "fruimage/plan.h"
+
+#include <list>
+
+namespace FruImage {
+
+/// One area of the draft.
+struct DRAFT_AREA {
+    AREA_ID id = AREA_ID::HEADER;
+    const AREA* before = nullptr; ///< null: a new one
+    RANGE old;                    ///< bytes that it had for itself; none for a new one
+    /// A damaged offset into another area: it has no bytes of its own and stays what it is.
+    bool ghost = false;
+    bool removed = false;
+    bool changed = false;
+    AREA_DESCRIPTION description;
+
+    BYTES bytes;            ///< LayOut: what it becomes
+    std::size_t offset = 0; ///< LayOut: where it goes
+
+    RANGE Range() const { return {offset, bytes.size()}; }
+    bool IsPresent() const { return !removed; }
+};
+
+struct DRAFT {
+    const FRU& fru;
+    LIMITS limits;
+    std::list<DRAFT_AREA> areas; ///< in the order of the header
+    std::vector<CHANGE> changes;
+
+    DRAFT_AREA* Find(AREA_ID id);
+    /// The area, made where there is none. A damaged one is refused.
+    Result<DRAFT_AREA*> FindOrMake(AREA_ID id);
+    void Say(const DRAFT_AREA& area, std::string name, std::string before, std::string after);
+};
+
+/// Why the area cannot be changed; nothing where it can.
+std::optional<ERROR> FaultOf(const FRU& fru, const DRAFT_AREA& area);
+
+using FAULT = std::optional<ERROR>;
+
+FAULT Edit(DRAFT& draft, const SET_FIELD& edit);
+FAULT Edit(DRAFT& draft, const SET_BYTES& edit);
+FAULT Edit(DRAFT& draft, const ADD_FIELD& edit);
+FAULT Edit(DRAFT& draft, const REMOVE_FIELD& edit);
+FAULT Edit(DRAFT& draft, const REMOVE_AREA& edit);
+FAULT Edit(DRAFT& draft, const SET_INTERNAL& edit);
+FAULT Edit(DRAFT& draft, const APPEND_RECORD& edit);
+FAULT Edit(DRAFT& draft, const REPLACE_RECORD& edit);
+FAULT Edit(DRAFT& draft, const REMOVE_RECORD& edit);
+FAULT Edit(DRAFT& draft, const REPLACE_RECORDS& edit);
+FAULT Edit(DRAFT& draft, const SET_RECORD_BYTES& edit);
+
+/// Composes the areas and gives each its place.
+FAULT LayOut(DRAFT& draft);
+/// The plan that makes `after` of the image.
+void AddSteps(PLAN& plan, const FRU& before, const DRAFT& draft);
+/// Ranges in which two images differ; what only `after` has differs.
+std::vector<RANGE> Differences(BYTE_VIEW before, BYTE_VIEW after);
+
+} // namespace FruImage
