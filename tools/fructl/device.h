@@ -16,9 +16,6 @@
 
 namespace Fructl {
 
-/// For ReadContents: all that the device has.
-inline constexpr std::size_t WHOLE = ~std::size_t{0};
-
 /// How much of a device is read.
 enum class READING {
     AREAS, ///< what its header and its areas need

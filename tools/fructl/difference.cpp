@@ -1,10 +1,12 @@
 #include "tools/fructl/difference.h"
 
-#include "tools/fructl/report.h"
+#include "tools/fructl/jsonreport.h"
 #include "tools/fructl/terminal.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 namespace Fructl {
 
@@ -14,6 +16,11 @@ using FruImage::CHANGE;
 using FruImage::MOVE;
 using FruImage::PLAN;
 using nlohmann::json;
+
+/// Whether it is a value, not what follows from a change, such as a checksum.
+bool IsValue(const CHANGE& change) {
+    return change.name.find('.') != std::string::npos && !(change.before.empty() && change.after.empty());
+}
 
 std::string Side(const std::string& value) {
     return "\"" + Printable(value) + "\"";
@@ -33,20 +40,14 @@ std::string MoveText(const MOVE& move) {
     return text;
 }
 
-json JsonSide(const std::optional<ENTRY>& entry) {
-    if (!entry)
-        return nullptr;
-    json side = {{"name", entry->name}, {"value", entry->value}, {"type", entry->type}, {"raw", Hex(entry->raw)}};
-    if (entry->type == "chassis-type")
-        side["number"] = entry->raw.empty() ? 0 : entry->raw[0];
-    return side;
+/// The change is a place or a size, which the moves tell.
+bool IsMoved(const PLAN& plan, const CHANGE& change) {
+    return std::any_of(plan.moves.begin(), plan.moves.end(), [&](const MOVE& move) {
+        return move.area == change.area && AreaName(move.area) == change.name;
+    });
 }
 
 } // namespace
-
-bool IsValue(const CHANGE& change) {
-    return change.name.find('.') != std::string::npos;
-}
 
 std::string DescribePlan(const PLAN& plan) {
     std::size_t width = 0;
@@ -54,7 +55,9 @@ std::string DescribePlan(const PLAN& plan) {
         width = std::max(width, IsValue(change) ? change.name.size() : 0);
     std::string text;
     for (const CHANGE& change : plan.changes) {
-        if (IsValue(change) && !(change.before.empty() && change.after.empty()))
+        if (!IsValue(change) && IsMoved(plan, change))
+            continue;
+        if (IsValue(change))
             text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.before), Side(change.after));
         else
             text += fmt::format("  {}: {}\n", change.name, change.text);
@@ -78,7 +81,9 @@ json JsonMoves(const PLAN& plan) {
 json JsonChanges(const FRU& before, const FRU& after) {
     json changes = json::array();
     for (const DIFFERENCE& one : Compare(before, after))
-        changes.push_back({{"name", one.Name()}, {"before", JsonSide(one.left)}, {"after", JsonSide(one.right)}});
+        changes.push_back({{"name", one.Name()},
+                           {"before", one.left ? JsonEntry(*one.left) : json()},
+                           {"after", one.right ? JsonEntry(*one.right) : json()}});
     return changes;
 }
 

@@ -11,9 +11,6 @@
 
 namespace Fructl {
 
-/// Whether a value is one that `set` could change by itself, not what follows from a change, such as a checksum.
-bool IsValue(const FruImage::CHANGE& change);
-
 /// One line a change: name, old and new value; then the areas that move or change their size.
 std::string DescribePlan(const FruImage::PLAN& plan);
 /// Moves, and bytes written in how many steps.

@@ -19,6 +19,7 @@ using FruImage::Areas;
 using FruImage::FIELD;
 using FruImage::FIELD_KIND;
 using FruImage::FIELD_NAME;
+using FruImage::FIELD_ROW;
 using FruImage::FINDING;
 using FruImage::FRU;
 using FruImage::RANGE;
