@@ -125,8 +125,9 @@ BYTES ReadFile(const std::string& path, std::size_t limit) {
 CReplacement::CReplacement(const std::string& target) : m_target(target), m_through(IsWrittenThrough(target)) {
     if (!m_through)
         m_target = Resolve(target);
+    std::error_code ignored;
     std::string pattern =
-        ((m_through ? fs::temp_directory_path() : m_target.parent_path()) / ".fructl-XXXXXX").string();
+        ((m_through ? fs::temp_directory_path(ignored) : m_target.parent_path()) / ".fructl-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         Fail(m_target, "cannot be written", errno);
     m_directory = pattern;

@@ -50,8 +50,11 @@ CHold::CHold() {
 
 CHold::~CHold() {
     g_holds = g_holds - 1;
-    if (g_holds == 0 && g_received != 0)
-        EndBy(g_received);
+    if (g_holds != 0 || g_received == 0)
+        return;
+    // What was finished nevertheless is said.
+    std::fflush(stdout);
+    EndBy(g_received);
 }
 
 CFinish::CFinish() {

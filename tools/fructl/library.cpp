@@ -1,6 +1,7 @@
 #include "tools/fructl/library.h"
 
 #include "tools/fructl/languages.h"
+#include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/titles.h"
 
@@ -14,8 +15,6 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
-
-#include <unistd.h>
 
 namespace Fructl {
 
@@ -48,7 +47,7 @@ std::string StatusText(EFI_STATUS status) {
     }
     // The device operations pass the small numbers of the transport through.
     if (status < 0xC0000000U || status > 0xFFFF0000U)
-        return fmt::format("no answer (transport status {})", static_cast<int>(status));
+        return TransportText(static_cast<int>(status));
     return fmt::format("the library failed with status {:08X}h", status);
 }
 
@@ -57,6 +56,11 @@ unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, 
 }
 
 } // namespace
+
+std::string TransportText(int status) {
+    const std::string reason = CurrentWay().Failure();
+    return reason.empty() ? fmt::format("no answer (transport status {})", status) : "no answer: " + reason;
+}
 
 std::string Utf8(const WCHAR* text) {
     std::string narrow;
@@ -105,14 +109,17 @@ void CLibrary::Start() {
     // File names are UTF-8 here, whatever the user's locale: it decides nothing but the language.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     Frudata_Sim::SetCurrentBmc(m_bmc.get());
+    KCSAddress = KcsPort();
+    if (m_bmc)
+        OpenSimulatedWay();
+    else
+        OpenWay();
     SetLibDebugLevel(Settings().debugLevel);
-    if (Settings().kcsPort)
-        KCSAddress = static_cast<int>(*Settings().kcsPort);
     Check(m_table->Initialize(nullptr, Settings().platform), EXIT_DEVICE, "library");
     LoadTexts();
     m_table->SetProgressCallback(m_table, IgnoreProgress);
-    if (!m_bmc && Settings().interface != IPMI_INTERFACE_KCS && !SelectIPMIInterface(Settings().interface))
-        throw CToolError(EXIT_DEVICE, "--interface", "no session with the BMC", "is libipmi.so installed?");
+    if (const std::string reason = CurrentWay().Started(); !reason.empty())
+        throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
 }
 
 /// The table is looked up from its own directory, so that its name may have any characters.
@@ -144,9 +151,10 @@ void CLibrary::CheckBmc() const {
     // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
     if (status == 0 && response->dataLength < 0xFF)
         return;
-    throw CToolError(EXIT_DEVICE, "BMC", status == 0 ? "its system interface is not KCS" : "no answer to Get Device ID",
-                     geteuid() == 0 ? "is there a BMC, and is no other driver using it? --sim DIR works without one"
-                                    : "access to the BMC needs root");
+    throw CToolError(EXIT_DEVICE, "BMC",
+                     status == 0 ? "its system interface is not KCS"
+                                 : "Get Device ID over " + CurrentWay().Description() + ": " + TransportText(status),
+                     "is there a BMC, and is no other driver using it? --sim DIR works without one");
 }
 
 void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {

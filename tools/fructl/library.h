@@ -4,6 +4,7 @@
 #include "tools/fructl/address.h"
 #include "tools/fructl/bytes.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/way.h"
 
 #include <memory>
 #include <string>
@@ -48,10 +49,13 @@ class CLibrary {
     void LoadTexts() const;
     void CheckBmc() const;
 
+    CWayCloser m_way;
     _EFI_FRU_INTERFACE* m_table;
     std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };
 
+/// Why a request got no answer, in the words of the way taken.
+std::string TransportText(int status);
 /// UTF-8 of a text of the library; empty for null.
 std::string Utf8(const WCHAR* text);
 

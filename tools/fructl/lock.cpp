@@ -38,7 +38,8 @@ fs::path LockPath(const SOURCE& device) {
     for (const fs::path& directory : {fs::path("/run/lock"), fs::path(runtime ? runtime : "")})
         if (!directory.empty() && access(directory.c_str(), W_OK | X_OK) == 0)
             return directory / name;
-    return fs::temp_directory_path() / name;
+    std::error_code ignored;
+    return fs::temp_directory_path(ignored) / name;
 }
 
 int OpenLock(const fs::path& path) {

@@ -3,6 +3,7 @@
 #include "tools/fructl/eeprom.h"
 #include "tools/fructl/filekind.h"
 #include "tools/fructl/files.h"
+#include "tools/fructl/toolerror.h"
 
 namespace Fructl {
 
@@ -18,6 +19,8 @@ SOURCE FileSource(const std::string& path) {
     if (IsEepromPath(path))
         return EepromSource(path);
     BYTES bytes = ReadStart(path, FILE_LIMIT + 1);
+    if (bytes.empty())
+        throw CToolError(EXIT_REFUSED, path, "is empty");
     const SOURCE::KIND kind = LooksLikeImage(bytes) ? SOURCE::IMAGE : SOURCE::TEXT;
     CheckSize(path, bytes, kind == SOURCE::IMAGE ? IMAGE_LIMIT : FILE_LIMIT);
     return {kind, path, {}, {}, std::move(bytes)};

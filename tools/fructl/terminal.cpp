@@ -40,7 +40,25 @@ std::size_t PrintableLength(std::string_view text) {
     return first == 0xC2 && static_cast<UINT8>(text[1]) < 0xA0 ? 0 : length;
 }
 
+/// Bytes of the control character at the start of `text`; 0 where it is none.
+std::size_t ControlLength(std::string_view text) {
+    const auto first = static_cast<UINT8>(text[0]);
+    if (first < 0x80)
+        return first < 0x20 || first == 0x7F ? 1 : 0;
+    return first == 0xC2 && text.size() > 1 && (static_cast<UINT8>(text[1]) & 0xE0) == 0x80 ? 2 : 0;
+}
+
 } // namespace
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = std::max(PrintableLength(text), ControlLength(text));
+        if (length == 0)
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
 
 std::string Printable(std::string_view text) {
     std::string result;

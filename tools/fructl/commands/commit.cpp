@@ -83,12 +83,32 @@ nlohmann::json JsonSteps(const PLAN& plan) {
     return steps;
 }
 
+/// Writes with a progress bar, and to its end whatever the terminal says. A failure says how far it came.
+void Write(const SOURCE& device, const std::function<void(const PROGRESS&)>& work) {
+    const CFinish finish;
+    CProgressBar bar("writing " + device.label);
+    std::size_t written = 0;
+    std::size_t all = 0;
+    try {
+        work([&](std::size_t done, std::size_t total, const std::string& text) {
+            written = done;
+            all = total;
+            bar.Step(done, total, text);
+        });
+    } catch (CToolError& error) {
+        if (error.m_status == EXIT_DEVICE && all != 0)
+            error.m_why += fmt::format("; {} of {} were written before", written, Counted(all, "byte"));
+        throw;
+    }
+}
+
 void WritePlan(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library) {
-    CProgressBar bar("writing " + contents.source.label);
-    if (library)
-        CommitDevice(contents, *library, bar.Sink());
-    else
-        WriteSteps(contents.source, plan.steps, contents.bytes, bar.Sink());
+    Write(contents.source, [&](const PROGRESS& sink) {
+        if (library)
+            CommitDevice(contents, *library, sink);
+        else
+            WriteSteps(contents.source, plan.steps, contents.bytes, sink);
+    });
 }
 
 CONTENTS OpenWhole(const SOURCE& device) {
@@ -125,9 +145,7 @@ std::string RestoreHint(const std::string& backup, const CONTENTS& before) {
 }
 
 void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known) {
-    const CFinish finish;
-    CProgressBar bar("writing " + device.label);
-    WriteDevice(device, bytes, known, bar.Sink());
+    Write(device, [&](const PROGRESS& sink) { WriteDevice(device, bytes, known, sink); });
 }
 
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) {

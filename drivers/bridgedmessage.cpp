@@ -1,0 +1,70 @@
+#include "drivers/bridgedmessage.h"
+
+#include <iterator>
+#include <numeric>
+
+namespace Frudata_Driver {
+
+namespace {
+
+/// Positions in the data of a Send Message: the channel, then the frame.
+enum : std::size_t {
+    CHANNEL,
+    RESPONDER,
+    NETFN_RESPONDER_LUN,
+    HEADER_CHECKSUM,
+    REQUESTER,
+    SEQUENCE_REQUESTER_LUN,
+    COMMAND,
+    FIRST_DATA,
+    SMALLEST = FIRST_DATA + 1
+};
+
+/// Positions in the data of a Get Message response.
+constexpr std::size_t ANSWER_RESPONDER = 3;
+
+/// What makes the sum of the bytes 0 modulo 256.
+UINT8 ZeroChecksum(std::span<const UINT8> bytes) {
+    return static_cast<UINT8>(-std::accumulate(bytes.begin(), bytes.end(), 0));
+}
+
+} // namespace
+
+UINT8 ParseSendMessage(std::span<const UINT8> data, BRIDGED_REQUEST& request) {
+    if (data.size() < SMALLEST)
+        return COMPLETION_BAD_LENGTH;
+    // Bytes and their checksum add up to 0, and so does the checksum over both.
+    if (ZeroChecksum(data.subspan(RESPONDER, REQUESTER - RESPONDER)) != 0 || ZeroChecksum(data.subspan(REQUESTER)) != 0)
+        return COMPLETION_INVALID_FIELD;
+    request.channel = data[CHANNEL] & 0x0F;
+    request.responder = data[RESPONDER];
+    request.netFn = data[NETFN_RESPONDER_LUN] >> 2;
+    request.lun = data[NETFN_RESPONDER_LUN] & 0x03;
+    request.requester = data[REQUESTER];
+    request.requesterLun = data[SEQUENCE_REQUESTER_LUN] & 0x03;
+    request.sequence = data[SEQUENCE_REQUESTER_LUN] >> 2;
+    request.cmd = data[COMMAND];
+    request.data.assign(data.begin() + FIRST_DATA, data.end() - 1);
+    return COMPLETION_SUCCESS;
+}
+
+std::vector<UINT8> FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 completionCode,
+                                      std::span<const UINT8> data) {
+    // The requester's address opens the frame on the bus and counts in its checksum, but Get Message leaves it out.
+    const UINT8 head[] = {request.requester, static_cast<UINT8>((request.netFn + 1) << 2 | request.requesterLun)};
+    const UINT8 opening[] = {request.channel,
+                             head[1],
+                             ZeroChecksum(head),
+                             request.responder,
+                             static_cast<UINT8>(request.sequence << 2 | request.lun),
+                             request.cmd,
+                             completionCode};
+    std::vector<UINT8> message;
+    message.reserve(std::size(opening) + data.size() + 1);
+    message.assign(std::begin(opening), std::end(opening));
+    message.insert(message.end(), data.begin(), data.end());
+    message.push_back(ZeroChecksum(std::span(message).subspan(ANSWER_RESPONDER)));
+    return message;
+}
+
+} // namespace Frudata_Driver

@@ -1,0 +1,47 @@
+// A session as the module hands it out: it knows when to stop waiting, and what becomes of bridged requests.
+#pragma once
+
+#include "drivers/lan/ipmicontext.h"
+#include "drivers/lan/worker.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace Frudata_Driver {
+
+/// See LAN_INTERFACE for what the functions promise. They may throw where memory ends.
+class CLanSession {
+  public:
+    /// @throw std::system_error where there is no thread to be had
+    explicit CLanSession(std::chrono::milliseconds timeout);
+    /// False in a child of the process that opened it: its thread is not there, so it must be left as it is.
+    bool IsOurs() const;
+
+    /// @return a LAN_RESULT, with a `message` unless it is LAN_OK
+    int Open(std::shared_ptr<const SESSION_PARAMETERS> parameters, std::string& message);
+    int Send(const _IMBPREQUESTDATA& request, int timeout, UINT8* responseData, int& responseLength,
+             UINT8& completionCode);
+    const std::string& Message() const { return m_message; }
+    const std::string& Description() const { return m_description; }
+
+  private:
+    EXCHANGE Exchange(const _IMBPREQUESTDATA& request, int timeout);
+    EXCHANGE SendMessage(const std::vector<UINT8>& data, std::chrono::milliseconds limit);
+    EXCHANGE GetMessage();
+    EXCHANGE Wait(std::function<void(CIpmiContext&, EXCHANGE&)> ask, std::chrono::milliseconds limit);
+
+    const pid_t m_process;
+    const std::chrono::milliseconds m_timeout;
+    const std::shared_ptr<CIpmiContext> m_context;
+    CWorker m_worker;
+    /// The answer that Get Message is to give: the newest, where one was never fetched.
+    std::vector<UINT8> m_queued;
+    std::string m_name;
+    std::string m_message;
+    std::string m_description;
+};
+
+} // namespace Frudata_Driver
