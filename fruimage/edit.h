@@ -17,26 +17,26 @@ namespace FruImage {
 /// ("board.language"; number or name: texts are kept and written in the new language's encoding).
 /// A FRU without the area gets it. Fields between the early end of a list and this one become empty ones.
 struct SET_FIELD {
-    FIELD_NAME name;
-    std::string text;                 ///< UTF-8; a date, a chassis type or a language as people write it
-    std::optional<ENCODING> encoding; ///< without one, the field's own is kept where it holds the value
+    FIELD_NAME name = {};
+    std::string text = {};                 ///< UTF-8; a date, a chassis type or a language as people write it
+    std::optional<ENCODING> encoding = {}; ///< without one, the field's own is kept where it holds the value
 };
 /// The same with the value's bytes as they are to be stored. TEXT and TWO_BYTE_TEXT are one type code: what the
 /// bytes mean then is for the area's language to say.
 struct SET_BYTES {
-    FIELD_NAME name;
+    FIELD_NAME name = {};
     ENCODING encoding = ENCODING::BINARY;
-    BYTES bytes;
+    BYTES bytes = {};
 };
 /// Adds a custom field behind the last one.
 struct ADD_FIELD {
     AREA_ID area = AREA_ID::PRODUCT;
-    std::string text;
-    std::optional<ENCODING> encoding;
+    std::string text = {};
+    std::optional<ENCODING> encoding = {};
 };
 /// Removes a custom field; those behind it move down by one. A predefined field can only be empty.
 struct REMOVE_FIELD {
-    FIELD_NAME name;
+    FIELD_NAME name = {};
 };
 /// Removes an area; its bytes stay, as unused ones.
 struct REMOVE_AREA {
@@ -45,34 +45,34 @@ struct REMOVE_AREA {
 /// Replaces the bytes of the internal use area, its format version byte included. FIXED_SIZE unless they are as many as
 /// before or `resize` says so. A FRU without the area gets it.
 struct SET_INTERNAL {
-    BYTES bytes;
+    BYTES bytes = {};
     bool resize = false;
 };
 /// A record without what follows from the rest: checksums, end of list.
 struct RECORD_VALUE {
     BYTE type = 0;
     BYTE format = 2;
-    BYTES data; ///< 1 to 255 bytes
+    BYTES data = {}; ///< 1 to 255 bytes
 };
 /// Adds a record behind the last one, in front of an empty closing one. A FRU without the area gets it.
 struct APPEND_RECORD {
-    RECORD_VALUE record;
+    RECORD_VALUE record = {};
 };
 /// `index` counts from 0. A record with a wrong data checksum may be replaced or removed.
 struct REPLACE_RECORD {
     std::size_t index = 0;
-    RECORD_VALUE record;
+    RECORD_VALUE record = {};
 };
 struct REMOVE_RECORD {
     std::size_t index = 0;
 };
 /// Replaces all records; none: the area is removed.
 struct REPLACE_RECORDS {
-    std::vector<RECORD_VALUE> records;
+    std::vector<RECORD_VALUE> records = {};
 };
 /// Replaces the whole chain by bytes that are one already, sound to the last. BAD_VALUE where they are none.
 struct SET_RECORD_BYTES {
-    BYTES bytes;
+    BYTES bytes = {};
 };
 
 using EDIT = std::variant<SET_FIELD, SET_BYTES, ADD_FIELD, REMOVE_FIELD, REMOVE_AREA, SET_INTERNAL, APPEND_RECORD,
