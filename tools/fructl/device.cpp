@@ -46,6 +46,10 @@ bool IsTooLong(UINT8 code) {
     return code == 0xC7 || code == 0xC8 || code == 0xCA;
 }
 
+bool IsSoundHeader(BYTE_VIEW header) {
+    return (header[0] & 0x0F) == 1 && FruImage::ZeroChecksum(header) == 0;
+}
+
 } // namespace
 
 CDevice::CDevice(const ADDRESS& address, std::string name)
@@ -191,12 +195,19 @@ void CDevice::ReadAreas(DEVICE_BYTES& device, const PROGRESS& progress) {
 
 void CDevice::ReadAreasOfUnknownSize(DEVICE_BYTES& device, const PROGRESS& progress) {
     const auto passesEnd = [](const FruImage::FINDING& finding) { return finding.code == "area-past-end"; };
-    for (std::size_t size = SMALLEST_EEPROM; size <= DEVICE_LIMIT; size *= 2) {
-        device.bytes.resize(std::max(size, device.bytes.size()));
-        ReadAreas(device, progress);
-        const FruImage::FRU fru = FruImage::Parse(device.bytes, device.read);
-        if (std::none_of(fru.findings.begin(), fru.findings.end(), passesEnd))
-            break;
+    try {
+        for (std::size_t size = SMALLEST_EEPROM; size <= DEVICE_LIMIT; size *= 2) {
+            device.bytes.resize(std::max(size, device.bytes.size()));
+            ReadAreas(device, progress);
+            const FruImage::FRU fru = FruImage::Parse(device.bytes, device.read);
+            if (std::none_of(fru.findings.begin(), fru.findings.end(), passesEnd))
+                break;
+        }
+    } catch (const CToolError&) {
+        // The search behind a damaged header comes past the end of a small part; a sound one names nothing there.
+        const BYTE_VIEW header = Slice(device.bytes, 0, device.read.front().length);
+        if (header.size() < FruImage::HEADER_SIZE || IsSoundHeader(header.first(FruImage::HEADER_SIZE)))
+            throw;
     }
     std::size_t end = 0;
     for (const FruImage::RANGE& range : device.read)
