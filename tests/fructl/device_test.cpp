@@ -138,9 +138,8 @@ TEST_F(CDeviceTest, APowerCutAtAnyWriteIsRepaired) {
             EXPECT_EQ(ReadFile("server/bmc.bin"), before);
         }
         // What a cut leaves is whole or known to be damaged.
-        EXPECT_EQ(reloads[0] + reloads[4], std::accumulate(reloads.begin(), reloads.end(), 0, [](int sum, auto& one) {
-                      return sum + one.second;
-                  }));
+        EXPECT_EQ(reloads[0] + reloads[4], std::accumulate(reloads.begin(), reloads.end(), 0,
+                                                           [](int sum, auto& one) { return sum + one.second; }));
         EXPECT_GT(reloads[0], 1);
     }
 }

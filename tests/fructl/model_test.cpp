@@ -164,7 +164,8 @@ TEST_F(CModelTest, AnAreaGrowsAndNothingElseChanges) {
             if (!old || old->language != 0)
                 continue;
             const std::string value(60, 'z');
-            const RESULT result = Fructl(std::string("set a.bin ") + area + ".custom+=" + value + " -o b.bin --size 4096");
+            const RESULT result =
+                Fructl(std::string("set a.bin ") + area + ".custom+=" + value + " -o b.bin --size 4096");
             // Where the internal use area leaves no room, nothing may be written.
             if (result.status != 0) {
                 EXPECT_THAT(result.errors, HasSubstr("needed"));
@@ -189,23 +190,23 @@ TEST_F(CModelTest, FieldsAreAddedRemovedEncodedAndDated) {
         const char* words;
         const char* get; ///< names to ask for then
         const char* output;
-    } CASES[] = {
-        {"product.custom+=Three", "product.custom1 product.custom3", "custom one\nThree\n"},
-        {"product.custom3=Three", "product.custom3", "Three\n"},
-        {"product.custom1-", "product.custom1", "custom two\n"},
-        {"--remove product.custom2", "product.custom1", "custom one\n"},
-        {"product.custom1- product.custom2- product.custom+=New", "product.custom1", "New\n"},
-        {"board.part-number:6-bit=AB-12", "board.part-number", "AB-12\n"},
-        {"board.part-number:bcd+=12-34 board.custom+:binary='00 FF'", "board.part-number board.custom1",
-         "12-34\n00 FF\n"},
-        {"board.serial-number=X", "board.serial-number", "X\n"},
-        {"chassis.type=28", "chassis.type", "Blade\n"},
-        {"chassis.type='rack mount chassis'", "chassis.type", "Rack mount chassis\n"},
-        {"board.mfg-date=2026-05-31T14:30Z", "board.mfg-date", "2026-05-31T14:30Z\n"},
-        {"product.language=8 product.name=\xC3\x89t\xC3\xA9", "product.name product.serial-number", "\xC3\x89t\xC3\xA9\nPS-1\n"},
-        {"internal.data='01 02 03'", "internal.data", "01 02 03 00 00 00 00 00\n"},
-        {"multirecord.data='C0 82 01 FE BF 02'", "multirecord.data", "C0 82 01 FE BF 02\n"},
-        {"product- board-", "chassis.serial-number", "CS-1\n"}};
+    } CASES[] = {{"product.custom+=Three", "product.custom1 product.custom3", "custom one\nThree\n"},
+                 {"product.custom3=Three", "product.custom3", "Three\n"},
+                 {"product.custom1-", "product.custom1", "custom two\n"},
+                 {"--remove product.custom2", "product.custom1", "custom one\n"},
+                 {"product.custom1- product.custom2- product.custom+=New", "product.custom1", "New\n"},
+                 {"board.part-number:6-bit=AB-12", "board.part-number", "AB-12\n"},
+                 {"board.part-number:bcd+=12-34 board.custom+:binary='00 FF'", "board.part-number board.custom1",
+                  "12-34\n00 FF\n"},
+                 {"board.serial-number=X", "board.serial-number", "X\n"},
+                 {"chassis.type=28", "chassis.type", "Blade\n"},
+                 {"chassis.type='rack mount chassis'", "chassis.type", "Rack mount chassis\n"},
+                 {"board.mfg-date=2026-05-31T14:30Z", "board.mfg-date", "2026-05-31T14:30Z\n"},
+                 {"product.language=8 product.name=\xC3\x89t\xC3\xA9", "product.name product.serial-number",
+                  "\xC3\x89t\xC3\xA9\nPS-1\n"},
+                 {"internal.data='01 02 03'", "internal.data", "01 02 03 00 00 00 00 00\n"},
+                 {"multirecord.data='C0 82 01 FE BF 02'", "multirecord.data", "C0 82 01 FE BF 02\n"},
+                 {"product- board-", "chassis.serial-number", "CS-1\n"}};
     for (const auto& one : CASES) {
         SCOPED_TRACE(one.words);
         const RESULT set = Fructl(std::string("set a.bin -o b.bin ") + one.words);

@@ -12,8 +12,8 @@ struct CONTENTS {
     SOURCE source;
     BYTES bytes; ///< the file, or what was read from the device
     FRU fru;
-    FRU_TEXT text = {};      ///< TEXT: its lines
-    bool sizeKnown = true;   ///< DEVICE: it told its size, which is that of `bytes`
+    FRU_TEXT text = {};       ///< TEXT: its lines
+    bool sizeKnown = true;    ///< DEVICE: it told its size, which is that of `bytes`
     std::string failure = {}; ///< DEVICE: why it could not be read to its end
 
     /// Bytes that changes may use: all of a device, any number in a file.

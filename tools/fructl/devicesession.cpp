@@ -13,7 +13,6 @@ namespace Fructl {
 
 namespace {
 
-
 using FruImage::STEP;
 using nlohmann::json;
 
@@ -111,7 +110,8 @@ void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const P
         progress);
 }
 
-void WriteSteps(const SOURCE& source, const std::vector<FruImage::STEP>& steps, const BYTES& before, const PROGRESS& progress) {
+void WriteSteps(const SOURCE& source, const std::vector<FruImage::STEP>& steps, const BYTES& before,
+                const PROGRESS& progress) {
     if (source.isEeprom) {
         const CEeprom eeprom(source.label);
         return MakeSteps(

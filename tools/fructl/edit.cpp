@@ -185,9 +185,9 @@ std::vector<EDIT> CopyFields(const FRU& values, const FRU& target) {
 
 void Refuse(const FruImage::ERROR& error, const std::string& source) {
     using FruImage::REFUSAL;
-    std::string what = !error.field.empty()                  ? error.field
-                       : error.area == AREA_ID::HEADER       ? source
-                                                             : std::string(AreaName(error.area));
+    std::string what = !error.field.empty()            ? error.field
+                       : error.area == AREA_ID::HEADER ? source
+                                                       : std::string(AreaName(error.area));
     std::string why = error.text;
     if (error.code == REFUSAL::NO_ROOM)
         why += fmt::format(": {} bytes are needed, {} are there", error.needed, error.available);

@@ -1,4 +1,5 @@
-// The standard's view of a FRU (fruimage/), by the names it has throughout the tool, and what is wrong with one in words.
+// The standard's view of a FRU (fruimage/), by the names it has throughout the tool, and what is wrong with one in
+// words.
 #pragma once
 
 #include "fruimage/image.h"

@@ -154,9 +154,12 @@ json JsonReport(const CONTENTS& contents) {
     json areas = json::array();
     for (const AREA& area : fru.areas)
         areas.push_back(JsonArea(fru, area));
-    json report = {{"source", JsonSource(contents.source)}, {"status", StatusName(fru)},
-                   {"problems", JsonProblems(fru)},         {"findings", JsonFindings(fru)},
-                   {"size", fru.bytes.size()},              {"header", JsonHeader(fru)},
+    json report = {{"source", JsonSource(contents.source)},
+                   {"status", StatusName(fru)},
+                   {"problems", JsonProblems(fru)},
+                   {"findings", JsonFindings(fru)},
+                   {"size", fru.bytes.size()},
+                   {"header", JsonHeader(fru)},
                    {"areas", std::move(areas)}};
     AddGaps(fru, report);
     return report;

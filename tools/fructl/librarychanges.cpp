@@ -27,8 +27,8 @@ bool AddFields(const AREA& before, const AREA& after, LIBRARY_CHANGES& changes) 
         const bool isText = field.kind != FIELD_KIND::TEXT || field.encoding == FruImage::ENCODING::TEXT;
         if (!isText)
             return false;
-        changes.fields.push_back({FruImage::FieldAt(after.id, position), after.fields.size(),
-                                  before.fields[position].bytes, field.bytes});
+        changes.fields.push_back(
+            {FruImage::FieldAt(after.id, position), after.fields.size(), before.fields[position].bytes, field.bytes});
     }
     return true;
 }

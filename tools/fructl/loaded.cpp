@@ -44,8 +44,7 @@ void MarkProduct(const CLibrary& library, const FRU& fru, const LIBRARY_CHANGES&
     const AREA& area = *fru.Find(AREA_ID::PRODUCT);
     // Whatever is set becomes 8-bit text: only a field of that type, or an empty one, keeps its value.
     for (unsigned index = 0; index < area.Row().fields.size(); ++index)
-        if (const FIELD& field = area.fields[index];
-            field.encoding == FruImage::ENCODING::TEXT || field.bytes.empty())
+        if (const FIELD& field = area.fields[index]; field.encoding == FruImage::ENCODING::TEXT || field.bytes.empty())
             return SetField(library, AREA_ID::PRODUCT, index, field.bytes, "product");
 }
 

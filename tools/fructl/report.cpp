@@ -16,7 +16,8 @@ constexpr const char* KINDS[] = {"FRU text file", "binary image", "device"};
 std::string ChecksumText(const AREA& area) {
     if (area.checksum == area.expectedChecksum)
         return "checksum ok";
-    return Colored(COLOR::RED, fmt::format("checksum {:02X}h, should be {:02X}h", area.checksum, area.expectedChecksum));
+    return Colored(COLOR::RED,
+                   fmt::format("checksum {:02X}h, should be {:02X}h", area.checksum, area.expectedChecksum));
 }
 
 std::string AreaHeading(const AREA& area) {

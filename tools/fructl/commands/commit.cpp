@@ -69,8 +69,8 @@ std::optional<LIBRARY_CHANGES> ThroughLibrary(const CONTENTS& contents, const PL
 }
 
 std::string StepsText(const PLAN& plan) {
-    std::string text = fmt::format("  written in {}: {}\n", Counted(plan.steps.size(), "step"),
-                                   Counted(plan.Written(), "byte"));
+    std::string text =
+        fmt::format("  written in {}: {}\n", Counted(plan.steps.size(), "step"), Counted(plan.Written(), "byte"));
     for (const FruImage::STEP& step : plan.steps)
         text += fmt::format("    {:5} at {:03X}h  {}\n", Counted(step.bytes.size(), "byte"), step.offset, step.what);
     return text;

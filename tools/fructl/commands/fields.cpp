@@ -35,9 +35,10 @@ std::vector<LISTED> AllFields() {
             continue;
         }
         for (std::size_t position = 0; position < row.fields.size(); ++position)
-            all.push_back({FieldNameText(FruImage::FieldAt(row.id, position)), Title(row, position), Hint(row.fields[position])});
-        all.push_back(
-            {FieldNameText(FruImage::FieldAt(row.id, row.fields.size())), Title(row, row.fields.size()), fmt::format("and so on; {}.custom+=VALUE adds one", row.name)});
+            all.push_back(
+                {FieldNameText(FruImage::FieldAt(row.id, position)), Title(row, position), Hint(row.fields[position])});
+        all.push_back({FieldNameText(FruImage::FieldAt(row.id, row.fields.size())), Title(row, row.fields.size()),
+                       fmt::format("and so on; {}.custom+=VALUE adds one", row.name)});
         if (row.hasLanguage)
             all.push_back({fmt::format("{}.language", row.name), "Language", "a number, or a name such as English"});
     }

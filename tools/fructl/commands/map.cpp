@@ -1,6 +1,5 @@
 #include "tools/fructl/commands/commands.h"
 
-
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -19,9 +18,9 @@ struct MARK {
     char letter; ///< a used byte; a free one is the letter in lower case
     COLOR color;
 };
-constexpr MARK MARKS[] = {{AREA_ID::HEADER, 'H', COLOR::BOLD}, {AREA_ID::INTERNAL_USE, 'I', COLOR::MAGENTA},
-                          {AREA_ID::CHASSIS, 'C', COLOR::BLUE},       {AREA_ID::BOARD, 'B', COLOR::GREEN},
-                          {AREA_ID::PRODUCT, 'P', COLOR::YELLOW},     {AREA_ID::MULTIRECORD, 'M', COLOR::CYAN}};
+constexpr MARK MARKS[] = {{AREA_ID::HEADER, 'H', COLOR::BOLD},    {AREA_ID::INTERNAL_USE, 'I', COLOR::MAGENTA},
+                          {AREA_ID::CHASSIS, 'C', COLOR::BLUE},   {AREA_ID::BOARD, 'B', COLOR::GREEN},
+                          {AREA_ID::PRODUCT, 'P', COLOR::YELLOW}, {AREA_ID::MULTIRECORD, 'M', COLOR::CYAN}};
 
 const MARK& MarkOf(AREA_ID area) {
     return *std::find_if(std::begin(MARKS), std::end(MARKS) - 1, [&](const MARK& mark) { return mark.area == area; });
@@ -105,7 +104,8 @@ void Map(CSources& sources) {
     const CONTENTS contents = Open(source);
     const FRU& fru = contents.fru;
     if (Settings().json) {
-        nlohmann::json areas = {{{"name", "header"}, {"offset", 0}, {"length", FruImage::HEADER_SIZE}, {"used", FruImage::HEADER_SIZE}}};
+        nlohmann::json areas = {
+            {{"name", "header"}, {"offset", 0}, {"length", FruImage::HEADER_SIZE}, {"used", FruImage::HEADER_SIZE}}};
         for (const AREA& area : fru.areas)
             areas.push_back({{"name", AreaName(area.id)},
                              {"offset", area.offset},
@@ -113,7 +113,8 @@ void Map(CSources& sources) {
                              {"used", std::min(area.used, area.length)}});
         PrintJson({{"source", JsonSource(source)}, {"size", fru.bytes.size()}, {"areas", std::move(areas)}});
     } else {
-        std::vector<std::vector<std::string>> rows = {Row(AREA_ID::HEADER, 0, FruImage::HEADER_SIZE, FruImage::HEADER_SIZE)};
+        std::vector<std::vector<std::string>> rows = {
+            Row(AREA_ID::HEADER, 0, FruImage::HEADER_SIZE, FruImage::HEADER_SIZE)};
         for (const AREA& area : fru.areas)
             rows.push_back(Row(area.id, area.offset, area.length, area.used));
         PrintText(fmt::format("{}  {} bytes\n\n{}\n{}", Colored(COLOR::BOLD, source.label), fru.bytes.size(),

@@ -15,9 +15,9 @@ void Save(const SOURCE& source, const TARGET& target) {
     contents.NoteDamage();
     Note("saved " + target.path);
     if (!contents.failure.empty())
-        throw CToolError(EXIT_DEVICE, source.label, contents.failure,
-                         fmt::format("{} holds the {} in front of it", target.path,
-                                     Counted(contents.bytes.size(), "byte")));
+        throw CToolError(
+            EXIT_DEVICE, source.label, contents.failure,
+            fmt::format("{} holds the {} in front of it", target.path, Counted(contents.bytes.size(), "byte")));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "tools/fructl/commands/commands.h"
 
-
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
