@@ -78,26 +78,44 @@ bool SolveInternal(const FRU& fru, GUESS& guess) {
     return true;
 }
 
-/// What can be trusted of it: the checksum agrees, or the checksum alone is wrong, or every area is accounted for.
-FAULT Settle(const FRU& fru, GUESS& guess) {
-    const auto same = [&] {
-        return std::equal(guess.header.begin(), guess.header.begin() + CHECKSUM, fru.header.begin());
-    };
-    if (same() || Sum(guess) == fru.header[CHECKSUM])
-        return std::nullopt;
+/// Whether two areas of it are at one place.
+bool HasDoubles(const GUESS& guess) {
+    for (std::size_t first = 1; first < PAD; ++first)
+        for (std::size_t second = first + 1; second < PAD; ++second)
+            if (guess.header[first] != 0 && guess.header[first] == guess.header[second])
+                return true;
+    return false;
+}
+
+/// Whether the checksum of the damaged header agrees with the guess, or is the only thing that does not.
+bool IsVouchedFor(const FRU& fru, GUESS& guess) {
+    const BYTE pad = guess.header[PAD];
+    if (Sum(guess) == fru.header[CHECKSUM])
+        return true;
     guess.header[PAD] = 0;
     if (Sum(guess) == fru.header[CHECKSUM])
-        return std::nullopt;
+        return true;
     if (guess.header[1] == 0 && guess.dropped && SolveInternal(fru, guess))
+        return true;
+    guess.header[PAD] = pad;
+    return std::equal(guess.header.begin(), guess.header.begin() + CHECKSUM, fru.header.begin());
+}
+
+/// Why the guess cannot be trusted: an area is not accounted for.
+FAULT Doubt(const FRU& fru, GUESS& guess) {
+    if (HasDoubles(guess) || (fru.candidates.empty() && !IsVouchedFor(fru, guess)))
+        return Refuse(REFUSAL::NOTHING_TO_DO, AREA_ID::HEADER, "no area was found that a header could name");
+    if (IsVouchedFor(fru, guess))
         return std::nullopt;
+    guess.header[PAD] = 0;
     if (!guess.vouched)
         return Ambiguous(AREA_ID::HEADER,
-                         "the header names an area that was not found, and is wrong elsewhere: with that area "
-                         "or without it are two candidates");
+                         "the header names an area that was not found, and is wrong elsewhere: there are two "
+                         "candidates, with that area and without it");
     if (const GAP* gap = UnknownBytes(fru))
-        return Ambiguous(AREA_ID::HEADER, Text("the bytes at ", PlaceText(gap->offset),
-                                               " may be an area, such as the internal use "
-                                               "area, or none"));
+        return Ambiguous(AREA_ID::HEADER,
+                         Text("the bytes at ", PlaceText(gap->offset),
+                              " may be an area that nothing shows, such as the internal use area, or none"));
     return std::nullopt;
 }
 
@@ -110,7 +128,7 @@ FAULT MendHeader(MENDING& mending, const FRU& fru) {
     if (fru.candidates.empty() && Version(fru.header[0]) != FORMAT_VERSION)
         return std::nullopt;
     GUESS guess = Guess(fru);
-    if (FAULT fault = Settle(fru, guess))
+    if (FAULT fault = Doubt(fru, guess))
         return fault;
     guess.header[CHECKSUM] = Sum(guess);
     mending.Put(AREA_ID::HEADER, 0, guess.header,

@@ -41,23 +41,28 @@ ERROR NothingToDo(const FRU& fru, const std::vector<std::string>& left) {
     return Refuse(REFUSAL::NOTHING_TO_DO, AREA_ID::HEADER, "nothing can be repaired for certain: " + left.front());
 }
 
-void AddSteps(PLAN& plan, const FRU& before) {
+void AddStep(PLAN& plan, const FRU& after, const RANGE& range) {
+    const BYTE_VIEW bytes = Slice(plan.bytes, range.offset, range.length);
+    STEP step{range.offset, {bytes.begin(), bytes.end()}, AREA_ID::HEADER, "common header", false};
+    for (const AREA& area : after.areas)
+        if (area.Range().Overlaps(range)) {
+            step.area = area.id;
+            step.what = Text(area.Row().name, " area at ", PlaceText(area.offset));
+        }
+    plan.steps.push_back(std::move(step));
+}
+
+void AddSteps(PLAN& plan, const FRU& before, const FRU& after) {
+    const RANGE header{0, HEADER_SIZE};
+    bool headerDiffers = false;
     plan.changed = Differences(before.bytes, plan.bytes);
     for (const RANGE& range : plan.changed) {
-        const BYTE_VIEW bytes = Slice(plan.bytes, range.offset, range.length);
-        const bool header = range.offset < HEADER_SIZE;
-        plan.steps.push_back({range.offset,
-                              {bytes.begin(), bytes.end()},
-                              AREA_ID::HEADER,
-                              header ? "common header" : "bytes at " + PlaceText(range.offset),
-                              false});
-        for (const CHANGE& change : plan.changes)
-            if (!header && change.name == PlaceText(range.offset))
-                plan.steps.back().area = change.area;
+        headerDiffers = headerDiffers || range.Overlaps(header);
+        if (!range.Overlaps(header))
+            AddStep(plan, after, range);
     }
-    // The header is the first of the image and the last to be written.
-    std::stable_partition(plan.steps.begin(), plan.steps.end(),
-                          [](const STEP& step) { return step.offset >= HEADER_SIZE; });
+    if (headerDiffers)
+        AddStep(plan, after, header);
 }
 
 } // namespace
@@ -84,14 +89,15 @@ Result<PLAN> Repair(const FRU& fru) {
     if (FAULT fault = MendAreas(mending))
         return *fault;
     PLAN plan;
-    for (const FINDING& finding : Parse(mending.bytes).findings)
+    const FRU after = Parse(mending.bytes);
+    for (const FINDING& finding : after.findings)
         if (finding.severity == SEVERITY::DAMAGE)
             plan.notes.push_back(Text(AreaName(finding.area), ": ", finding.text));
     if (mending.changes.empty())
         return NothingToDo(fru, plan.notes);
     plan.bytes = std::move(mending.bytes);
     plan.changes = std::move(mending.changes);
-    AddSteps(plan, fru);
+    AddSteps(plan, fru, after);
     return plan;
 }
 

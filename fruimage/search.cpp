@@ -103,6 +103,24 @@ const AREA* FindOnly(const std::vector<PLACE>& places) {
     return nullptr;
 }
 
+/// Of several, the one with which the checksum of the damaged header is right after all.
+const AREA* FindVouched(const FRU& fru, const std::vector<PLACE>& places) {
+    const AREA* vouched = nullptr;
+    for (const PLACE& place : places)
+        for (const AREA& area : place.fits) {
+            BYTES header = fru.header;
+            for (const AREA& found : fru.areas)
+                header[static_cast<std::size_t>(found.id)] = static_cast<BYTE>(found.offset / UNIT);
+            header[static_cast<std::size_t>(area.id)] = static_cast<BYTE>(area.offset / UNIT);
+            if (ZeroChecksum(header) != 0)
+                continue;
+            if (vouched)
+                return nullptr;
+            vouched = &area;
+        }
+    return vouched;
+}
+
 void ReportAmbiguous(FRU& fru, const std::vector<PLACE>& places) {
     for (const AREA_ROW& row : Areas()) {
         std::string where;
@@ -151,6 +169,10 @@ void SearchAreas(FRU& fru) {
         for (const AREA& area : place.fits)
             fru.candidates.push_back({area.id, area.offset, area.length, IsNamed(fru, area)});
     while (const AREA* area = FindNamed(fru, places))
+        Take(fru, places, *area);
+    while (const AREA* area = FindOnly(places))
+        Take(fru, places, *area);
+    if (const AREA* area = FindVouched(fru, places))
         Take(fru, places, *area);
     while (const AREA* area = FindOnly(places))
         Take(fru, places, *area);

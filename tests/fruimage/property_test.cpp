@@ -38,15 +38,16 @@ class CRandom {
 
     AREA_DESCRIPTION Area(AREA_ID id) {
         AREA_DESCRIPTION area{.id = id, .spare = Below(40)};
-        if (id == AREA_ID::INTERNAL_USE)
+        if (id == AREA_ID::INTERNAL_USE) {
             area.bytes = Bytes(8 * (1 + Below(12)));
-        else if (id == AREA_ID::MULTIRECORD)
+            area.bytes[0] = 1;
+        } else if (id == AREA_ID::MULTIRECORD)
             for (std::size_t left = 1 + Below(3); left > 0; --left)
                 area.records.push_back({.type = static_cast<BYTE>(Below(256)), .data = Bytes(1 + Below(30))});
         else
             for (std::size_t position = 0; position < AreaRow(id).fields.size() + Below(4); ++position)
                 area.fields.push_back(position < AreaRow(id).LeadingFields()
-                                          ? FIELD_DESCRIPTION(ENCODING::BINARY, Bytes(id == AREA_ID::BOARD ? 3 : 1))
+                                          ? FIELD_DESCRIPTION(ENCODING::BINARY, Bytes(id == AREA_ID::BOARD ? 3U : 1U))
                                           : Field());
         return area;
     }

@@ -82,7 +82,7 @@ TEST(Value, ShowsWhatIsNoText) {
 
 TEST(Value, Dates) {
     const std::pair<const char*, BYTES> rows[] = {{"1996-01-01T00:01Z", {1, 0, 0}},
-                                                  {"2000-03-01T00:00Z", {0x80, 0x72, 0x21}},
+                                                  {"2000-03-01T00:00Z", {0xA0, 0x6B, 0x21}},
                                                   {"2027-11-24T20:14Z", {0xFE, 0xFF, 0xFF}},
                                                   {"unspecified", {0, 0, 0}}};
     for (const auto& [text, bytes] : rows) {

@@ -9,15 +9,14 @@ namespace FruImage {
 
 namespace {
 
-/// What the command prints; nothing where it does not run.
+/// What the command prints; nothing where it is not there.
 std::string Output(const std::string& command) {
     std::string text;
     std::array<char, 512> buffer{};
     if (FILE* pipe = popen(command.c_str(), "r")) { // NOLINT(cert-env33-c): a fixed command of the tests
         while (fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
             text += buffer.data();
-        if (pclose(pipe) != 0)
-            text.clear();
+        pclose(pipe); // a closing record makes it fail behind the fields
     }
     return text;
 }
