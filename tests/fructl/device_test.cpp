@@ -46,7 +46,7 @@ TEST_F(CDeviceTest, CommitChangesWhatItSaysAndRestoreBringsItBack) {
         EXPECT_EQ(backup, Part(before, 0, backup.size()));
         // To a device whose contents no longer load.
         BYTES broken = ReadFile(FileOf(one.file));
-        DamageFruImage(broken, FRU_DAMAGE::NOT_FRU);
+        DamageFruImage(broken, FRU_DAMAGE::HEADER_CHECKSUM);
         WriteFile(FileOf(one.file), broken);
         EXPECT_EQ(Fructl("commit" + at + "board.serial-number=NEW-43").status, 4);
         ASSERT_EQ(Fructl(std::string("restore backup.bin --sim server --to ") + one.device).status, 0);
@@ -115,7 +115,7 @@ TEST_F(CDeviceTest, APowerCutAtAnyWriteIsRepaired) {
         std::string words;
         const char* shown; ///< in the difference
     } CHANGES[] = {{"commit board.serial-number=B-42 chassis.serial-number=C-1", "-> \"B-42\""},
-                   {"commit chassis.custom+=" + text, "chassis area: moves"},
+                   {"commit chassis.custom+=" + text, "board area: moves"},
                    {"commit board.custom+=" + text, "product area: moves"},
                    {"commit product- board.custom2-", "product area: removed"},
                    {"set --commit product.name:6-bit=NW-2 product.asset-tag=" + text, "multirecord area: moves"}};

@@ -14,11 +14,13 @@ UINT8 ZeroChecksum(BYTE_VIEW bytes) {
 }
 
 std::string Hex(BYTE_VIEW bytes, std::string_view separator) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
     std::string text;
     for (const UINT8 byte : bytes) {
         if (!text.empty())
             text += separator;
-        text += fmt::format("{:02X}", byte);
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 0x0F];
     }
     return text;
 }

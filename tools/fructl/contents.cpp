@@ -24,9 +24,9 @@ void CONTENTS::RequireSound(bool advise) const {
         throw CToolError(EXIT_DAMAGED, source.label, ProblemText(fru), advise ? Advice(*this) : "");
 }
 
-void CONTENTS::NoteDamage() const {
+void NoteDamage(const std::string& label, const FRU& fru) {
     if (!fru.IsSound())
-        Note(fmt::format("{}: {}", source.label, ProblemText(fru)));
+        Note(fmt::format("{}: {}", label, ProblemText(fru)));
 }
 
 } // namespace Fructl

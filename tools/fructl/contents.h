@@ -20,8 +20,9 @@ struct CONTENTS {
     std::size_t SizeLimit() const { return source.kind == SOURCE::DEVICE ? bytes.size() : 0; }
     /// Throws EXIT_DAMAGED with what is wrong, if anything is, and where `advise` with what can be done.
     void RequireSound(bool advise = true) const;
-    /// A note of what is damaged, for work on what is not.
-    void NoteDamage() const;
 };
+
+/// A note of what is damaged, if anything is, for work on what is not.
+void NoteDamage(const std::string& label, const FRU& fru);
 
 } // namespace Fructl

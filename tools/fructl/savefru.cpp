@@ -76,7 +76,10 @@ void CheckText(const std::string& text, const std::string& path, const FRU& expe
             return nlohmann::json();
         });
     } catch (const CToolError& error) {
-        RefuseText(output, error.m_why);
+        std::string why = error.m_why;
+        if (const std::size_t at = why.find(path); at != std::string::npos)
+            why.replace(at, path.size(), output);
+        RefuseText(output, why);
     }
 }
 

@@ -31,6 +31,7 @@ void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIO
     const CONTENTS contents = Open(source, READING::WHOLE);
     const PLAN plan = planner(contents);
     const FRU after = FruImage::Parse(plan.bytes);
+    NoteDamage(source.label, after);
     const std::string& output = options.output.empty() ? source.label : options.output;
     const bool changesNothing = plan.IsEmpty();
     const std::string difference = DescribePlan(plan);

@@ -176,6 +176,7 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
     const CONTENTS contents = OpenWhole(device);
     const PLAN plan = planner(contents);
     const FRU after = FruImage::Parse(plan.bytes);
+    NoteDamage(device.label, after);
     nlohmann::json report = {{"device", JsonSource(device)},
                              {"changes", JsonChanges(contents.fru, after)},
                              {"moves", JsonMoves(plan)},

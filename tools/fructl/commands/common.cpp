@@ -63,7 +63,7 @@ void RequireAreas(const CONTENTS& contents, const std::vector<AREA_ID>& areas) {
             problems += (problems.empty() ? "" : "; ") + text;
     if (!problems.empty())
         throw CToolError(EXIT_DAMAGED, contents.source.label, problems);
-    contents.NoteDamage();
+    NoteDamage(contents.source.label, contents.fru);
 }
 
 void SetUsage(CLI::App& command, const std::string& arguments) {

@@ -12,7 +12,7 @@ namespace {
 void Save(const SOURCE& source, const TARGET& target) {
     const CONTENTS contents = Open(source, target.binary ? READING::RESCUE : READING::WHOLE);
     SaveFru(contents, contents.fru, target);
-    contents.NoteDamage();
+    NoteDamage(source.label, contents.fru);
     Note("saved " + target.path);
     if (!contents.failure.empty())
         throw CToolError(
