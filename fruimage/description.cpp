@@ -134,6 +134,9 @@ Result<DESCRIPTION> Describe(const FRU& fru) {
     for (const FINDING& finding : fru.findings)
         if (finding.code == "areas-overlap")
             return Refuse(REFUSAL::DAMAGED, finding.area, finding.text);
+    for (const AREA& area : fru.areas)
+        if (area.IsInfo() && area.length == 0)
+            return Refuse(REFUSAL::DAMAGED, area.id, "it begins past the end of the image");
     description.size = fru.bytes.size();
     description.version = fru.header[0];
     description.pad = fru.header[6];

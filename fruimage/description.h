@@ -33,8 +33,8 @@ struct RECORD_DESCRIPTION {
 struct AREA_DESCRIPTION {
     AREA_ID id = AREA_ID::PRODUCT;
     std::optional<std::size_t> offset = {}; ///< a multiple of 8; without it, behind the area before in the list
-    std::size_t length = 0;            ///< info areas: a multiple of 8; 0: as long as it must be and `spare`
-    std::size_t spare = 0;             ///< at least so many bytes of padding, where `length` is 0
+    std::size_t length = 0;                 ///< info areas: a multiple of 8; 0: as long as it must be and `spare`
+    std::size_t spare = 0;                  ///< at least so many bytes of padding, where `length` is 0
 
     // Info areas.
     BYTE version = 1; ///< first byte: the format version and four reserved bits
@@ -69,8 +69,8 @@ struct DESCRIPTION {
 };
 
 /// The description of a FRU. Of a sound one, Build makes the same bytes again; so it does with damaged areas, which
-/// are described by their bytes. DAMAGED: the header, or areas that overlap. A blank image has a description without
-/// areas only where it is of no bytes at all; DAMAGED otherwise.
+/// are described by their bytes. DAMAGED: the header, areas that overlap or begin past the end. A blank image has a
+/// description without areas only where it is of no bytes at all; DAMAGED otherwise.
 Result<DESCRIPTION> Describe(const FRU& fru);
 /// The image. BAD_DESCRIPTION: an area twice, areas that overlap, an offset or a length that the format cannot hold,
 /// a text of one byte. NO_ROOM: over `size`.

@@ -101,7 +101,7 @@ AREA ReadInfoArea(const AREA_ROW& row, BYTE_VIEW image, std::size_t offset, std:
     ReadLeadingField(area, bytes);
     ReadFields(area, bytes.first(bytes.size() - 1));
     if (area.declared == 0) { // what it has, is as much as its fields need
-        area.length = area.ended ? std::min(RoundUp(area.used), bytes.size()) : 0;
+        area.length = std::min(area.ended ? RoundUp(area.used) : UNIT, bytes.size());
         area.padding.clear();
         return area;
     }

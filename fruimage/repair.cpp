@@ -18,7 +18,7 @@ FAULT MendAreas(MENDING& mending) {
         const auto holds = [&](const AREA& other) {
             return !other.damaged && RANGE{area.offset, 1}.Overlaps(other.Range());
         };
-        if (!area.damaged)
+        if (!area.damaged || area.offset >= mending.bytes.size())
             continue;
         FAULT fault;
         if (std::any_of(fru.areas.begin(), fru.areas.end(), holds))
