@@ -1,5 +1,6 @@
 // Writes the fuzzers' first inputs, one directory a fuzzer: seeds DIRECTORY TABLE FRU-TEXT...
 // TABLE is a compiled string table; the FRU texts are taken as they are.
+#include "fruimage/records/records.h"
 #include "fuzz/support.h"
 #include "sim/samples.h"
 #include "sim/sdrrecords.h"
@@ -109,6 +110,18 @@ void WriteTableSeeds(UINT8 count) {
     }
 }
 
+/// A record of each form, without a text to set.
+void WriteRecordSeeds() {
+    for (const FruImage::RECORD_DESCRIPTION& form : FruImage::DescribeAllRecords())
+        WriteSeed("record", BYTES{form.firstType, 0, 0} + FruImage::NewRecord(form.firstType));
+    for (UINT8 subType = 1; subType <= 8; ++subType)
+        WriteSeed("record", BYTES{0x03, 0, 0, subType} + BYTES(16, 'A'));
+    for (const UINT8 id : BYTES{0x16, 0x19, 0x27, 0x2D, 0x30, 0x32})
+        WriteSeed("record", BYTES{0xC0, 0, 0, 0x5A, 0x31, 0, id, 0, 1, 2, 3});
+    for (const UINT8 subType : BYTES{0x00, 0x10})
+        WriteSeed("record", BYTES{0xFA, 0, 0, 0xA2, 0x12, 0, subType} + BYTES(7, 1));
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -125,6 +138,7 @@ int main(int argumentCount, char** arguments) {
     for (const BYTES& image : Images())
         WriteImageSeeds(image);
     WriteSdrSeeds();
+    WriteRecordSeeds();
     // The library's own text of each image.
     for (const BYTES& image : Images()) {
         _EFI_FRU_INTERFACE* const table = EmptyLibrary();
