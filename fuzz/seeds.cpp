@@ -112,8 +112,8 @@ void WriteTableSeeds(UINT8 count) {
 
 /// A record of each form, without a text to set.
 void WriteRecordSeeds() {
-    for (const FruImage::RECORD_DESCRIPTION& form : FruImage::DescribeAllRecords())
-        WriteSeed("record", BYTES{form.firstType, 0, 0} + FruImage::NewRecord(form.firstType));
+    for (const FruImage::RECORD_DESCRIPTION& form : FruRecords::DescribeAllRecords())
+        WriteSeed("record", BYTES{form.firstType, 0, 0} + FruRecords::NewRecord(form.firstType));
     for (UINT8 subType = 1; subType <= 8; ++subType)
         WriteSeed("record", BYTES{0x03, 0, 0, subType} + BYTES(16, 'A'));
     for (const UINT8 id : BYTES{0x16, 0x19, 0x27, 0x2D, 0x30, 0x32})
