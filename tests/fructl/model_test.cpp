@@ -342,6 +342,30 @@ TEST_F(CModelTest, RepairsWhatLeavesNoDoubt) {
     EXPECT_EQ(Fructl("repair blank.bin").status, 4);
 }
 
+TEST_F(CModelTest, RecordsHaveFields) {
+    ASSERT_EQ(
+        Fructl("new -o r.bin --size 256 multirecord.1.type=0 multirecord.1.rated-capacity=750 multirecord.2.type=1")
+            .status,
+        0);
+    EXPECT_EQ(Fructl("get r.bin multirecord.1.rated-capacity multirecord.2.type").output, "750\n0x01\n");
+    EXPECT_THAT(Fructl("show r.bin").output, HasSubstr("750 W\n"));
+    EXPECT_THAT(Fructl("set r.bin multirecord.1.rated-capacity=800 --dry-run").output,
+                HasSubstr("multirecord.1.rated-capacity  \"750 W\" -> \"800 W\"\n"));
+    const RESULT json =
+        Shell(FRUCTL_PROGRAM " show --json r.bin | sed '/\"rated-capacity\"/,/}/s/: 750/: 800/' | " FRUCTL_PROGRAM
+                             " new --from - -o j.bin");
+    ASSERT_EQ(json.status, 0) << json.errors;
+    ASSERT_EQ(Fructl("set r.bin multirecord.1.rated-capacity=800").status, 0);
+    EXPECT_EQ(ReadFile("j.bin"), ReadFile("r.bin"));
+    ASSERT_EQ(Fructl("set r.bin multirecord.1- -o s.bin").status, 0);
+    EXPECT_EQ(Fructl("diff r.bin s.bin --exit-code").status, 5);
+    EXPECT_EQ(Fructl("get s.bin multirecord.1.type").output, "0x01\n");
+    for (const char* wrong : {"multirecord.5.type=0", "multirecord.1.colour=1", "multirecord.1.rated-capacity=99999",
+                              "multirecord.3.rated-capacity=1", "multirecord.1.type=256"}) {
+        EXPECT_EQ(Fructl(std::string("set r.bin ") + wrong).status, 2) << wrong;
+    }
+}
+
 TEST_F(CModelTest, TellsBlankFromDamagedAndImageFromText) {
     WriteFile("blank.bin", BYTES(256, 0xFF));
     const RESULT blank = Fructl("show blank.bin --json");

@@ -1,5 +1,7 @@
 #include "tools/fructl/compare.h"
 
+#include "tools/fructl/recordwords.h"
+
 #include <algorithm>
 
 namespace Fructl {
@@ -12,6 +14,9 @@ const ENTRY* Find(const std::vector<ENTRY>& entries, const std::string& name) {
 }
 
 bool IsSame(const ENTRY& left, const ENTRY& right) {
+    // Fields of a record share bytes.
+    if (left.type == "record")
+        return left.value == right.value;
     return left.raw == right.raw && (left.raw.empty() || left.type == right.type);
 }
 
@@ -33,6 +38,14 @@ ENTRY BytesEntry(AREA_ID area, BYTE_VIEW bytes) {
     return {std::string(AreaName(area)) + ".data", text, "binary", BYTES(bytes.begin(), bytes.end()), area, text};
 }
 
+/// The bytes of the multi-record area say nothing more where fields of its records differ.
+std::vector<DIFFERENCE> WithoutExplained(std::vector<DIFFERENCE> differences) {
+    const auto isRecord = [](const DIFFERENCE& one) { return ParseRecordName(one.Name()).has_value(); };
+    if (std::any_of(differences.begin(), differences.end(), isRecord))
+        std::erase_if(differences, [](const DIFFERENCE& one) { return one.Name() == "multirecord.data"; });
+    return differences;
+}
+
 } // namespace
 
 std::vector<ENTRY> Entries(const FRU& fru) {
@@ -42,15 +55,17 @@ std::vector<ENTRY> Entries(const FRU& fru) {
             AddInfoArea(area, entries);
         else
             entries.push_back(BytesEntry(area.id, fru.View(area.Range())));
+        const std::vector<ENTRY> records = RecordEntries(area);
+        entries.insert(entries.end(), records.begin(), records.end());
     }
     return entries;
 }
 
-std::optional<ENTRY> FindEntry(const FRU& fru, const FIELD_NAME& name) {
-    if (name.area == AREA_ID::HEADER)
+std::optional<ENTRY> FindEntry(const FRU& fru, const std::string& name) {
+    if (name == "header.data")
         return BytesEntry(AREA_ID::HEADER, fru.header);
     const std::vector<ENTRY> entries = Entries(fru);
-    const ENTRY* found = Find(entries, FieldNameText(name));
+    const ENTRY* found = Find(entries, name);
     return found ? std::optional<ENTRY>(*found) : std::nullopt;
 }
 
@@ -68,7 +83,7 @@ std::vector<DIFFERENCE> Compare(const FRU& left, const FRU& right) {
     for (const ENTRY& entry : rightEntries)
         if (!Find(leftEntries, entry.name))
             differences.push_back({std::nullopt, entry});
-    return differences;
+    return WithoutExplained(std::move(differences));
 }
 
 } // namespace Fructl

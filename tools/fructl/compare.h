@@ -21,8 +21,8 @@ struct ENTRY {
 };
 /// Everything that has a name, in the order of the header's offsets.
 std::vector<ENTRY> Entries(const FRU& fru);
-/// The entry of a name, if the FRU has it.
-std::optional<ENTRY> FindEntry(const FRU& fru, const FIELD_NAME& name);
+/// The entry of a name, if the FRU has it: that of a field, of an area's data, or of a field of a record.
+std::optional<ENTRY> FindEntry(const FRU& fru, const std::string& name);
 
 struct DIFFERENCE {
     std::optional<ENTRY> left;

@@ -1,6 +1,7 @@
 #include "tools/fructl/difference.h"
 
 #include "tools/fructl/jsonreport.h"
+#include "tools/fructl/recordwords.h"
 #include "tools/fructl/terminal.h"
 
 #include <fmt/format.h>
@@ -47,16 +48,32 @@ bool IsMoved(const PLAN& plan, const CHANGE& change) {
     });
 }
 
+/// The changes without those that the moves tell, records by their fields.
+std::vector<CHANGE> Shown(const PLAN& plan, const FRU& before, const FRU& after) {
+    std::vector<CHANGE> records;
+    for (const DIFFERENCE& one : Compare(before, after))
+        if (ParseRecordName(one.Name()))
+            records.push_back({AREA_ID::MULTIRECORD, one.Name(), one.left ? one.left->value : "",
+                               one.right ? one.right->value : "", ""});
+    std::vector<CHANGE> changes;
+    for (const CHANGE& change : plan.changes) {
+        const bool isRecord = change.area == AREA_ID::MULTIRECORD && IsValue(change) && !records.empty();
+        if (!isRecord && (IsValue(change) || !IsMoved(plan, change)))
+            changes.push_back(change);
+    }
+    changes.insert(changes.end(), records.begin(), records.end());
+    return changes;
+}
+
 } // namespace
 
-std::string DescribePlan(const PLAN& plan) {
+std::string DescribePlan(const PLAN& plan, const FRU& before, const FRU& after) {
+    const std::vector<CHANGE> changes = Shown(plan, before, after);
     std::size_t width = 0;
-    for (const CHANGE& change : plan.changes)
+    for (const CHANGE& change : changes)
         width = std::max(width, IsValue(change) ? change.name.size() : 0);
     std::string text;
-    for (const CHANGE& change : plan.changes) {
-        if (!IsValue(change) && IsMoved(plan, change))
-            continue;
+    for (const CHANGE& change : changes) {
         if (IsValue(change))
             text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.before), Side(change.after));
         else

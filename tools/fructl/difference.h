@@ -12,7 +12,7 @@
 namespace Fructl {
 
 /// One line a change: name, old and new value; then the areas that move or change their size.
-std::string DescribePlan(const FruImage::PLAN& plan);
+std::string DescribePlan(const FruImage::PLAN& plan, const FRU& before, const FRU& after);
 /// Moves, and bytes written in how many steps.
 nlohmann::json JsonMoves(const FruImage::PLAN& plan);
 /// Every named value of two FRUs that differs: `name`, `before`, `after`.

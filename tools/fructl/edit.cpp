@@ -65,16 +65,20 @@ EDIT Assignment(std::string name, const std::string& value, const EDIT_OPTIONS& 
 }
 
 EDIT Removal(const std::string& name) {
+    // "multirecord.2": the name of a field of the record, without the field.
+    if (const auto record = ParseRecordName(name + ".type"))
+        return FruImage::REMOVE_RECORD{record->index};
     if (name.find('.') == std::string::npos)
         return FruImage::REMOVE_AREA{NamedArea(name)};
     return FruImage::REMOVE_FIELD{NamedField(name)};
 }
 
-/// Names mean what they mean before the first change: the last custom fields go first.
+/// Names mean what they mean before the first change: the last custom fields and records go first.
 void SortRemovals(std::vector<EDIT>& removals) {
     const auto index = [](const EDIT& edit) {
+        const auto* record = std::get_if<FruImage::REMOVE_RECORD>(&edit);
         const auto* field = std::get_if<FruImage::REMOVE_FIELD>(&edit);
-        return field ? field->name.index : 0;
+        return field ? field->name.index : record ? record->index : 0;
     };
     std::stable_sort(removals.begin(), removals.end(),
                      [&](const EDIT& a, const EDIT& b) { return index(a) > index(b); });
@@ -122,7 +126,8 @@ EDIT CopyField(const FIELD_NAME& name, const FIELD& field, bool sameLanguage) {
 
 } // namespace
 
-std::vector<EDIT> ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options) {
+CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options) {
+    CHANGES changes;
     std::vector<EDIT> assignments;
     std::vector<EDIT> removals;
     std::vector<FIELD_NAME> seen;
@@ -134,14 +139,19 @@ std::vector<EDIT> ParseEdits(const std::vector<std::string>& words, const EDIT_O
         }
         if (equals == std::string::npos)
             throw CToolError(EXIT_USAGE, word, "is no AREA.FIELD=VALUE", EXAMPLE);
+        if (auto record = ParseRecordName(word.substr(0, equals))) {
+            changes.records.push_back({std::move(*record), word.substr(equals + 1)});
+            continue;
+        }
         assignments.push_back(Assignment(word.substr(0, equals), word.substr(equals + 1), options));
         CheckTwice(assignments.back(), seen);
     }
     for (const std::string& name : options.remove)
         removals.push_back(Removal(name));
-    if (assignments.empty() && removals.empty())
+    if (assignments.empty() && removals.empty() && changes.records.empty())
         throw CToolError(EXIT_USAGE, "command line", "an AREA.FIELD=VALUE is missing", EXAMPLE);
-    return InOrder(std::move(assignments), std::move(removals));
+    changes.edits = InOrder(std::move(assignments), std::move(removals));
+    return changes;
 }
 
 BYTES AreaBytes(const std::string& path) {
@@ -195,7 +205,9 @@ void Refuse(const FruImage::ERROR& error, const std::string& source) {
                      error.hint);
 }
 
-PLAN MakePlan(const CONTENTS& contents, const std::vector<EDIT>& edits, FruImage::LIMITS limits) {
+PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits) {
+    std::vector<EDIT> edits = RecordEdits(changes.records, contents.fru);
+    edits.insert(edits.end(), changes.edits.begin(), changes.edits.end());
     if (limits.deviceSize == 0)
         limits.deviceSize = contents.SizeLimit();
     auto plan = FruImage::Apply(contents.fru, edits, limits);

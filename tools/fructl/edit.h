@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/fructl/contents.h"
+#include "tools/fructl/recordwords.h"
 
 #include "fruimage/edit.h"
 
@@ -20,15 +21,22 @@ struct EDIT_OPTIONS {
     FruImage::LIMITS limits;
 };
 
+/// All changes of one call.
+struct CHANGES {
+    std::vector<EDIT> edits;
+    std::vector<RECORD_CHANGE> records; ///< made first
+};
+
 /// Reads words of the command line:
 ///     AREA.FIELD=VALUE            sets a field, the language, or with VALUE "now" the date to the present minute
 ///     AREA.FIELD:ENCODING=VALUE   the same in an encoding: text, 6-bit, bcd+, binary, two-byte
 ///     AREA.custom+=VALUE          adds a custom field behind the last one
 ///     AREA.customN-  AREA-        removes a custom field; an area
-///     internal.data=BYTES         replaces the bytes of an area, hexadecimal or, with @ in front, those of a file;
+///     multirecord.N.FIELD=VALUE   sets a field of a record, with FIELD "type" makes a new one; multirecord.N- removes
+///     it internal.data=BYTES         replaces the bytes of an area, hexadecimal or, with @ in front, those of a file;
 ///     multirecord.data=@FILE      likewise
 /// @throws CToolError for a name that does not exist, a word that is none of these, a name set twice
-std::vector<EDIT> ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options);
+CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options);
 /// The bytes of a file: hexadecimal text, in plain pairs or as `dump` prints it, or the bytes themselves.
 BYTES AreaBytes(const std::string& path);
 /// Replaces the bytes of the internal use or the multi-record area.
@@ -36,9 +44,9 @@ EDIT ReplaceArea(AREA_ID area, BYTES bytes, bool resize);
 /// The edits that give `target` the field values of `values`. @throws CToolError where it lacks an area
 std::vector<EDIT> CopyFields(const FRU& values, const FRU& target);
 
-/// All edits at once. `contents` may use SizeLimit() bytes, or as many as the limits say.
+/// All changes at once. `contents` may use SizeLimit() bytes, or as many as the limits say.
 /// @throws CToolError with what speaks against it
-PLAN MakePlan(const CONTENTS& contents, const std::vector<EDIT>& edits, FruImage::LIMITS limits);
+PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits);
 /// `error` about the source of this name as the tool tells it.
 [[noreturn]] void Refuse(const FruImage::ERROR& error, const std::string& source);
 

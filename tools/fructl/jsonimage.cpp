@@ -1,6 +1,7 @@
 #include "tools/fructl/jsonimage.h"
 
 #include "tools/fructl/fieldname.h"
+#include "tools/fructl/jsonreport.h"
 #include "tools/fructl/toolerror.h"
 
 #include <fmt/format.h>
@@ -94,12 +95,31 @@ FIELD_DESCRIPTION Field(const json& object, const AREA_ROW& row, std::size_t pos
     return counts ? Encoded(name, kind, value, field.encoding, language) : field;
 }
 
+/// Where a field's value is not what the record's bytes read as, the value counts.
+void SetRecordField(const json& object, RECORD_DESCRIPTION& record) {
+    const std::string key = Word(object, "name");
+    const json value = object.value("value", json());
+    const auto fields = FruRecords::DecodeRecord(record.type, record.data).fields;
+    const auto same = [&](const auto& field) { return field.key == key && JsonRecordValue(field) == value; };
+    if (value.is_null() || std::any_of(fields.begin(), fields.end(), same))
+        return;
+    const std::string text = value.is_string()    ? value.get<std::string>()
+                             : value.is_boolean() ? (value.get<bool>() ? "yes" : "no")
+                                                  : value.dump();
+    auto result = FruRecords::EncodeField(record.type, record.data, key, text);
+    if (!result.data)
+        RefusePart(key, result.error);
+    record.data = std::move(*result.data);
+}
+
 RECORD_DESCRIPTION Record(const json& object) {
     RECORD_DESCRIPTION record;
     record.type = Byte(object, "type", 0);
     record.data = Bytes(object, "data");
     if (object.contains("flags"))
         record.flags = Byte(object, "flags", 0);
+    for (const json& field : object.value("fields", json::array()))
+        SetRecordField(field, record);
     if (const auto checksum = object.find("checksum"); checksum != object.end() && checksum->is_object())
         record.checksum = Byte(*checksum, "is", 0);
     return record;
@@ -195,7 +215,7 @@ JSON_IMAGE ReadJsonImage(const std::string& text, const std::string& source) {
             CheckStatus(document, source);
             ReadReport(document, image.description);
         } else if (const std::vector<std::string> words = ShortWords(document); !words.empty()) {
-            image.edits = ParseEdits(words, {});
+            image.changes = ParseEdits(words, {});
         }
     } catch (const json::exception& error) {
         throw CToolError(EXIT_REFUSED, source, error.what(), "docs/json.md describes the document");

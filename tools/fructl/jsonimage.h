@@ -12,7 +12,7 @@ namespace Fructl {
 /// What a JSON document describes.
 struct JSON_IMAGE {
     FruImage::DESCRIPTION description;
-    std::vector<EDIT> edits; ///< made to what the description builds
+    CHANGES changes; ///< made to what the description builds
 };
 
 /// Reads the document of `show --json` (docs/json.md) or a short one: an object of areas, each an object of fields, or

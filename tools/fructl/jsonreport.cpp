@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <variant>
 
 namespace Fructl {
 
@@ -33,7 +34,6 @@ json JsonHeader(const FRU& fru) {
     return header;
 }
 
-/// The place for what a record means, beside the bytes that it is.
 json JsonRecord(const RECORD& record) {
     json result = {{"type", record.Type()},
                    {"format", record.Format()},
@@ -42,6 +42,18 @@ json JsonRecord(const RECORD& record) {
                    {"data", Hex(record.data)}};
     if (!record.IsSound() || (record.closing && record.Checksum() != record.expectedChecksum))
         result["checksum"] = JsonChecksum(record.Checksum(), record.expectedChecksum);
+    const FruRecords::DECODED_RECORD decoded = Decoded(record);
+    result["title"] = decoded.title;
+    result["fields"] = json::array();
+    for (const FruRecords::RECORD_FIELD& field : decoded.fields) {
+        json one = {
+            {"name", field.key}, {"title", field.title}, {"value", JsonRecordValue(field)}, {"text", field.display}};
+        if (!field.unit.empty())
+            one["unit"] = field.unit;
+        result["fields"].push_back(std::move(one));
+    }
+    if (!decoded.notes.empty())
+        result["notes"] = decoded.notes;
     return result;
 }
 
@@ -104,7 +116,18 @@ json JsonAddress(const ADDRESS& address) {
             {"sizeData", address.mbmcSizeData}, {"sizeAddress", address.mbmcSizeAddress}};
 }
 
+struct VALUE_AS_JSON {
+    json operator()(std::monostate) const { return nullptr; }
+    json operator()(const FruRecords::DECIMAL& value) const { return value.Number(); }
+    json operator()(const BYTES& value) const { return Hex(value); }
+    template <class VALUE> json operator()(const VALUE& value) const { return value; }
+};
+
 } // namespace
+
+json JsonRecordValue(const FruRecords::RECORD_FIELD& field) {
+    return std::visit(VALUE_AS_JSON(), field.value);
+}
 
 json JsonEntry(const ENTRY& entry) {
     json result = {{"name", entry.name}, {"value", entry.value}, {"type", entry.type}, {"raw", Hex(entry.raw)}};

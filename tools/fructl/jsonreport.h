@@ -3,6 +3,7 @@
 
 #include "tools/fructl/compare.h"
 #include "tools/fructl/contents.h"
+#include "tools/fructl/recordwords.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -18,6 +19,8 @@ nlohmann::json JsonSource(const SOURCE& source);
 nlohmann::json JsonProblems(const FRU& fru);
 /// Everything that is not as it should be.
 nlohmann::json JsonFindings(const FRU& fru);
+/// The value of a record's field as JSON has it.
+nlohmann::json JsonRecordValue(const FruRecords::RECORD_FIELD& field);
 /// Value, type and raw bytes of something that has a name.
 nlohmann::json JsonEntry(const ENTRY& entry);
 

@@ -1,11 +1,16 @@
 #include "tools/fructl/report.h"
 
+#include "tools/fructl/recordwords.h"
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/titles.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace Fructl {
 
@@ -61,14 +66,48 @@ std::string Indented(const std::string& text) {
     return result;
 }
 
-std::string RecordRows(const AREA& area) {
-    std::vector<std::vector<std::string>> rows;
-    for (std::size_t number = 0; number < area.records.size(); ++number) {
-        const RECORD& record = area.records[number];
-        rows.push_back({fmt::format("record {}", number + 1), fmt::format("type {:02X}h", record.Type()),
-                        Counted(record.data.size(), "byte"), Hex(record.data, " ")});
+/// Columns for a line: those of the terminal, where there is one.
+std::size_t LineWidth() {
+    constexpr std::size_t USUAL = 100;
+    winsize size{};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return isKnown ? size.ws_col : USUAL;
+}
+
+/// `text` on lines of at most `width` columns, broken at blanks; further lines begin with `indent` blanks.
+std::string Wrapped(std::string text, std::size_t indent, std::size_t width) {
+    std::string lines;
+    while (indent < width && text.size() > width - indent) {
+        const std::size_t end = text.rfind(' ', width - indent);
+        if (end == std::string::npos)
+            break;
+        lines += text.substr(0, end) + "\n" + std::string(indent, ' ');
+        text.erase(0, end + 1);
     }
-    return Table(rows);
+    return lines + text;
+}
+
+std::string RecordText(const RECORD& record, std::size_t number) {
+    constexpr std::size_t INDENT = 4;
+    const FruRecords::DECODED_RECORD decoded = Decoded(record);
+    std::string text = fmt::format("  record {}  type {:02X}h  {}  {}\n", number, record.Type(),
+                                   Counted(record.data.size(), "byte"), decoded.title);
+    std::size_t width = 0;
+    for (const FruRecords::RECORD_LINE& line : decoded.lines)
+        width = std::max(width, Width(line.title));
+    for (const FruRecords::RECORD_LINE& line : decoded.lines)
+        text += fmt::format("{:{}}{}  {}\n", "", INDENT, Padded(line.title, width),
+                            Wrapped(line.text, INDENT + width + 2, LineWidth()));
+    for (const std::string& note : decoded.notes)
+        text += fmt::format("{:{}}{}\n", "", INDENT, Colored(COLOR::YELLOW, note));
+    return text;
+}
+
+std::string RecordRows(const AREA& area) {
+    std::string text;
+    for (std::size_t number = 0; number < area.records.size(); ++number)
+        text += RecordText(area.records[number], number + 1);
+    return text;
 }
 
 std::string AreaText(const FRU& fru, const AREA& area) {

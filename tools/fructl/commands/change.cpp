@@ -34,7 +34,7 @@ void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIO
     NoteDamage(source.label, after);
     const std::string& output = options.output.empty() ? source.label : options.output;
     const bool changesNothing = plan.IsEmpty();
-    const std::string difference = DescribePlan(plan);
+    const std::string difference = DescribePlan(plan, contents.fru, after);
     if (changesNothing)
         Note("nothing to change: every field has its value already");
     const bool writes = !options.write.dryRun && !(changesNothing && options.output.empty());

@@ -192,7 +192,8 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
     const auto library = ThroughLibrary(contents, plan);
     report["steps"] = library ? nlohmann::json::array() : JsonSteps(plan);
     if (!Settings().json)
-        PrintText(fmt::format("{}:\n{}{}", device.label, DescribePlan(plan), library ? "" : StepsText(plan)));
+        PrintText(fmt::format("{}:\n{}{}", device.label, DescribePlan(plan, contents.fru, after),
+                              library ? "" : StepsText(plan)));
     if (options.dryRun)
         return finish("Nothing was written.\n");
     std::fflush(stdout);
@@ -219,9 +220,9 @@ void AddCommit(CLI::App& app) {
     AddEditOptions(command, *edits);
     command.callback([sources, options, edits] {
         const SOURCE device = sources->TakeDevice();
-        const std::vector<EDIT> list = ParseEdits(sources->Words(), *edits);
+        const CHANGES changes = ParseEdits(sources->Words(), *edits);
         Commit(
-            device, [&](const CONTENTS& contents) { return MakePlan(contents, list, edits->limits); }, *options);
+            device, [&](const CONTENTS& contents) { return MakePlan(contents, changes, edits->limits); }, *options);
     });
 }
 

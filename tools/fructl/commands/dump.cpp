@@ -45,7 +45,7 @@ void Dump(CSources& sources, const DUMP_OPTIONS& options) {
     const SOURCE source = sources.TakeOne();
     const AREA_ID id = RawArea(sources.Words(), 1, "dump");
     const CONTENTS contents = Open(source);
-    const auto entry = FindEntry(contents.fru, {id});
+    const auto entry = FindEntry(contents.fru, FieldNameText({id}));
     if (!entry)
         RequireAreas(contents, {id});
     if (!entry)
@@ -57,9 +57,9 @@ void Dump(CSources& sources, const DUMP_OPTIONS& options) {
 void Load(CSources& sources, const CHANGE_OPTIONS& options, const EDIT_OPTIONS& edits) {
     const SOURCE source = sources.TakeOne();
     const AREA_ID id = RawArea(sources.Words(), 2, "load");
-    const std::vector<EDIT> edit = {ReplaceArea(id, AreaBytes(sources.Words()[1]), edits.resizeInternal)};
+    const CHANGES changes = {{ReplaceArea(id, AreaBytes(sources.Words()[1]), edits.resizeInternal)}, {}};
     Change(
-        source, [&](const CONTENTS& contents) { return MakePlan(contents, edit, edits.limits); }, options);
+        source, [&](const CONTENTS& contents) { return MakePlan(contents, changes, edits.limits); }, options);
 }
 
 } // namespace

@@ -45,6 +45,38 @@ std::vector<LISTED> AllFields() {
     return all;
 }
 
+std::string TypesText(const FruRecords::RECORD_DESCRIPTION& record) {
+    if (record.firstType == record.lastType)
+        return fmt::format("type {:02X}h", record.firstType);
+    return fmt::format("types {:02X}h to {:02X}h", record.firstType, record.lastType);
+}
+
+std::string RecordFieldsText() {
+    std::string text =
+        "\nFields of records: multirecord.N.FIELD, N from 1 on; multirecord.N.type=TYPE makes a new one\n";
+    for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
+        std::vector<std::vector<std::string>> rows;
+        for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
+            rows.push_back({field.key, field.title, Colored(COLOR::DIM, field.accepts)});
+        text += fmt::format("{}, {}\n{}", record.title, TypesText(record), Table(rows));
+    }
+    return text;
+}
+
+nlohmann::json JsonRecordFields() {
+    nlohmann::json records = nlohmann::json::array();
+    for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
+        nlohmann::json fields = nlohmann::json::array();
+        for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
+            fields.push_back({{"name", field.key}, {"title", field.title}, {"accepts", field.accepts}});
+        records.push_back({{"title", record.title},
+                           {"firstType", record.firstType},
+                           {"lastType", record.lastType},
+                           {"fields", std::move(fields)}});
+    }
+    return records;
+}
+
 void PrintFieldsText() {
     std::vector<std::vector<std::string>> rows;
     for (const LISTED& field : AllFields())
@@ -57,7 +89,7 @@ void PrintFieldsText() {
         const auto second = static_cast<UINT8>(type + HALF);
         types.push_back({fmt::format("{:2}", type), name(type), fmt::format("{}", second), name(second)});
     }
-    PrintText(Table(types));
+    PrintText(Table(types) + RecordFieldsText());
 }
 
 void ListFields(bool namesOnly) {
@@ -65,7 +97,7 @@ void ListFields(bool namesOnly) {
         nlohmann::json fields = nlohmann::json::array();
         for (const LISTED& field : AllFields())
             fields.push_back({{"name", field.name}, {"title", field.title}});
-        PrintJson({{"fields", std::move(fields)}});
+        PrintJson({{"fields", std::move(fields)}, {"records", JsonRecordFields()}});
     } else if (namesOnly) {
         for (const LISTED& field : AllFields())
             PrintText(field.name + "\n");

@@ -13,11 +13,12 @@ namespace {
 
 void Get(CSources& sources, bool raw) {
     const SOURCE source = sources.TakeOne();
-    std::vector<FIELD_NAME> names;
+    std::vector<std::string> names;
     std::vector<AREA_ID> areas;
     for (const std::string& word : sources.Words()) {
-        names.push_back(NamedField(word));
-        areas.push_back(names.back().area);
+        const auto record = ParseRecordName(word);
+        names.push_back(record ? RecordNameText(record->index, record->key) : word);
+        areas.push_back(record ? AREA_ID::MULTIRECORD : NamedField(word).area);
     }
     if (names.empty())
         throw CToolError(EXIT_USAGE, "get", "a field is missing",
@@ -25,12 +26,12 @@ void Get(CSources& sources, bool raw) {
     const CONTENTS contents = Open(source);
     nlohmann::json values = nlohmann::json::object();
     std::string text;
-    for (const FIELD_NAME& name : names) {
-        const auto entry = FindEntry(contents.fru, name);
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const auto entry = FindEntry(contents.fru, names[index]);
         if (!entry)
-            RequireAreas(contents, {name.area});
+            RequireAreas(contents, {areas[index]});
         if (!entry)
-            throw CToolError(EXIT_REFUSED, FieldNameText(name), fmt::format("{} has no such field", source.label),
+            throw CToolError(EXIT_REFUSED, names[index], fmt::format("{} has no such field", source.label),
                              "'fructl show' lists the fields that it has");
         text += (raw ? Hex(entry->raw) : entry->bare) + "\n";
         values[entry->name] = {{"value", entry->bare}, {"type", entry->type}, {"raw", Hex(entry->raw)}};

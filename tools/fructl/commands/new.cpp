@@ -36,13 +36,14 @@ void New(const std::vector<std::string>& words, const NEW_OPTIONS& options) {
         json = ReadJsonImage(std::string(document.begin(), document.end()), options.from);
     }
     if (!words.empty()) {
-        const std::vector<EDIT> edits = ParseEdits(words, options.edits);
-        json.edits.insert(json.edits.end(), edits.begin(), edits.end());
+        const CHANGES changes = ParseEdits(words, options.edits);
+        json.changes.edits.insert(json.changes.edits.end(), changes.edits.begin(), changes.edits.end());
+        json.changes.records.insert(json.changes.records.end(), changes.records.begin(), changes.records.end());
     }
     BYTES bytes = Built(json, options);
-    if (!json.edits.empty()) {
+    if (!json.changes.edits.empty() || !json.changes.records.empty()) {
         const SOURCE source{SOURCE::IMAGE, options.output, {}, {}};
-        bytes = MakePlan({source, {}, FruImage::Parse(bytes)}, json.edits, options.edits.limits).bytes;
+        bytes = MakePlan({source, {}, FruImage::Parse(bytes)}, json.changes, options.edits.limits).bytes;
     }
     const FRU fru = FruImage::Parse(bytes);
     WriteFile(options.output, bytes);

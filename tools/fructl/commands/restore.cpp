@@ -144,7 +144,9 @@ void AddApply(CLI::App& app) {
         values.RequireSound();
         Commit(
             DeviceSource(*to),
-            [&](const CONTENTS& contents) { return MakePlan(contents, CopyFields(values.fru, contents.fru), {}); },
+            [&](const CONTENTS& contents) {
+                return MakePlan(contents, {CopyFields(values.fru, contents.fru), {}}, {});
+            },
             *options);
     });
 }

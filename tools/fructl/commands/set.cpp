@@ -12,6 +12,7 @@ void AddSet(CLI::App& app) {
                    "  fructl set image.bin board.mfg-date=now product.custom+='Rack 7'     a new custom field\n"
                    "  fructl set image.bin product.custom3-                                without that one\n"
                    "  fructl set image.bin board.part-number:6-bit=AB-12 board.language=German\n"
+                   "  fructl set image.bin multirecord.1.rated-capacity=750\n"
                    "  fructl set image.bin internal.data=@bytes.hex multirecord.data=@records.bin\n"
                    "  fructl set --system product.asset-tag=12345 --commit\n"
                    "An area that outgrows its room grows into free bytes, or later areas move.\n"
@@ -24,9 +25,9 @@ void AddSet(CLI::App& app) {
     AddEditOptions(command, *edits);
     command.callback([sources, options, edits] {
         const SOURCE source = sources->TakeOne();
-        const std::vector<EDIT> list = ParseEdits(sources->Words(), *edits);
+        const CHANGES changes = ParseEdits(sources->Words(), *edits);
         Change(
-            source, [&](const CONTENTS& contents) { return MakePlan(contents, list, edits->limits); }, *options);
+            source, [&](const CONTENTS& contents) { return MakePlan(contents, changes, edits->limits); }, *options);
     });
 }
 
