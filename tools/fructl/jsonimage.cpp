@@ -75,7 +75,7 @@ FIELD_DESCRIPTION Encoded(const std::string& name, FIELD_KIND kind, const std::s
     return {field.encoding, field.bytes};
 }
 
-std::string Decoded(FIELD_KIND kind, const FIELD_DESCRIPTION& field) {
+std::string ReadAs(FIELD_KIND kind, const FIELD_DESCRIPTION& field) {
     if (kind == FIELD_KIND::DATE)
         return FruImage::DateText(field.bytes);
     if (kind == FIELD_KIND::CHASSIS_TYPE)
@@ -91,7 +91,7 @@ FIELD_DESCRIPTION Field(const json& object, const AREA_ROW& row, std::size_t pos
     const ENCODING text = FruImage::IsEnglish(language) ? ENCODING::TEXT : ENCODING::TWO_BYTE_TEXT;
     FIELD_DESCRIPTION field(FruImage::EncodingFromName(Word(object, "type")).value_or(text), Bytes(object, "raw"));
     const std::string value = Word(object, "value");
-    const bool counts = object.contains("value") && (!object.contains("raw") || Decoded(kind, field) != value);
+    const bool counts = object.contains("value") && (!object.contains("raw") || ReadAs(kind, field) != value);
     return counts ? Encoded(name, kind, value, field.encoding, language) : field;
 }
 

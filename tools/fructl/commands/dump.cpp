@@ -45,7 +45,7 @@ void Dump(CSources& sources, const DUMP_OPTIONS& options) {
     const SOURCE source = sources.TakeOne();
     const AREA_ID id = RawArea(sources.Words(), 1, "dump");
     const CONTENTS contents = Open(source);
-    const auto entry = FindEntry(contents.fru, FieldNameText({id}));
+    const auto entry = FindEntry(contents.fru, FruImage::FieldNameText({id}));
     if (!entry)
         RequireAreas(contents, {id});
     if (!entry)
