@@ -1,5 +1,5 @@
 // The kind of BMC, from its Get Device ID answer (IPMI 2.0, section 20.1).
-#include "bmclib/ipmi.h"
+#include "bmclib/messagetransport.h"
 
 #include <algorithm>
 #include <iterator>
@@ -8,16 +8,14 @@ namespace {
 
 using namespace Frudata_Private;
 
-constexpr int ANSWER_IPMI_VERSION = 4;
-constexpr int ANSWER_PRODUCT_ID = 9;
+constexpr int DEVICE_ID_PRODUCT = 9;
 
-// The IPMI version is BCD with the minor digit first.
 constexpr UINT8 IPMI_VERSION_BYTE_15 = 0x51;
 constexpr UINT8 IPMI_VERSION_BYTE_20 = 0x02;
 
 constexpr UINT16 MBMC_PRODUCTS[] = {0x4311, 0x4312, 0x4315};
 
-// Asked once and then remembered.
+// Asked once and then remembered; a query that fails clears the type.
 UINT32 g_bmcType = BMC_TYPE_UNKNOWN;
 UINT32 g_ipmiVersion = 0;
 
@@ -27,7 +25,7 @@ int GetDeviceId(BMC_MESSAGE& response) {
     return ProcessMessage(&request, &response, REQUEST_TIMEOUT);
 }
 
-// No answer tells an extended controller from a plain one: it stays extended only where it is known as such.
+// Compatibility: BMC_TYPE_MBMC_EXT is unreachable, because `knownType` is always BMC_TYPE_UNKNOWN here.
 UINT32 Classify(UINT16 productId, UINT32 knownType) {
     const bool isMbmc =
         std::find(std::begin(MBMC_PRODUCTS), std::end(MBMC_PRODUCTS), productId) != std::end(MBMC_PRODUCTS);
@@ -56,7 +54,7 @@ int AskTypeAndVersion() {
     if (status != 0)
         g_bmcType = BMC_TYPE_UNKNOWN;
     else
-        g_ipmiVersion = VersionCode(response.data[ANSWER_IPMI_VERSION], g_ipmiVersion);
+        g_ipmiVersion = VersionCode(response.data[DEVICE_ID_IPMI_VERSION], g_ipmiVersion);
     return status;
 }
 
@@ -67,7 +65,7 @@ int GetBmcType(UINT32* type) {
     *type = BMC_TYPE_UNKNOWN;
     const int status = GetDeviceId(response);
     if (status == 0) {
-        const int productId = response.data[ANSWER_PRODUCT_ID + 1] << 8 | response.data[ANSWER_PRODUCT_ID];
+        const int productId = response.data[DEVICE_ID_PRODUCT + 1] << 8 | response.data[DEVICE_ID_PRODUCT];
         *type = Classify(static_cast<UINT16>(productId), *type);
     }
     return status;

@@ -5,34 +5,29 @@
 //   Send Message succeeds                            wait for SMS attention, then Get Message until
 //     status not 0                                     attempt failed
 //     firmware transfer exit                           done, the controller does not answer
-//     0x00, our sequence number                        done, the answer
-//     0x00, another sequence number (stale)            once more
-//     0x00, too short to be a bridged answer           attempt failed
+//     0x00, our sequence number                        done, the answer; attempt failed where it is cut short
+//     0x00, another sequence number or none (stale)    once more
 //     0x80, no message yet                             once more, while the poll budget lasts
 //     0x83, bus busy                                   once more
 //     any other completion code                        attempt failed
-#include "bmclib/ipmi.h"
 #include "bmclib/kcsregisters.h"
 #include "bmclib/messagetransport.h"
+#include "common/bytesum.h"
 #include "frudata/debug.h"
 
 #include <cstring>
-#include <numeric>
 #include <unistd.h>
 
 namespace {
 
 using namespace Frudata_Private;
 
-constexpr UINT8 COMPLETION_NO_MESSAGE = 0x80;
-constexpr UINT8 COMPLETION_BUS_BUSY = 0x83;
-
 constexpr int ATTEMPTS = 5;
 constexpr int FIRMWARE_ATTEMPTS = 23;
 constexpr int POLLS = 100;
 constexpr int PATIENT_POLLS = 1000;
-// Stale answers and a busy bus do not count against the poll budget. Sequence numbers tell 63 requests
-// apart, so no working BMC queues anywhere near this many stale answers.
+// Stale answers and a busy bus do not count against the poll budget. This ends the polling of a BMC that sends
+// nothing else; sequence numbers tell 63 requests apart, so a working one queues far fewer stale answers.
 constexpr int UNCOUNTED_POLLS = 4096;
 
 constexpr UINT8 PANEL_ADDRESS = 0x22;
@@ -55,7 +50,7 @@ constexpr UINT8 LAST_SEQUENCE = 63;
 
 // Sequence number of the next bridged request, 1 to LAST_SEQUENCE.
 UINT8 sendSeq = 1;
-// Set once the BMC has reported a busy bus; a crowded bus takes longer to answer.
+// Set for good once the BMC has reported a busy bus: a crowded bus takes longer to answer.
 int incTestCount = 0;
 
 enum POLL_OUTCOME {
@@ -64,11 +59,7 @@ enum POLL_OUTCOME {
     POLL_NO_ANSWER_EXPECTED
 };
 
-UINT8 ZeroChecksum(const UINT8* first, const UINT8* last) {
-    return static_cast<UINT8>(-std::accumulate(first, last, 0));
-}
-
-// One bridged request. Two messages of 64 KiB: it lives on the stack of its call.
+// One bridged request. It lives on the stack of its call, with two messages of 64 KiB.
 class CBridgedRequest {
   public:
     CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target);
@@ -86,6 +77,7 @@ class CBridgedRequest {
 
     POLL_OUTCOME PollForAnswer(int retryCount);
     VERDICT JudgeAnswer() const;
+    bool HasOurSequence() const;
     bool IsAnswer() const;
     UINT8 AnswerSequence() const { return static_cast<UINT8>(m_Answer.data[ANSWER_SEQUENCE] >> 2); }
     void LogPolling(const wchar_t* prefix, int testCount, int retryCount, int status) const;
@@ -93,12 +85,12 @@ class CBridgedRequest {
     const BMC_MESSAGE& m_Request;
     UINT8 m_Target;
     UINT32 m_WrappedSize;
-    BMC_MESSAGE m_Message; // the wrapped request; Get Message has no data and leaves it in place
-    BMC_MESSAGE m_Answer;
-    UINT32 m_AnswerUsed = RESPONSE_CAPACITY; // nothing has been cleared yet
+    BMC_MESSAGE m_Message; // the wrapped request, which Get Message, having no data, leaves in place
+    BMC_MESSAGE m_Answer = {};
+    UINT32 m_AnswerUsed = 0;
 };
 
-// The messages stay as they are: clearing 128 KiB would cost more than the request.
+// m_Message is not initialised: clearing 64 KiB would cost more than the request.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT8 target)
     : m_Request(request), m_Target(target), m_WrappedSize(request.dataLength + WRAPPING_SIZE) {
@@ -106,12 +98,12 @@ CBridgedRequest::CBridgedRequest(const BMC_MESSAGE& request, UINT8 channel, UINT
     data[0] = channel;
     data[1] = target;
     data[2] = static_cast<UINT8>(request.netFn << 2 | (request.lun & 3));
-    data[3] = ZeroChecksum(data + 1, data + 3);
+    data[3] = ZeroChecksum(data + 1, 2);
     data[4] = BMC_ADDRESS;
     data[5] = static_cast<UINT8>(sendSeq << 2 | REQUESTER_LUN);
     data[6] = request.cmd;
     std::memcpy(data + 7, request.data, request.dataLength);
-    data[7 + request.dataLength] = ZeroChecksum(data + 4, data + 7 + request.dataLength);
+    data[7 + request.dataLength] = ZeroChecksum(data + 4, 3 + static_cast<int>(request.dataLength));
 }
 
 POLL_OUTCOME CBridgedRequest::Attempt(BMC_MESSAGE& response, int retryCount) {
@@ -122,7 +114,7 @@ POLL_OUTCOME CBridgedRequest::Attempt(BMC_MESSAGE& response, int retryCount) {
         sleep(1);
         incTestCount = 1;
     }
-    if (response.completionCode != 0)
+    if (response.completionCode != COMPLETION_SUCCESS)
         return POLL_NOTHING;
     wait_for_SMS_flag();
     return PollForAnswer(retryCount);
@@ -134,7 +126,7 @@ POLL_OUTCOME CBridgedRequest::PollForAnswer(int retryCount) {
     int status = 0;
     AddressToBmc(m_Message, COMMAND_GET_MESSAGE, 0);
     for (VERDICT verdict = VERDICT_AGAIN; verdict != VERDICT_STOP;) {
-        status = ProcessMessage(m_Message, m_Answer, REQUEST_TIMEOUT, m_AnswerUsed);
+        status = ProcessReusedMessage(m_Message, m_Answer, REQUEST_TIMEOUT, m_AnswerUsed);
         if (status != 0) {
             Dbg(L"Breaking after Getmsg Status is %d\n", 1, status);
             break;
@@ -158,15 +150,20 @@ CBridgedRequest::VERDICT CBridgedRequest::JudgeAnswer() const {
         return VERDICT_AGAIN;
     case COMPLETION_NO_MESSAGE:
         return VERDICT_AGAIN_COUNTED;
-    case 0:
-        return m_Answer.dataLength < ANSWER_WRAPPING_SIZE || IsAnswer() ? VERDICT_STOP : VERDICT_AGAIN;
+    case COMPLETION_SUCCESS:
+        return HasOurSequence() ? VERDICT_STOP : VERDICT_AGAIN;
     default:
         return VERDICT_STOP;
     }
 }
 
+bool CBridgedRequest::HasOurSequence() const {
+    return m_Answer.dataLength > ANSWER_SEQUENCE && AnswerSequence() == sendSeq;
+}
+
 bool CBridgedRequest::IsAnswer() const {
-    return m_Answer.completionCode == 0 && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE && AnswerSequence() == sendSeq;
+    return m_Answer.completionCode == COMPLETION_SUCCESS && m_Answer.dataLength >= ANSWER_WRAPPING_SIZE &&
+           HasOurSequence();
 }
 
 void CBridgedRequest::LogPolling(const wchar_t* prefix, int testCount, int retryCount, int status) const {
@@ -206,7 +203,7 @@ int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 
 }
 
 void wait_for_SMS_flag(void) {
-    // The default status port, whatever KCSAddress says.
+    // Compatibility: the default status port, whatever KCSAddress says.
     constexpr UINT16 statusPort = 0x0CA3;
     constexpr int pauseMilliseconds = 2;
     constexpr int limitMilliseconds = 500;

@@ -1,14 +1,15 @@
-// Start-up: how can the BMC be reached?
+// Start-up: how can the BMC be reached? accesspath.cpp turns the finding into the way of each request.
 //
-//   IMB driver of the host opens                    0     requests go to the driver
-//   physical memory cannot be mapped               -1
-//   no SMBIOS entry point                        -502     "SMBIOS Table Not Found!!!"
-//   IPMI device, KCS, its status port answers       0     own KCS driver
-//   IPMI device, KCS, its status port is silent  -502     "No Response from BMC...Exiting"
-//   IPMI device of another kind                  -502     nothing can be sent
-//   no IPMI device, default port answers            0     own KCS driver
-//   no IPMI device, default port is silent         -1     "No Response from BMC...Exiting"
-#include "bmclib/bmcstate.h"
+//                                              result  finding     printed
+//   IMB driver of the host opens                    0  ACCESS_IMB
+//   physical memory cannot be mapped               -1  ACCESS_OWN
+//   no SMBIOS entry point                        -502  ACCESS_OWN  "SMBIOS Table Not Found!!!"
+//   IPMI device, KCS, its status port answers       0  ACCESS_OWN
+//   IPMI device, KCS, its status port is silent  -502  ACCESS_OWN  "No Response from BMC...Exiting"
+//   IPMI device of another kind                  -502  ACCESS_NONE
+//   no IPMI device, default port answers            0  ACCESS_OWN
+//   no IPMI device, default port is silent         -1  ACCESS_OWN  "No Response from BMC...Exiting"
+#include "bmclib/accesspath.h"
 #include "bmclib/platform.h"
 #include "bmclib/smbios.h"
 #include "frudata/bmclib.h"
@@ -26,8 +27,8 @@ constexpr UINT32 DEFAULT_KCS_BASE = 0x0CA2;
 constexpr int MAP_FAILURE = -1;
 constexpr int DEFAULT_PORT_SILENT = -1;
 
-// Base port that the firmware names. Only this probe uses it: the driver talks to KCSAddress, which is the
-// host's to set.
+// Compatibility: the base port that the firmware names serves the probe only. The driver talks to KCSAddress, which
+// is the host's to set.
 UINT32 kcsBaseAddress = 0;
 
 int ProbeStatusPort(int silentResult) {

@@ -21,9 +21,9 @@ int endIPMI(void) {
 
 namespace Frudata_Private {
 
-int SendImbRequest(const _IMBPREQUESTDATA& request, unsigned int timeout, UINT8* responseData, int* responseLength,
+int SendImbRequest(const _IMBPREQUESTDATA& request, int timeout, UINT8* responseData, int* responseLength,
                    UINT8* completionCode) {
-    return SendTimedImbpRequest(&request, static_cast<int>(timeout), responseData, responseLength, completionCode);
+    return SendTimedImbpRequest(&request, timeout, responseData, responseLength, completionCode);
 }
 
 } // namespace Frudata_Private

@@ -1,6 +1,7 @@
 // The KCS driver: write phase, read phase and error recovery. No sleeping and no allocation, and no port
-// access beyond those below. "wait" stands for a wait while IBF, at least one status read; the state and OBF
-// after it are those of its last status byte. A time-out of any wait ends the operation with 2.
+// access beyond those below. "wait" is a wait while IBF and "until OBF" a wait for that flag, each at least one
+// status read. State and OBF after a wait are those of its last status byte, but for the read phase: a controller
+// may set its state a moment after IBF falls. A time-out of any wait ends the operation with 2.
 //
 //   write phase          written                then                              state must be  else
 //   start                                       wait (time-out: 1), discard byte
@@ -9,7 +10,8 @@
 //   end                  WRITE_END (command)    wait, discard byte                WRITE          3
 //   last byte            the byte (data)        0: the read phase waits
 //
-//   read phase: wait     byte                   written                           next
+//   read phase: wait,    byte                   written                           next
+//   then read the status
 //   READ                 until OBF, kept        READ (data)                       again; 4 when the buffer is full
 //   IDLE                 until OBF, dropped                                       0
 //   WRITE, ERROR                                                                  recovery, then 3
@@ -20,7 +22,7 @@
 //   end                  READ (data)            wait; until OBF, read data        IDLE           next attempt
 //   after five attempts                                                                          3
 //
-// "discard byte" reads the data port where OBF is set, "until OBF" reads the status port where it is not.
+// "discard byte" reads the data port where OBF is set.
 #include "bmclib/kcsregisters.h"
 
 namespace {
@@ -66,16 +68,12 @@ constexpr KCS_STEP RECOVERY[] = {
     {REGISTER_DATA, CONTROL_READ, KCS_STATE_IDLE, PICK_UP_AFTER_OBF},
 };
 
-bool ByteArrives() {
-    return (Status & STATUS_OBF) != 0 || WaitTilObf(KCS_WAIT_LIMIT) == 0;
-}
-
 int PickUp(PICK_UP how) {
     if (how == PICK_UP_IF_THERE && (Status & STATUS_OBF) == 0)
         return KCS_DONE;
     if (how == PICK_UP_AFTER_IBF && WaitWhileIbf(KCS_WAIT_LIMIT) != 0)
         return KCS_TIMEOUT;
-    if (how == PICK_UP_AFTER_OBF && !ByteArrives())
+    if (how == PICK_UP_AFTER_OBF && WaitTilObf(KCS_WAIT_LIMIT) != 0)
         return KCS_TIMEOUT;
     inb(KcsDataPort());
     return KCS_DONE;
@@ -121,9 +119,10 @@ int KCSReadBMCData(UINT8* buffer, unsigned int capacity, unsigned int* count) {
     for (*count = 0; *count < capacity; ++*count) {
         if (WaitWhileIbf(KCS_WAIT_LIMIT) != 0)
             return KCS_TIMEOUT;
+        Status = inb(KcsStatusPort());
         switch (Status & STATUS_STATE) {
         case KCS_STATE_READ:
-            if (!ByteArrives())
+            if (WaitTilObf(KCS_WAIT_LIMIT) != 0)
                 return KCS_TIMEOUT;
             buffer[*count] = inb(KcsDataPort());
             outb(CONTROL_READ, KcsDataPort());

@@ -36,8 +36,7 @@ inline UINT16 KcsStatusPort() {
 /// Limit that the driver passes to its waits.
 inline constexpr unsigned int KCS_WAIT_LIMIT = 5000000;
 
-/// The last status byte that a wait has read. The BMC sets the state before it clears IBF, so the byte that
-/// ends a wait also tells the state, without another access to the port.
+/// The last status byte that was read.
 extern UINT8 Status;
 
 } // namespace Frudata_Private

@@ -1,5 +1,6 @@
-// Looks at a KCS interface without transferring a message. Kept for hosts; nothing in the library calls them.
+// Looking at a KCS interface without transferring a message. For hosts: nothing in the library calls these.
 #include "bmclib/kcsregisters.h"
+#include "common/ipmi.h"
 
 using namespace Frudata_Private;
 
@@ -15,7 +16,7 @@ int KCSMessageReady(void) {
 }
 
 int CheckMessageReady(UINT8 responderAddress, unsigned int timeout) {
-    const UINT8 awaited = responderAddress == 0x20 ? STATUS_OBF : STATUS_SMS;
+    const UINT8 awaited = responderAddress == BMC_ADDRESS ? STATUS_OBF : STATUS_SMS;
     SetMsTimeout(timeout);
     while ((inb(KcsStatusPort()) & awaited) == 0) {
         if (CheckMsTimeout() != 0)

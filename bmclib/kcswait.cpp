@@ -1,5 +1,5 @@
-// The waits of the KCS driver. They spin, because a byte takes the BMC microseconds, and end when the
-// 15-second alarm strikes: its handler raises the time-out counter above the limit that the driver passes.
+// The waits of the KCS driver. They spin, because a byte takes the BMC microseconds. The alarm ends a wait after 15
+// seconds: its handler raises the time-out counter above the limit that the driver passes.
 #include "bmclib/kcsregisters.h"
 #include "bmclib/platform.h"
 

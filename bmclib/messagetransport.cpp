@@ -1,11 +1,8 @@
-// Requests: to the BMC itself over the access path that the discovery found, to every other controller
-// bridged by the BMC.
+// Requests: to the BMC itself on the way that is chosen for them, to every other controller bridged by the BMC.
 #include "bmclib/messagetransport.h"
-#include "bmclib/bmcstate.h"
+#include "bmclib/accesspath.h"
 #include "bmclib/imbdriver.h"
-#include "bmclib/ipmi.h"
 #include "bmclib/platform.h"
-#include "frudata/bmclib.h"
 
 #include <cstring>
 
@@ -14,58 +11,18 @@ namespace {
 using namespace Frudata_Private;
 
 constexpr UINT8 CHANNEL_PRIMARY_IPMB = 0;
-// This controller sits on a bus of its own.
+// The one controller that is on another bus.
 constexpr UINT8 CHANNEL_6 = 6;
 constexpr UINT8 CHANNEL_6_ADDRESS = 0x2C;
 
 constexpr int TRANSPORT_FAILED = 1;
-constexpr int LARGE_REQUEST = 128;
 constexpr unsigned int FRAME_HEADER_SIZE = 2;  // network function, command
 constexpr unsigned int ANSWER_HEADER_SIZE = 3; // network function, command, completion code
-
-int SendOnAccessPath(const _IMBPREQUESTDATA& request, unsigned int timeout, UINT8* data, int* length,
-                     UINT8* completionCode) {
-    switch (g_Mbmcsupport) {
-    case ACCESS_OWN_KCS:
-        return SendTimedImbpRequest_t(&request, static_cast<int>(timeout), data, length, completionCode);
-    case ACCESS_IMB:
-        return SendImbRequest(request, timeout, data, length, completionCode);
-    default:
-        return 0; // no driver for this interface: the request seems to succeed, without data
-    }
-}
-
-int SendToBmc(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout) {
-    int length = RESPONSE_CAPACITY;
-    UINT8 completionCode = 0;
-    int status = TRANSPORT_FAILED;
-    if (request.dataLength <= REQUEST_CAPACITY) {
-        const _IMBPREQUESTDATA record = {request.cmd,
-                                         BMC_ADDRESS,
-                                         0,
-                                         request.netFn,
-                                         request.lun,
-                                         request.data,
-                                         static_cast<int>(request.dataLength)};
-        status = SendOnAccessPath(record, timeout, response.data, &length, &completionCode);
-    }
-    if (length < 0 || length > RESPONSE_CAPACITY) {
-        length = 0;
-        status = status == 0 ? TRANSPORT_FAILED : status;
-    }
-    response.rsSa = request.rsSa;
-    response.netFn = request.netFn;
-    response.lun = request.lun;
-    response.cmd = request.cmd;
-    response.completionCode = completionCode;
-    response.dataLength = static_cast<UINT32>(length);
-    return status;
-}
 
 int SendOverKcs(const _IMBPREQUESTDATA& request, UINT8* responseData, int* responseLength, UINT8* completionCode) {
     UINT8 frame[RESPONSE_CAPACITY];
     const unsigned int dataLength = static_cast<unsigned int>(request.dataLength);
-    frame[0] = static_cast<UINT8>(request.netFn << 2); // requests always go to LUN 0
+    frame[0] = static_cast<UINT8>(request.netFn << 2); // Compatibility: over KCS every request goes to LUN 0.
     frame[1] = request.cmdType;
     if (dataLength > 0)
         std::memcpy(frame + FRAME_HEADER_SIZE, request.data, dataLength);
@@ -80,11 +37,57 @@ int SendOverKcs(const _IMBPREQUESTDATA& request, UINT8* responseData, int* respo
     return 0;
 }
 
+int SendOnWay(WAY way, const _IMBPREQUESTDATA& request, int timeout, UINT8* data, int* length, UINT8* completionCode) {
+    switch (way) {
+    case WAY_IMB_DRIVER:
+        return SendImbRequest(request, timeout, data, length, completionCode);
+    case WAY_SESSION:
+        return SendTimedUsbRequest(&request, timeout, data, length, completionCode);
+    case WAY_SESSION_OR_KCS:
+        if (SendTimedUsbRequest(&request, timeout, data, length, completionCode) == 0)
+            return 0;
+        [[fallthrough]];
+    case WAY_KCS:
+        return SendOverKcs(request, data, length, completionCode);
+    case WAY_NONE:
+        break;
+    }
+    return 0; // Compatibility: what cannot be sent seems to succeed.
+}
+
+int SendToBmc(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout) {
+    int length = RESPONSE_CAPACITY;
+    UINT8 completionCode = 0;
+    int status = TRANSPORT_FAILED;
+    if (request.dataLength <= REQUEST_CAPACITY) {
+        const _IMBPREQUESTDATA record = {request.cmd,
+                                         BMC_ADDRESS,
+                                         0,
+                                         request.netFn,
+                                         request.lun,
+                                         request.data,
+                                         static_cast<int>(request.dataLength)};
+        status = SendOnWay(ChooseWay(g_Mbmcsupport, request.dataLength), record, static_cast<int>(timeout),
+                           response.data, &length, &completionCode);
+    }
+    if (length < 0 || length > RESPONSE_CAPACITY) {
+        length = 0;
+        status = status == 0 ? TRANSPORT_FAILED : status;
+    }
+    response.rsSa = request.rsSa;
+    response.netFn = request.netFn;
+    response.lun = request.lun;
+    response.cmd = request.cmd;
+    response.completionCode = completionCode;
+    response.dataLength = static_cast<UINT32>(length);
+    return status;
+}
+
 } // namespace
 
 namespace Frudata_Private {
 
-int ProcessMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout, UINT32& used) {
+int ProcessReusedMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout, UINT32& used) {
     std::memset(response.data, 0, used);
     used = RESPONSE_CAPACITY;
     AcquirePortAccess();
@@ -103,7 +106,7 @@ int ProcessMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned i
 
 int ProcessMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
     UINT32 used = RESPONSE_CAPACITY;
-    return ProcessMessage(*request, *response, timeout, used);
+    return ProcessReusedMessage(*request, *response, timeout, used);
 }
 
 int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsigned int timeout) {
@@ -114,10 +117,6 @@ int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* 
                            UINT8* completionCode) {
     if (request->dataLength < 0 || request->dataLength > REQUEST_CAPACITY)
         return TRANSPORT_FAILED;
-    if (g_UseUSB == 1 && eInterface == IPMI_INTERFACE_USB)
-        return SendTimedUsbRequest(request, timeout, responseData, responseLength, completionCode);
-    if (g_UseUSB == 1 && eInterface == IPMI_INTERFACE_USB_LARGE && request->dataLength > LARGE_REQUEST &&
-        SendTimedUsbRequest(request, timeout, responseData, responseLength, completionCode) == 0)
-        return 0;
-    return SendOverKcs(*request, responseData, responseLength, completionCode);
+    const WAY way = ChooseWay(ACCESS_OWN, static_cast<UINT32>(request->dataLength));
+    return SendOnWay(way, *request, timeout, responseData, responseLength, completionCode);
 }

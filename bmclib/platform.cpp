@@ -16,11 +16,11 @@ enum PORT_ACCESS {
     PORT_ACCESS_REFUSED
 };
 
-// The kernel grants port access to a thread, not to a process: an access that another thread was granted
-// would let this one run into a fault. Initial-exec keeps the 32-bit library free of the loader's TLS call.
+// The kernel grants port access to a thread, not to a process: in another thread than the one that was granted it, a
+// port instruction is a fault. Initial-exec spares the 32-bit library a call of the loader for each access.
 [[gnu::tls_model("initial-exec")]] constinit thread_local PORT_ACCESS g_portAccess = PORT_ACCESS_NOT_ASKED;
 
-// Eight bits wide, as hosts know it: a descriptor above 255 is cut.
+// Compatibility: eight bits wide. A descriptor above 255 is cut.
 UINT8 g_memoryDescriptor = 0;
 
 } // namespace

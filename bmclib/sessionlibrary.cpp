@@ -8,7 +8,7 @@
 
 namespace {
 
-// An argument whose type is the session library's own: a full argument slot holds a pointer as well as a number.
+// An argument whose type only the session library knows: it holds a pointer as well as a number.
 using ARGUMENT = std::uintptr_t;
 
 using CREATE_SESSION = int(void* session, const char* host, int port, const char* user, const char* password, ARGUMENT,
@@ -31,7 +31,7 @@ CREATE_SESSION* LIBIPMI_Create_IPMI20_Session_dll = nullptr;
 CLOSE_SESSION* LIBIPMI_CloseSession_dll = nullptr;
 SEND_COMMAND* LIBIPMI_Send_RAW_IPMI2_0_Command_dll = nullptr;
 
-// The record's layout is the session library's own; this is ample room for it.
+// Only the session library knows the record's layout; this is ample room for it.
 alignas(std::max_align_t) UINT8 sessionHandle[65536];
 UINT8 usbRespBuf[RESPONSE_SIZE];
 

@@ -17,6 +17,9 @@ set(CPACK_PACKAGE_CONTACT "The frudata authors <frudata@example.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL library development tool)
+if(TARGET frudata_lan)
+  list(APPEND CPACK_COMPONENTS_ALL lan)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # What is built against a C library or runtime runs with it and with later ones.
@@ -51,9 +54,22 @@ set(CPACK_COMPONENT_TOOL_DESCRIPTION "show, edit and write the FRU inventory of 
 ${about}
 fructl works on FRU text files, binary images and devices.")
 
+# Its licence is another: it is linked with libfreeipmi.
+set(CPACK_DEBIAN_LAN_PACKAGE_NAME frudata-lan)
+set(CPACK_DEBIAN_LAN_PACKAGE_SECTION "admin${same_for_all}")
+set(CPACK_DEBIAN_LAN_PACKAGE_DEPENDS
+  "libfreeipmi17, libc6 (>= ${libc}), libstdc++6 (>= ${compiler}), libgcc-s1 (>= ${compiler})")
+set(CPACK_DEBIAN_LAN_PACKAGE_ENHANCES fructl)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS frudata-lan)
+set(CPACK_COMPONENT_LAN_DESCRIPTION "FRU inventory of a server - IPMI over LAN
+${about}
+With this module its tools reach them over the network. As a whole it is under
+the GPL, version 3 or later.")
+
 set(package_library ${soname_package})
 set(package_development libfrudata-dev)
 set(package_tool fructl)
+set(package_lan frudata-lan)
 file(STRINGS CHANGELOG.md PACKAGE_DATE REGEX "^## \\[${PROJECT_VERSION}\\] - ")
 string(REGEX REPLACE ".* - " "" PACKAGE_DATE "${PACKAGE_DATE}")
 execute_process(COMMAND date --rfc-email --utc --date ${PACKAGE_DATE}

@@ -1,4 +1,4 @@
-// The sum that the checksums of FRU data are made of.
+// The checksum of FRU data and of messages on a bus.
 #pragma once
 
 #include "frudata/types.h"
@@ -18,6 +18,11 @@ inline UINT8 ByteSum(const UINT8* data, UINTN length) {
     for (; length > 0; --length)
         sum += *data++;
     return static_cast<UINT8>(sum);
+}
+
+/// Two's complement of the byte sum of `length` bytes, so that data and checksum sum to 0; 0 for no bytes.
+inline UINT8 ZeroChecksum(const UINT8* data, int length) {
+    return static_cast<UINT8>(0U - ByteSum(data, length > 0 ? static_cast<UINTN>(length) : 0));
 }
 
 } // namespace Frudata_Private

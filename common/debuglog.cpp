@@ -2,35 +2,43 @@
 // and a crash loses nothing.
 #include "frudata/debug.h"
 
-#include "common/scopedfile.h"
+#include "common/openfile.h"
 
 #include <cstdarg>
 #include <cstdlib>
 #include <cwchar>
 #include <memory>
-#include <new>
 #include <strings.h>
 
 unsigned int LIBDBG_DEBUG_LEVEL = 1;
 
 namespace {
 
+using Frudata_Private::OpenFile;
 using Frudata_Private::SCOPED_FILE;
+using Frudata_Private::ToMultibyte;
 
-constexpr wchar_t LOG_FILE[] = L"DBGLOG.txt";
+constexpr char LOG_FILE[] = "DBGLOG.txt";
 constexpr int BYTES_PER_ROW = 16;
 
-std::unique_ptr<char[]> ToMultibyte(const wchar_t* text) {
-    const std::size_t size = std::wcslen(text) + 1;
-    std::unique_ptr<char[]> bytes(new (std::nothrow) char[size]());
-    if (!bytes || std::wcstombs(bytes.get(), text, size - 1) == static_cast<std::size_t>(-1))
-        return nullptr;
-    return bytes;
-}
+/// The log, opened for one line or dump. Without a buffer, and none can be allocated, a wide stream of this C library
+/// writes behind its end: so it has one of its own.
+class CLogFile {
+  public:
+    CLogFile() : m_file(OpenFile(LOG_FILE, 'a', Frudata_Private::OPEN_TERMINAL)) {
+        if (m_file)
+            std::setvbuf(m_file.get(), m_buffer, _IOFBF, sizeof m_buffer);
+    }
+    FILE* Get() const { return m_file.get(); }
+
+  private:
+    char m_buffer[1024];
+    SCOPED_FILE m_file; ///< closed before its buffer goes
+};
 
 void WriteRow(FILE* file, const unsigned char* row) {
     for (int column = 0; column < BYTES_PER_ROW; ++column) {
-        // 0xCC is what fresh memory holds on the hosts that these dumps come from.
+        // Compatibility: 0xCC shows as blanks.
         if (row[column] == 0xCC)
             std::fwprintf(file, L"   ");
         else
@@ -49,26 +57,28 @@ void WriteRow(FILE* file, const unsigned char* row) {
 void Dbg(const wchar_t* format, unsigned int level, ...) {
     if (level > LIBDBG_DEBUG_LEVEL)
         return;
-    const SCOPED_FILE file(wfopen(LOG_FILE, L"ab"));
+    const CLogFile log;
+    FILE* const file = log.Get();
     if (!file)
         return;
     std::va_list arguments;
     va_start(arguments, level);
-    std::vfwprintf(file.get(), format, arguments);
+    std::vfwprintf(file, format, arguments);
     va_end(arguments);
-    std::fwprintf(file.get(), L"\r\n");
+    std::fwprintf(file, L"\r\n");
 }
 
 void DbgBuffer(const wchar_t* title, const unsigned char* data, int length) {
     if (LIBDBG_DEBUG_LEVEL < 2)
         return;
-    const SCOPED_FILE file(wfopen(LOG_FILE, L"ab"));
+    const CLogFile log;
+    FILE* const file = log.Get();
     if (!file)
         return;
-    std::fwprintf(file.get(), L"%ls\r\n", title);
+    std::fwprintf(file, L"%ls\r\n", title);
     for (int offset = 0; offset < length; offset += BYTES_PER_ROW)
-        WriteRow(file.get(), data + offset);
-    std::fwprintf(file.get(), L"\r\n");
+        WriteRow(file, data + offset);
+    std::fwprintf(file, L"\r\n");
 }
 
 void SetLibDebugLevel(unsigned int level) {
@@ -83,7 +93,7 @@ unsigned int DecodeDebugLevel(int argc, char** argv) {
             if (strcasecmp(argv[argument], options[level - 1]) != 0)
                 continue;
             LIBDBG_DEBUG_LEVEL = level;
-            const SCOPED_FILE emptied(wfopen(LOG_FILE, L"w"));
+            OpenFile(LOG_FILE, 'w', Frudata_Private::OPEN_TERMINAL);
             return level;
         }
     }
@@ -99,7 +109,7 @@ FILE* wfopen(const wchar_t* path, const wchar_t* mode) {
 }
 
 void PrintBuffer(const wchar_t* title, const unsigned char* data, int length) {
-    // "%s" takes multibyte text: of a wide title only the leading byte shows. Hosts compare this output.
+    // Compatibility: "%s" takes multibyte text, so that only the leading byte of a wide title shows.
     std::wprintf(L"%s", reinterpret_cast<const char*>(title));
     for (int offset = 0; offset < length; ++offset)
         std::wprintf(L" %02X", data[offset]);

@@ -23,6 +23,8 @@ const WCHAR* SetLastError(const WCHAR* format, ...) {
         return nullptr;
     std::va_list arguments;
     va_start(arguments, format);
+    // What cannot be formatted leaves no 0, and none of an older message behind it.
+    std::wmemset(gp_lastError, 0, LAST_ERROR_SIZE);
     if (std::vswprintf(gp_lastError, LAST_ERROR_SIZE, format, arguments) < 0)
         gp_lastError[LAST_ERROR_SIZE - 1] = 0;
     va_end(arguments);
@@ -38,7 +40,7 @@ const WCHAR* TakeLastError() {
 
 const WCHAR* GetFormat(STRING_ID id, const char* arguments) {
     const WCHAR* text = GetText(id);
-    return text && PlaceholdersMatch(text, arguments) ? text : nullptr;
+    return text && PlaceholdersFit(text, arguments) ? text : nullptr;
 }
 
 } // namespace Frudata_Private

@@ -25,7 +25,7 @@ const WCHAR* SetLastError(const WCHAR* format, ...);
 /// Hands out the message recorded since the last call, or null, and switches to the other buffer.
 const WCHAR* TakeLastError();
 
-/// The text of `id` if its placeholders are those that `arguments` stands for, else null.
+/// The text of `id` if it can be formatted with what `arguments` stands for (see placeholders.h), else null.
 const WCHAR* GetFormat(STRING_ID id, const char* arguments);
 
 /// The letter of stringid.h for an argument of this type.

@@ -6,6 +6,7 @@
 #include "frudata/types.h"
 
 #include <memory>
+#include <string_view>
 
 namespace Frudata_Private {
 
@@ -21,7 +22,8 @@ class CFile {
     CFile& operator=(const CFile&) = delete;
     virtual ~CFile() = default;
 
-    /// Loads the file at `path` in place of an earlier one. @return false when it cannot be opened or is empty
+    /// Loads the file at `path` in place of an earlier one. @return false when it cannot be opened, is empty, or has
+    /// more lines than there is memory for; nothing is open then
     bool Open(const char* path);
     bool IsOpen() const { return m_File != nullptr; }
     /// Closes the file; its lines stay.
@@ -31,13 +33,14 @@ class CFile {
     /// The text of line `line`, valid while the file is loaded.
     const char* GetLine(UINT32 line) const { return LineText(line); }
     UINT32 GetLineLength(UINT32 line) const;
-    /// The first line from `line` on that holds `character`, or LineCount(). One search over the whole cache: a
-    /// file has many short lines.
-    UINT32 FindLine(UINT32 line, char character) const;
     /// Whether `text` occurs in the line.
     bool LineContains(UINT32 line, const char* text) const;
-    /// The text between the first two delimiters of the line, valid until the next call; null without them.
+    /// The text between the first two delimiters of the line. @return false without them
+    bool FindDelimitedString(UINT32 line, char delimiter, std::string_view& found) const;
+    /// A copy of the same, valid until the next call; null without delimiters or without memory.
     const char* GetDelimitedString(UINT32 line, char delimiter);
+
+    // The reader strips whole files and looks into single lines; the rest is for hosts of the class.
 
     /// Remove leading, trailing, or both kinds of blanks and tabs, of one line or of all.
     void StripLeft(UINT32 line);
@@ -56,14 +59,13 @@ class CFile {
     /// As assertions name it.
     static constexpr char SOURCE_FILE[] = "libfile.cpp";
 
+    void Clear();
     bool LoadCache();
     bool CutIntoLines();
     char* LineText(UINT32 line) const {
         Assert(m_Cache && m_Offset && m_Length && line < m_NumLines, SOURCE_FILE, "ptr");
         return &m_Cache[m_Offset[line]];
     }
-    void CutLeft(UINT32 line);
-    void CutRight(UINT32 line);
 
     SCOPED_FILE m_File;
     UINT32 m_NumLines = 0;

@@ -1,15 +1,84 @@
 // Checks a localised text against the arguments that it is formatted with.
 #pragma once
 
-/// Whether the placeholders of `text` are exactly those of `arguments` (see stringid.h), so that the
-/// text can be given to a wide printf function with them. A text comes from a file that anyone may have
-/// written: a placeholder too many or of another type would make printf read what was never passed.
-template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* text, const char* arguments) {
-    const auto isOneOf = [](CHARACTER character, const char* set) {
-        while (*set && static_cast<CHARACTER>(*set) != character)
-            ++set;
-        return *set != 0;
-    };
+namespace Frudata_Private {
+
+/// One placeholder of a text.
+struct PLACEHOLDER {
+    char argument = 0;     ///< what it takes, as stringid.h has it
+    unsigned position = 0; ///< the number of its argument, from 1; 0: the next one
+    bool isPlain = true;   ///< spelled as the texts of this library spell it
+};
+
+template <typename CHARACTER> constexpr bool IsOneOf(CHARACTER character, const char* set) {
+    while (*set && static_cast<CHARACTER>(*set) != character)
+        ++set;
+    return *set != 0;
+}
+
+/// Two digits are more than any column of ours needs and keep a text from asking for gigabytes.
+template <typename CHARACTER> constexpr void SkipNumber(const CHARACTER*& text) {
+    for (int digits = 0; digits < 2 && IsOneOf(*text, "0123456789"); ++digits)
+        ++text;
+}
+
+/// Reads a length and a conversion. @return false where they take no argument of ours
+template <typename CHARACTER> constexpr bool ReadConversion(const CHARACTER*& text, PLACEHOLDER& found) {
+    int shorts = 0;
+    while (*text == 'h' && shorts < 2) {
+        ++text;
+        ++shorts;
+    }
+    const bool isLong = *text == 'l' && shorts == 0;
+    text += isLong ? 1 : 0;
+    const bool isNumber = IsOneOf(*text, "udixXo");
+    if (isNumber)
+        found.argument = 'u';
+    else if (*text == 's' && shorts < 2)
+        found.argument = isLong ? 'w' : 's';
+    else if (*text == 'S' && shorts == 0 && !isLong)
+        found.argument = 'w';
+    found.isPlain = found.isPlain && shorts == 0 && !(isNumber && isLong) && !IsOneOf(*text, "So");
+    // A number has 32 bits, and a long may have more.
+    if (found.argument == 0 || (isNumber && isLong && sizeof(long) != 4))
+        return false;
+    ++text;
+    return true;
+}
+
+/// Reads what stands behind a percent sign. @return false where it takes no argument of ours
+template <typename CHARACTER> constexpr bool ReadPlaceholder(const CHARACTER*& text, PLACEHOLDER& found) {
+    if (IsOneOf(text[0], "123456789") && text[1] == '$') {
+        found.position = static_cast<unsigned>(text[0] - '0');
+        text += 2;
+    }
+    while (IsOneOf(*text, "-+ 0#'")) {
+        found.isPlain = found.isPlain && !IsOneOf(*text, "#'");
+        ++text;
+    }
+    SkipNumber(text);
+    if (*text == '.') {
+        found.isPlain = false;
+        SkipNumber(++text);
+    }
+    return ReadConversion(text, found);
+}
+
+/// The arguments that a text takes.
+struct PLACEHOLDERS {
+    unsigned count = 0;
+    unsigned used = 0; ///< bit n: the one at n
+    bool isPlain = true;
+    bool areNumbered = false;
+};
+
+/// Reads the placeholders of `text`, of which every one must take one of `arguments` (see stringid.h). @return whether
+/// it does, and either all or none have a position
+template <typename CHARACTER>
+constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PLACEHOLDERS& all) {
+    unsigned given = 0;
+    while (arguments[given])
+        ++given;
     while (*text) {
         if (*text++ != '%')
             continue;
@@ -17,22 +86,34 @@ template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* 
             ++text;
             continue;
         }
-        while (isOneOf(*text, "-+ 0"))
-            ++text;
-        // Two digits are more than any column of ours needs and keep a text from asking for gigabytes.
-        for (int digits = 0; digits < 2 && isOneOf(*text, "0123456789"); ++digits)
-            ++text;
-        char argument = 0;
-        if (*text == 's')
-            argument = 's';
-        else if (isOneOf(*text, "udixX"))
-            argument = 'u';
-        else if (*text == 'l' && *++text == 's')
-            argument = 'w';
-        if (argument == 0 || argument != *arguments)
+        PLACEHOLDER found;
+        if (!ReadPlaceholder(text, found))
             return false;
-        ++arguments;
-        ++text;
+        const unsigned index = found.position > 0 ? found.position - 1 : all.count;
+        if (index >= given || arguments[index] != found.argument ||
+            (all.count > 0 && all.areNumbered != (found.position > 0)))
+            return false;
+        all.areNumbered = found.position > 0;
+        all.isPlain = all.isPlain && found.isPlain;
+        all.used |= 1U << index;
+        ++all.count;
     }
-    return *arguments == 0;
+    return true;
 }
+
+/// Whether `text` can be given to a wide printf function with `arguments`: a text comes from a file that anyone may
+/// have written, and one placeholder too many or of another type would make printf read what was never passed. It may
+/// leave out the last arguments, but none before one that it takes: of that one's place printf could not know.
+template <typename CHARACTER> constexpr bool PlaceholdersFit(const CHARACTER* text, const char* arguments) {
+    PLACEHOLDERS all;
+    return ReadPlaceholders(text, arguments, all) && (all.used & (all.used + 1)) == 0;
+}
+
+/// Whether `text` takes each of `arguments` once, spelled as the texts of this library are.
+template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* text, const char* arguments) {
+    PLACEHOLDERS all;
+    return ReadPlaceholders(text, arguments, all) && all.isPlain && (all.used & (all.used + 1)) == 0 &&
+           arguments[all.count] == 0;
+}
+
+} // namespace Frudata_Private

@@ -1,6 +1,7 @@
 #include "common/stringresource.h"
 
-#include "frudata/debug.h"
+#include "common/allocate.h"
+#include "common/openfile.h"
 
 #include <array>
 #include <cwchar>
@@ -32,8 +33,7 @@ bool ReadNumbers(std::FILE* file, UINT32* numbers, UINT32 count) {
 }
 
 template <typename ELEMENT> bool Allocate(std::unique_ptr<ELEMENT[]>& array, std::uint64_t count) {
-    if (count <= SIZE_MAX / sizeof(ELEMENT))
-        array.reset(new (std::nothrow) ELEMENT[static_cast<std::size_t>(count)]());
+    array = AllocateArray<ELEMENT>(count);
     return array != nullptr;
 }
 
@@ -66,7 +66,8 @@ UINT32 CStringResource::Load(const WCHAR* path, UINT32 expected) {
     if (!Allocate(m_path, std::wcslen(path) + 1))
         return STRING_RESOURCE_NO_MEMORY;
     std::wcscpy(m_path.get(), path);
-    m_file.reset(wfopen(m_path.get(), L"rb"));
+    if (const std::unique_ptr<char[]> narrowPath = ToMultibyte(path))
+        m_file = OpenFile(narrowPath.get(), 'r');
     if (!m_file)
         return STRING_RESOURCE_NOT_OPENED;
     if (const UINT32 result = CheckSum())
@@ -149,15 +150,17 @@ bool CStringResource::ReadUnits(UINT32 offset, UINT32 units, WCHAR* text) {
 const WCHAR* CStringResource::GetString(UINT32 id) {
     if (id >= m_count || !m_strings)
         return nullptr;
+    if (m_cache)
+        return &m_cache[(m_offsets[id] - m_offsets[0]) / 2];
     if (!m_strings[id]) {
         // One character more than the file claims, so that a text without its 0 still ends.
         std::unique_ptr<WCHAR[]> text;
         if (!Allocate(text, static_cast<std::uint64_t>(m_lengths[id]) + 1) ||
             !ReadUnits(m_offsets[id], m_lengths[id], text.get()))
             return nullptr;
-        m_strings[id] = text.release();
+        m_strings[id] = std::move(text);
     }
-    return m_strings[id];
+    return m_strings[id].get();
 }
 
 UINT32 CStringResource::ReleaseString(UINT32 id) {
@@ -165,20 +168,15 @@ UINT32 CStringResource::ReleaseString(UINT32 id) {
         return STRING_RESOURCE_NOT_LOADED;
     if (id >= m_count)
         return STRING_RESOURCE_NO_SUCH_STRING;
-    if (!m_cache) {
-        const std::unique_ptr<WCHAR[]> text(m_strings[id]);
-        m_strings[id] = nullptr;
-    }
+    m_strings[id].reset();
     return 0;
 }
 
 UINT32 CStringResource::ReleaseAll() {
     if (!m_strings)
         return STRING_RESOURCE_NOT_LOADED;
-    for (UINT32 id = 0; id < m_count; ++id) {
-        ReleaseString(id);
-        m_strings[id] = nullptr;
-    }
+    for (UINT32 id = 0; id < m_count; ++id)
+        m_strings[id].reset();
     m_cache.reset();
     return 0;
 }
@@ -201,8 +199,6 @@ UINT32 CStringResource::CacheAll() {
     if (!ReadUnits(m_offsets[0], units, cache.get()))
         return STRING_RESOURCE_READ_FAILED;
     m_cache = std::move(cache);
-    for (UINT32 id = 0; id < m_count; ++id)
-        m_strings[id] = m_cache.get() + (m_offsets[id] - m_offsets[0]) / 2;
     return 0;
 }
 

@@ -67,8 +67,9 @@ class CStringResource {
     UINT32 m_count = 0;
     std::unique_ptr<UINT32[]> m_offsets;
     std::unique_ptr<UINT32[]> m_lengths;
-    /// Per id, null until loaded: points into m_cache, or owns its text while there is no cache.
-    std::unique_ptr<WCHAR*[]> m_strings;
+    /// The texts loaded one by one, per id; null until loaded, and while all are cached.
+    std::unique_ptr<std::unique_ptr<WCHAR[]>[]> m_strings;
+    /// All texts, each at the distance that it has from the first in the file.
     std::unique_ptr<WCHAR[]> m_cache;
 };
 

@@ -32,6 +32,13 @@ class CTrace {
         return result;
     }
 
+    /// The operation ends with `status`: it succeeded where that is 0.
+    unsigned int End(unsigned int status) const {
+        if (status == 0)
+            Exit();
+        return status;
+    }
+
     /// The operation failed for `reason`.
     void Fail(const wchar_t* reason) const {
         if (TRACE_ERROR <= LIBDBG_DEBUG_LEVEL) [[unlikely]]

@@ -1,4 +1,5 @@
 // Filling the lists of FRUs, choosing one, and carrying one FRU out again.
+#include "common/allocate.h"
 #include "common/assertion.h"
 #include "frudata/operation.h"
 #include "frudata/operations.h"
@@ -11,7 +12,7 @@ namespace Frudata_Private {
 namespace {
 
 constexpr char SOURCE_FILE[] = "frudata.cpp";
-constexpr std::size_t PROGRESS_TEXT_SIZE = 256;
+constexpr std::size_t LOADED_TEXT_SIZE = 256;
 
 /// A file name in the current locale's multibyte form.
 struct NARROW_NAME {
@@ -22,16 +23,20 @@ struct NARROW_NAME {
 NARROW_NAME ToNarrowName(const WCHAR* name) {
     const std::size_t length = std::wcstombs(nullptr, name, 0);
     if (length != static_cast<std::size_t>(-1)) {
-        NARROW_NAME narrow{std::unique_ptr<char[]>(new (std::nothrow) char[length + 1]()), true};
+        NARROW_NAME narrow{AllocateArray<char>(std::uint64_t{length} + 1), true};
         if (narrow.text)
             std::wcstombs(narrow.text.get(), name, length);
         return narrow;
     }
     const std::size_t characters = std::wcslen(name);
-    NARROW_NAME narrow{std::unique_ptr<char[]>(new (std::nothrow) char[characters + 1]()), false};
+    NARROW_NAME narrow{AllocateArray<char>(std::uint64_t{characters} + 1), false};
     for (std::size_t index = 0; narrow.text && index < characters; ++index)
         narrow.text[index] = name[index] > 0 && name[index] < 0x80 ? static_cast<char>(name[index]) : '?';
     return narrow;
+}
+
+template <typename BODY> EFI_STATUS RunConfigurationOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
+    return RunOperation(name, need, body, TRACE_FIRST);
 }
 
 EFI_STATUS FailAllocation(const COperation& operation, EFI_STATUS status) {
@@ -49,9 +54,9 @@ bool AddToList(OrderedList<CFru*>& list, std::unique_ptr<CFru>& fru) {
 void ReportLoaded() {
     const unsigned int frus = g_FruData->m_pSystemList->Count();
     const unsigned int locators = g_FruData->m_pLocatorList->Count();
-    WCHAR text[PROGRESS_TEXT_SIZE] = {};
+    WCHAR text[LOADED_TEXT_SIZE] = {};
     if (const WCHAR* format = GetFormat(STRING_PROGRESS_LOADED, "uu"))
-        std::swprintf(text, PROGRESS_TEXT_SIZE, format, frus, locators);
+        std::swprintf(text, LOADED_TEXT_SIZE, format, frus, locators);
     // Without a test: setting the callback first is the host's part.
     g_FruData->m_pfnProgress(PROGRESS_CALLBACK_LOAD, text, frus, locators);
 }
@@ -63,7 +68,7 @@ void ReportLoaded() {
 using namespace Frudata_Private;
 
 EFI_STATUS SelectList(_EFI_FRU_INTERFACE*, int list) {
-    return RunOperation(L"SelectList", NEED_LOADED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"SelectList", NEED_LOADED, [&](const COperation& operation) {
         g_FruData->m_pCurrentList = nullptr;
         g_FruData->m_listType = FRU_LIST_NONE;
         g_FruData->ClearFru();
@@ -81,7 +86,7 @@ EFI_STATUS SelectList(_EFI_FRU_INTERFACE*, int list) {
 namespace Frudata_Public {
 
 EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
-    return RunOperation(L"LoadConfigurationFromSystem", NEED_INITIALIZED, [](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadConfigurationFromSystem", NEED_INITIALIZED, [](const COperation& operation) {
         // The BMC's own FRU device.
         const FRU_LOCATOR locator(0x20, 0, 0, 0xFF, 0, 0x20, 0, FRU_TYPE_IMBDEVICE);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
@@ -99,15 +104,16 @@ EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
 }
 
 EFI_STATUS LoadConfigurationFromFile(_EFI_FRU_INTERFACE* This, const WCHAR* fileName, const WCHAR*) {
-    return RunOperation(L"LoadConfigurationFromFile", NEED_INITIALIZED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadConfigurationFromFile", NEED_INITIALIZED, [&](const COperation& operation) {
         Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!fru || !name.text)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
         if (!name.isExact) {
+            operation.Trace().Fail(L"Unexpected");
             RecordLastError(STRING_FILE_NOT_OPENED, static_cast<const char*>(name.text.get()));
-            return operation.Trace().Fail(L"Unexpected", FRU_STATUS_FILE_READ_ERROR);
+            return EFI_STATUS{FRU_STATUS_FILE_READ_ERROR};
         }
         const EFI_STATUS status = fru->ReadFRUFromFile(name.text.get());
         if (status != FRU_STATUS_SUCCESS)
@@ -124,10 +130,10 @@ EFI_STATUS LoadConfigurationFromFile(_EFI_FRU_INTERFACE* This, const WCHAR* file
 
 EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress, UINT8 bus,
                             UINT8 controller, UINT8 deviceId, UINT8 mbmcSizeData, UINT16 mbmcSizeAddress) {
-    return RunOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
         const FRU_LOCATOR locator(deviceAddress, mbmcSizeData, mbmcSizeAddress, bus, deviceId, controller, lun, type);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
-        // Another status than its siblings': hosts tell a single device from a configuration by it.
+        // Compatibility: another status than its siblings'.
         if (!fru)
             return FailAllocation(operation, FRU_STATUS_MEMORY_ALLOCATION_ERROR);
         const EFI_STATUS status = fru->LoadFromSystem(&locator);
@@ -142,44 +148,50 @@ EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8
 
 EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8 deviceAddress,
                                              UINT8 bus, UINT8 controller, UINT8 deviceId) {
-    return RunOperation(L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
-        const FRU_LOCATOR locator(deviceAddress, 0xFF, 0, bus, deviceId, controller, lun, type);
-        UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
-        const EFI_STATUS status = CFru::ReadDataFromFRU(&locator, 0, sizeof header, header);
-        if (status != FRU_STATUS_SUCCESS) {
-            RecordLastError(STRING_DEVICE_NOT_READ);
-            return status;
-        }
-        if ((header[FRU_HEADER_FORMAT_VERSION] & FRU_HEADER_VERSION_MASK) != FRU_HEADER_VERSION)
-            return operation.Fail(L"Not IPMI FRU", STRING_NOT_IPMI_FRU, FRU_STATUS_NOT_IPMI_FRU);
-        if (CFru::CalculateChecksum(header, sizeof header) != 0) {
-            operation.Trace().Fail(L"Invalid Header Area");
-            WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
-            RecordLastError(STRING_INVALID_HEADER,
-                            CFru::GetFriendlyFruIdentifier(&locator, identifier, FRU_IDENTIFIER_BYTES));
-            return FRU_STATUS_CHECKSUM_ERROR;
-        }
-        return FRU_STATUS_SUCCESS;
-    });
+    return RunConfigurationOperation(
+        L"FindFruAtAddressAndChecksumHeader", NEED_INITIALIZED, [&](const COperation& operation) {
+            const FRU_LOCATOR locator(deviceAddress, 0xFF, 0, bus, deviceId, controller, lun, type);
+            UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
+            const EFI_STATUS status = CFru::ReadDataFromFRU(&locator, 0, sizeof header, header);
+            if (status != FRU_STATUS_SUCCESS) {
+                RecordLastError(STRING_DEVICE_NOT_READ);
+                return status;
+            }
+            if ((header[FRU_HEADER_FORMAT_VERSION] & FRU_HEADER_VERSION_MASK) != FRU_HEADER_VERSION)
+                return operation.Fail(L"Not IPMI FRU", STRING_NOT_IPMI_FRU, FRU_STATUS_NOT_IPMI_FRU);
+            if (CFru::CalculateChecksum(header, sizeof header) != 0) {
+                operation.Trace().Fail(L"Invalid Header Area");
+                WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
+                RecordLastError(STRING_INVALID_HEADER,
+                                CFru::GetFriendlyFruIdentifier(&locator, identifier, FRU_IDENTIFIER_BYTES));
+                return FRU_STATUS_CHECKSUM_ERROR;
+            }
+            return FRU_STATUS_SUCCESS;
+        });
 }
 
 EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, const WCHAR* auxFileName) {
-    return RunOperation(L"SaveConfigurationToFile", NEED_FRU, [&](const COperation& operation) {
+    return RunConfigurationOperation(L"SaveConfigurationToFile", NEED_FRU, [&](const COperation& operation) {
         Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
         Assert(!auxFileName, SOURCE_FILE, "!pAuxFileName");
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!name.text)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
         if (!name.isExact) {
+            operation.Trace().Fail(L"Error Writing File");
             RecordLastError(STRING_FILE_NOT_WRITTEN, static_cast<const char*>(name.text.get()));
-            return operation.Trace().Fail(L"Error Writing File", FRU_STATUS_FILE_CREATE_ERROR);
+            return EFI_STATUS{FRU_STATUS_FILE_CREATE_ERROR};
         }
-        return g_FruData->SelectedFru().SaveFRUToFile(name.text.get());
+        const EFI_STATUS status = g_FruData->SelectedFru().SaveFRUToFile(name.text.get());
+        // The exit is traced whatever comes out.
+        if (status != FRU_STATUS_SUCCESS)
+            operation.Trace().Exit();
+        return status;
     });
 }
 
 EFI_STATUS CommitConfigurationToSystem(_EFI_FRU_INTERFACE*) {
-    return RunOperation(L"CommitConfigurationToSystem", NEED_LOADED, [](const COperation& operation) {
+    return RunConfigurationOperation(L"CommitConfigurationToSystem", NEED_LOADED, [](const COperation& operation) {
         // A FRU read from a file has an address, but nobody has checked that it is this server's.
         if (g_FruData->m_listType != FRU_LIST_SYSTEM || g_FruData->m_nFru == CURSOR_NONE)
             return operation.FailUnexpected(FRU_STATUS_NO_SUCH_FIELD);

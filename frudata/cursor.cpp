@@ -143,7 +143,7 @@ EFI_STATUS SelectAreaEnum(_EFI_FRU_INTERFACE*, FRU_AREA area) {
         for (const auto& row : AREAS) {
             if (row.area != area)
                 continue;
-            // An absent area is no failure: hosts try all areas and go by what the next operation says.
+            // Compatibility: an absent area is no failure; the next operation that needs one tells.
             if ((fru.*row.isPresent)())
                 g_FruData->m_area = area;
             return FRU_STATUS_SUCCESS;

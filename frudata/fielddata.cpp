@@ -34,7 +34,7 @@ EFI_STATUS FailUnsupported(const COperation& operation) {
     return operation.Fail(L"Unsupported", STRING_UNSUPPORTED, FRU_STATUS_UNSUPPORTED);
 }
 
-/// Values are set, and areas copied, by hosts that fetch the message even before they initialise.
+// Compatibility: unlike everywhere else, a call before `Initialize` is recorded.
 EFI_STATUS RecordEarlyCall(EFI_STATUS status) {
     if (status == FRU_STATUS_NOT_INITIALIZED)
         RecordLastError(STRING_UNEXPECTED);
@@ -75,19 +75,22 @@ EFI_STATUS ReplaceArea(CFru& fru, FRU_AREA area, const UINT8* data, UINTN length
     // The internal use area is never resized: the areas behind it would have to move.
     if (area == FRU_AREA_INTERNAL_USE && internalUse.GetLength() == length && internalUse.SetData(data, length, true))
         return FRU_STATUS_SUCCESS;
-    RecordLastError(STRING_UNEXPECTED);
     return FRU_STATUS_UNSUPPORTED;
 }
 
-/// Runs an operation on whole areas: a null argument counts as not initialised, and the exit is traced
-/// whatever comes out.
+/// Runs an operation on whole areas. A null argument counts as not initialised; every failure is the unexpected one,
+/// and behind the checks the exit is traced whatever comes out.
 template <typename BODY> EFI_STATUS RunAreaOperation(const WCHAR* name, bool hasArguments, BODY body) {
     const COperation operation(name);
-    const EFI_STATUS status =
-        RecordEarlyCall(hasArguments ? operation.Check(NEED_AREA) : EFI_STATUS{FRU_STATUS_NOT_INITIALIZED});
+    EFI_STATUS status = hasArguments ? operation.Check(NEED_AREA) : EFI_STATUS{FRU_STATUS_NOT_INITIALIZED};
+    if (status == FRU_STATUS_NOT_INITIALIZED)
+        return operation.FailUnexpected(status);
     if (status != FRU_STATUS_SUCCESS)
         return status;
-    return operation.Trace().Exit(EFI_STATUS{body(g_FruData->SelectedFru(), g_FruData->m_area)});
+    status = body(g_FruData->SelectedFru(), g_FruData->m_area);
+    if (status != FRU_STATUS_SUCCESS)
+        operation.FailUnexpected(status);
+    return operation.Trace().Exit(status);
 }
 
 } // namespace
@@ -115,7 +118,7 @@ EFI_STATUS GetFieldStringValue(_EFI_FRU_INTERFACE*, const WCHAR*& value) {
     return RunOperation(L"GetFieldStringValue", NEED_FIELD, [&](const COperation& operation) {
         value = nullptr;
         CFruArea* area = g_FruData->SelectedFru().GetFieldArea(g_FruData->m_area);
-        // Unlike its siblings, this operation has always answered so.
+        // Compatibility: another status than its siblings'.
         if (!area)
             return operation.Fail(L"Unsupported", STRING_UNSUPPORTED, FRU_STATUS_NO_SUCH_FIELD);
         value = area->GetFieldValueFromIndex(g_FruData->m_nField);
@@ -169,7 +172,6 @@ EFI_STATUS GetAreaSize(_EFI_FRU_INTERFACE* This, unsigned int& size) {
             size = fru.GetMultiRecAreaLength();
             return FRU_STATUS_SUCCESS;
         default:
-            RecordLastError(STRING_UNEXPECTED);
             return FRU_STATUS_UNSUPPORTED;
         }
     });
@@ -178,12 +180,8 @@ EFI_STATUS GetAreaSize(_EFI_FRU_INTERFACE* This, unsigned int& size) {
 EFI_STATUS GetAreaData(_EFI_FRU_INTERFACE* This, UINT8* buffer, unsigned int& length) {
     const UINTN capacity = length;
     length = 0;
-    return RunAreaOperation(L"GetAreaData", This && buffer, [&](CFru& fru, FRU_AREA area) {
-        const EFI_STATUS status = CopyArea(fru, area, buffer, capacity, length);
-        if (status != FRU_STATUS_SUCCESS)
-            RecordLastError(STRING_UNEXPECTED);
-        return status;
-    });
+    return RunAreaOperation(L"GetAreaData", This && buffer,
+                            [&](CFru& fru, FRU_AREA area) { return CopyArea(fru, area, buffer, capacity, length); });
 }
 
 EFI_STATUS SetAreaData(_EFI_FRU_INTERFACE* This, const UINT8* data, unsigned int length) {

@@ -6,7 +6,7 @@
 
 namespace Frudata_Private {
 
-bool g_fInitialized = false;
+START_STATE g_startState = START_DOWN;
 std::unique_ptr<CFruData> g_FruData;
 
 namespace {

@@ -51,8 +51,13 @@ class CFruData {
     mutable UINT32 m_nFound = CURSOR_NONE;
 };
 
-/// Set by a successful `Initialize`; every operation but a few tests it first.
-extern bool g_fInitialized;
+/// Where the library stands between `Initialize` and `DeInitialize`.
+enum START_STATE {
+    START_DOWN,   ///< nothing was started, or all was given back
+    START_FAILED, ///< a start came as far as its state, and no further: only another one helps
+    START_UP      ///< every operation but a few needs it
+};
+extern START_STATE g_startState;
 extern std::unique_ptr<CFruData> g_FruData;
 
 } // namespace Frudata_Private

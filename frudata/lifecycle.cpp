@@ -17,8 +17,6 @@ constexpr WCHAR STRING_TABLE_FILE[] = L"frudata/str/frudata.str";
 
 FRU_DISPLAY_CALLBACK p_display = nullptr;
 bool mPasswordSet = false;
-/// The last `Initialize` found no texts: the library is neither up nor down until the next one.
-bool g_fLocaleFailed = false;
 
 } // namespace
 
@@ -30,33 +28,36 @@ using namespace Frudata_Private;
 
 EFI_STATUS Initialize(_EFI_FRU_INTERFACE* This, int platform) {
     const COperation operation(L"Initialize");
+    const auto fail = [&operation](const WCHAR* reason) {
+        g_FruData.reset();
+        return operation.Trace().Fail(reason, FRU_STATUS_INIT_FAILED);
+    };
     // A server without a BMC within reach still has FRU text files.
     BmcLibInitialize();
     ResetLastError();
     g_fdPlatform = platform;
+    g_startState = START_DOWN;
     if (!AllocateMessages())
-        return FRU_STATUS_INIT_FAILED;
-    g_fInitialized = false;
-    g_fLocaleFailed = false;
+        return fail(L"Memory Allocation Error");
     g_FruData.reset(new (std::nothrow) CFruData);
-    if (!g_FruData || !g_FruData->IsComplete())
-        return FRU_STATUS_INIT_FAILED;
-    if (This && This->SetLanguageLocale && This->SetLanguageLocale(This, L"en", L"us") != FRU_STATUS_SUCCESS) {
-        g_FruData.reset();
-        g_fLocaleFailed = true;
-        return FRU_STATUS_INIT_FAILED;
-    }
-    g_fInitialized = true;
+    if (!g_FruData)
+        return fail(L"Memory Allocation Error");
+    g_startState = START_FAILED;
+    if (!g_FruData->IsComplete())
+        return fail(L"Memory Allocation Error");
+    if (This && This->SetLanguageLocale && This->SetLanguageLocale(This, L"en", L"us") != FRU_STATUS_SUCCESS)
+        return fail(L"Error Initializing String Resource");
+    g_startState = START_UP;
     return operation.Trace().Exit(FRU_STATUS_SUCCESS);
 }
 
 EFI_STATUS DeInitialize(_EFI_FRU_INTERFACE*) {
     const COperation operation(L"DeInitialize");
-    if ((g_FruData || g_fLocaleFailed) && !g_fInitialized)
+    if (g_startState == START_FAILED)
         return FRU_STATUS_NOT_INITIALIZED;
     FreeMessages();
     g_FruData.reset();
-    g_fInitialized = false;
+    g_startState = START_DOWN;
     g_pStringResource.reset();
     return operation.Trace().Exit(FRU_STATUS_SUCCESS);
 }

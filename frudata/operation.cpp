@@ -3,17 +3,18 @@
 namespace Frudata_Private {
 
 EFI_STATUS COperation::Fail(const WCHAR* reason, STRING_ID message, EFI_STATUS status) const {
-    m_trace.Fail(reason);
+    if (m_order == TRACE_FIRST)
+        m_trace.Fail(reason);
     RecordLastError(message);
+    if (m_order == RECORD_FIRST)
+        m_trace.Fail(reason);
     return status;
 }
 
 EFI_STATUS COperation::Check(OPERATION_NEED need) const {
-    if (!g_fInitialized)
+    if (g_startState != START_UP)
         return FRU_STATUS_NOT_INITIALIZED;
     const CFruData& state = *g_FruData;
-    if (need == NEED_PROPERTIES)
-        return state.m_fPropertiesLoaded ? FRU_STATUS_SUCCESS : FailUnexpected(FRU_STATUS_NOT_LOADED);
     if (need >= NEED_LOADED && !state.m_fLoaded)
         return FailUnexpected(FRU_STATUS_NOT_LOADED);
     const bool isSelected =

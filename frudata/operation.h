@@ -7,22 +7,27 @@
 
 namespace Frudata_Private {
 
-/// What an operation needs, each level including those before it, except that the properties need no
-/// loaded configuration.
+/// What an operation needs, each level including those before it.
 enum OPERATION_NEED {
     NEED_INITIALIZED,
     NEED_LOADED,
     NEED_LIST,
     NEED_FRU,
     NEED_AREA,
-    NEED_FIELD,
-    NEED_PROPERTIES
+    NEED_FIELD
+};
+
+/// What a failure does first; the record's own lines in the debug log show it.
+enum FAILURE_ORDER {
+    RECORD_FIRST, ///< the cursor, values and settings
+    TRACE_FIRST   ///< whole configurations
 };
 
 /// One call of one operation.
 class COperation {
   public:
-    explicit COperation(const WCHAR* name) : m_trace(L"FruData", name) {}
+    explicit COperation(const WCHAR* name, FAILURE_ORDER order = RECORD_FIRST)
+        : m_trace(L"FruData", name), m_order(order) {}
 
     /// Checks the state. A failure but the first is traced and recorded.
     /// @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED
@@ -35,17 +40,17 @@ class COperation {
 
   private:
     CTrace m_trace;
+    FAILURE_ORDER m_order;
 };
 
 /// Runs `body(operation)` where the checks pass, and traces the exit where it succeeds.
-template <typename BODY> EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body) {
-    const COperation operation(name);
+template <typename BODY>
+EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body, FAILURE_ORDER order = RECORD_FIRST) {
+    const COperation operation(name, order);
     EFI_STATUS status = operation.Check(need);
     if (status == FRU_STATUS_SUCCESS)
         status = body(operation);
-    if (status == FRU_STATUS_SUCCESS)
-        operation.Trace().Exit();
-    return status;
+    return operation.Trace().End(status);
 }
 
 } // namespace Frudata_Private

@@ -17,9 +17,16 @@ constexpr struct {
     {STRING_PROPERTY_NUMBER_OF_IPMI_FRUS, &CFruProperties::GetNumberOfIpmiFrusString},
 };
 
+/// Runs `body(operation)` where the properties are loaded. A loaded configuration is not needed.
+template <typename BODY> EFI_STATUS RunPropertyOperation(const WCHAR* name, BODY body) {
+    return RunOperation(name, NEED_INITIALIZED, [&](const COperation& operation) {
+        return g_FruData->m_fPropertiesLoaded ? body(operation) : operation.FailUnexpected(FRU_STATUS_NOT_LOADED);
+    });
+}
+
 /// Gives `output` what `textOf(row)` has for the selected property.
 template <typename TEXT_OF> EFI_STATUS GetPropertyText(const WCHAR* name, const WCHAR*& output, TEXT_OF textOf) {
-    return RunOperation(name, NEED_PROPERTIES, [&](const COperation& operation) {
+    return RunPropertyOperation(name, [&](const COperation& operation) {
         if (g_FruData->m_nProperty == CURSOR_NONE)
             return operation.FailUnexpected(FRU_STATUS_NOT_SELECTED);
         output = textOf(PROPERTIES[g_FruData->m_nProperty]);
@@ -46,14 +53,14 @@ EFI_STATUS LoadPropertiesFromSystem(_EFI_FRU_INTERFACE*) {
 }
 
 EFI_STATUS GetNumberOfProperties(_EFI_FRU_INTERFACE*, unsigned int& count) {
-    return RunOperation(L"GetNumberOfProperties", NEED_PROPERTIES, [&](const COperation&) {
+    return RunPropertyOperation(L"GetNumberOfProperties", [&](const COperation&) {
         count = std::size(PROPERTIES);
-        return FRU_STATUS_SUCCESS;
+        return EFI_STATUS{FRU_STATUS_SUCCESS};
     });
 }
 
 EFI_STATUS SelectProperty(_EFI_FRU_INTERFACE*, unsigned int index) {
-    return RunOperation(L"SelectProperty", NEED_PROPERTIES, [&](const COperation& operation) {
+    return RunPropertyOperation(L"SelectProperty", [&](const COperation& operation) {
         g_FruData->m_nProperty = CURSOR_NONE;
         if (index >= std::size(PROPERTIES))
             return operation.FailUnexpected(FRU_STATUS_NO_SUCH_FIELD);
@@ -63,12 +70,10 @@ EFI_STATUS SelectProperty(_EFI_FRU_INTERFACE*, unsigned int index) {
 }
 
 EFI_STATUS GetPropertyTitle(_EFI_FRU_INTERFACE*, const WCHAR*& title) {
-    title = nullptr;
     return GetPropertyText(L"GetPropertyTitle", title, [](const auto& row) { return GetText(row.title); });
 }
 
 EFI_STATUS GetPropertyValue(_EFI_FRU_INTERFACE*, const WCHAR*& value) {
-    value = nullptr;
     return GetPropertyText(L"GetPropertyValue", value,
                            [](const auto& row) { return (g_FruData->m_properties.*row.value)(); });
 }

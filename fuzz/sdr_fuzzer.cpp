@@ -15,12 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
         for (const BYTES& record : repository) {
             if (record.size() >= SDR_HEADER_LENGTH)
                 bmc.Bmc().AddSdr(record);
-            BYTES buffer = record;
-            buffer.resize(SDR_RECORD_SIZE, 0xEE);
             TYPE11V15 fruLocator;
             TYPE12V15 controllerLocator;
-            DecodeSDRType11V15(buffer.data(), fruLocator);
-            DecodeSDRType12V15(buffer.data(), controllerLocator);
+            DecodeSDRType11V15(record, fruLocator);
+            DecodeSDRType12V15(record, controllerLocator);
         }
         OrderedList<FRU_LOCATOR*> list;
         OrderedList<FRU_LOCATOR*>* locators = &list;

@@ -1,5 +1,7 @@
 #include "drivers/lan/address.h"
 
+#include "drivers/lan/worker.h"
+
 #include <memory>
 
 #include <netdb.h>
@@ -9,23 +11,10 @@ namespace Frudata_Driver {
 
 namespace {
 
-/// A question to the resolver, which may hold on to it for longer than anybody waits.
+/// A question to the name service, which may take longer than anybody waits.
 struct LOOKUP {
-    explicit LOOKUP(const std::string& host) : name(host) {
-        hints.ai_socktype = SOCK_DGRAM;
-        request.ar_name = name.c_str();
-        request.ar_request = &hints;
-    }
-    LOOKUP(const LOOKUP&) = delete;
-    LOOKUP& operator=(const LOOKUP&) = delete;
-    ~LOOKUP() {
-        if (request.ar_result)
-            freeaddrinfo(request.ar_result);
-    }
-
-    std::string name;
-    addrinfo hints{};
-    gaicb request{};
+    std::string address{};
+    std::string message{"out of memory"};
 };
 
 std::string Numeric(const addrinfo* addresses) {
@@ -41,6 +30,16 @@ std::string Numeric(const addrinfo* addresses) {
     return text;
 }
 
+void Look(const std::string& host, LOOKUP& lookup) {
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_DGRAM;
+    addrinfo* addresses = nullptr;
+    const int result = getaddrinfo(host.c_str(), nullptr, &hints, &addresses);
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owner(addresses, freeaddrinfo);
+    lookup.message = result ? gai_strerror(result) : "no address";
+    lookup.address = Numeric(addresses);
+}
+
 } // namespace
 
 std::string WithPort(const std::string& host, UINT16 port) {
@@ -49,26 +48,14 @@ std::string WithPort(const std::string& host, UINT16 port) {
 }
 
 std::string Resolve(const std::string& host, std::chrono::milliseconds limit, std::string& message) {
-    auto lookup = std::make_unique<LOOKUP>(host);
-    gaicb* requests[] = {&lookup->request};
-    int result = getaddrinfo_a(GAI_NOWAIT, requests, 1, nullptr);
-    if (result == 0) {
-        const timespec wait{.tv_sec = static_cast<time_t>(limit.count() / 1000),
-                            .tv_nsec = static_cast<long>(limit.count() % 1000 * 1'000'000)};
-        while ((result = gai_suspend(requests, 1, &wait)) == EAI_INTR)
-            continue;
-        result = gai_error(requests[0]);
-    }
-    if (result == EAI_INPROGRESS) {
-        if (gai_cancel(requests[0]) != EAI_CANCELED)
-            lookup.release(); // the resolver writes into it, whenever it comes to an end
+    const auto lookup = std::make_shared<LOOKUP>();
+    CWorker worker(limit, [] {});
+    if (!worker.Run([host, lookup] { WithoutThrowing([&] { Look(host, *lookup); }); }, limit)) {
         message = "no answer from the name service";
         return {};
     }
-    const std::string numeric = result == 0 ? Numeric(lookup->request.ar_result) : "";
-    if (numeric.empty())
-        message = result ? gai_strerror(result) : "no address";
-    return numeric;
+    message = lookup->message;
+    return lookup->address;
 }
 
 } // namespace Frudata_Driver

@@ -13,7 +13,9 @@ std::string WithPort(const std::string& host, UINT16 port);
 
 /**
  * The numeric address of `host`, a name or an address, of IPv4 where it has one: few BMCs listen on IPv6.
- * @param message what is wrong with the name, on failure @return empty where it has none, or none within `limit`
+ * @param message what is wrong with the name, where nothing is returned @return empty where it has none, or none within
+ * `limit`
+ * @throw std::system_error where there is no thread to be had
  */
 std::string Resolve(const std::string& host, std::chrono::milliseconds limit, std::string& message);
 

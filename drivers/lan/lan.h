@@ -99,7 +99,9 @@ typedef struct LAN_INTERFACE {
     /**
      * Sends one request as an IMB driver does (see bmclib.h): `*responseLength` holds the room in `responseData` on
      * entry, the number of data bytes on return. A lost packet is sent again. Send Message is carried out at once,
-     * for the IPMB; the next Get Message gives its answer (IPMI 2.0, sections 22.6 and 22.7).
+     * for the IPMB; the next Get Message gives its answer (IPMI 2.0, sections 22.6 and 22.7). Where the BMC says that
+     * nobody took it, the completion code does, too; a controller that takes it and never answers costs the session,
+     * because libfreeipmi cannot tell it from a BMC that is gone.
      * @param timeout milliseconds; the session's where it is 0 or less, or longer than the session's
      * @return a LAN_RESULT; on failure nothing is stored
      */

@@ -130,9 +130,8 @@ const char* Description(const LAN_SESSION* session) {
 }
 
 void Close(LAN_SESSION* session) {
-    std::unique_ptr<LAN_SESSION> closed(session);
-    if (session && !session->session.IsOurs())
-        closed.release();
+    // In a child process the thread is not there that would have to end.
+    const std::unique_ptr<LAN_SESSION> closed(session && session->session.IsOurs() ? session : nullptr);
 }
 
 } // namespace

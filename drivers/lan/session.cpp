@@ -32,15 +32,6 @@ std::string Milliseconds(std::chrono::milliseconds time) {
     return std::to_string(time.count()) + " ms";
 }
 
-/// On the worker's thread nobody would catch it.
-template <typename FUNCTION> void WithoutThrowing(const FUNCTION& function) {
-    try {
-        function();
-    } catch (...) {
-        // What was prepared as the result says that there is no memory.
-    }
-}
-
 /// What the thread that opens a session shares with who waits for it.
 struct OPENING {
     int result = LAN_ERR_RESOURCES;

@@ -35,4 +35,12 @@ class CWorker {
     std::thread m_thread;
 };
 
+/// For jobs: nobody would catch what they throw, so the result that they prepare says that there is no memory.
+template <typename FUNCTION> void WithoutThrowing(const FUNCTION& function) {
+    try {
+        function();
+    } catch (...) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
 } // namespace Frudata_Driver

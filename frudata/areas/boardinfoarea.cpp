@@ -1,19 +1,18 @@
 #include "frudata/areas/boardinfoarea.h"
 
+#include "common/allocate.h"
 #include "common/lasterror.h"
 
 #include <cstring>
 #include <ctime>
 #include <cwchar>
-#include <new>
 
 namespace Frudata_Private {
 
 namespace {
 
-constexpr UINTN MFG_DATE_TIME_SIZE = 3;
-/// 1995-12-31 00:00 UTC in seconds since 1970. The origin lies one day before the standard's: every board
-/// stamped and every date shown since the first release counts from here.
+// Compatibility: dates count from one day before the standard's origin, 1996-01-01.
+/// 1995-12-31 00:00 UTC in seconds since 1970.
 constexpr std::int32_t MFG_DATE_TIME_ORIGIN = 820368000;
 constexpr std::size_t DATE_TIME_TEXT_SIZE = 256;
 
@@ -30,8 +29,8 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .firstField = FRU_FIELD_BOARD_MFG_DATE_TIME,
     .fields = FIELDS,
     .customTitle = STRING_BOARD_CUSTOM_FIELD,
-    .headerSize = 6,
-    .headerFieldOffset = 3,
+    .headerSize = BOARD_HEADER_SIZE,
+    .headerFieldOffset = HEADER_MFG_DATE_TIME,
     .headerFieldSize = MFG_DATE_TIME_SIZE,
     .headerFieldMarksModified = false,
     .customFieldsMarkModified = true,
@@ -39,10 +38,12 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .assertsPadding = true,
     .customIndexCondition = "nIndexOfFieldToGet <= m_NumOfCustomFields",
     .customPositionCondition = "nCurFieldIndex < m_NumOfCustomFields",
+    .reportsRefusals = true,
     .tooLong = L"FRU Data too long",
     .valueNoMemory = L"FRU Error allocation",
     .customValueNoMemory = nullptr,
 };
+static_assert(IsWithinCapacity(DESCRIPTION));
 
 } // namespace
 
@@ -87,7 +88,7 @@ bool CBoardInfoArea::getCurTimeInMfgDateTimeFormat(UINT8* out) const {
 }
 
 bool CBoardInfoArea::SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) {
-    if (SetMfgDateTime(data, length))
+    if (length == MFG_DATE_TIME_SIZE && SetMfgDateTime(data, length))
         return true;
     trace.Fail(L"Invalid Mfg Date Time");
     RecordLastError(STRING_INVALID_MFG_DATE_TIME);
@@ -104,8 +105,12 @@ std::unique_ptr<WCHAR[]> CBoardInfoArea::HeaderFieldText(const CTrace& trace) co
         return nullptr;
     }
     const WCHAR* format = GetFormat(STRING_DATE_TIME_FORMAT, "uuuuuu");
-    std::unique_ptr<WCHAR[]> text(format ? new (std::nothrow) WCHAR[DATE_TIME_TEXT_SIZE]() : nullptr);
-    if (text)
+    if (!format)
+        return nullptr;
+    std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(DATE_TIME_TEXT_SIZE);
+    if (!text)
+        RefuseNoMemory(trace);
+    else
         std::swprintf(text.get(), DATE_TIME_TEXT_SIZE, format, time->tm_mon + 1, time->tm_mday, time->tm_year + 1900,
                       time->tm_hour, time->tm_min, time->tm_sec);
     return text;

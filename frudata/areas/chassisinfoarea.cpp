@@ -27,8 +27,8 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .firstField = FRU_FIELD_CHASSIS_TYPE,
     .fields = FIELDS,
     .customTitle = STRING_CHASSIS_CUSTOM_FIELD,
-    .headerSize = 3,
-    .headerFieldOffset = 2,
+    .headerSize = OTHER_HEADER_SIZE,
+    .headerFieldOffset = HEADER_LANGUAGE_OR_TYPE,
     .headerFieldSize = 1,
     .headerFieldMarksModified = true,
     .customFieldsMarkModified = true,
@@ -36,10 +36,12 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .assertsPadding = false,
     .customIndexCondition = "nIndexOfFieldToGet <= m_NumOfCustomFields",
     .customPositionCondition = "nCurFieldIndex < m_NumOfCustomFields",
+    .reportsRefusals = false,
     .tooLong = nullptr,
     .valueNoMemory = nullptr,
     .customValueNoMemory = L"FRU Error Allocation",
 };
+static_assert(IsWithinCapacity(DESCRIPTION));
 
 } // namespace
 
@@ -57,7 +59,7 @@ bool CChassisInfoArea::SetType(UINT8 type) {
 const WCHAR* CChassisInfoArea::GetChassisString() const {
     const CTrace trace = Trace(L"GetChassisString");
     const UINT8 type = m_header[HEADER_LANGUAGE_OR_TYPE];
-    // Type 23 can be stored but has never been shown: hosts ask for its number instead.
+    // Compatibility: types 10 to 15 and 23 can be stored, and have no name.
     const bool isNamed = (type >= 1 && type <= 9) || (type >= 16 && type < LAST_CHASSIS_TYPE);
     Assert(isNamed, DESCRIPTION.sourceFile, "0");
     return trace.Exit(GetText(type + TYPE_NAME_DISTANCE));

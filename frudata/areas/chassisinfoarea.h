@@ -18,6 +18,8 @@ class CChassisInfoArea : public CInfoArea {
     /// The type's name. Types without one (0, 10 to 15, 23 and above) are a fatal assertion.
     const WCHAR* GetChassisString() const;
 
+    // By name, for hosts of the class; the library reaches its fields by index.
+
     const UINT8* GetPartNumber() const { return GetField(L"GetPartNumber", PART_NUMBER); }
     const UINT8* GetSerialNumber() const { return GetField(L"GetSerialNumber", SERIAL_NUMBER); }
     UINT8 GetPartNumberTL() const { return GetFieldTL(L"GetPartNumberTL", PART_NUMBER); }

@@ -136,7 +136,7 @@ UINTN CInfoArea::GetNumberOfFields() const {
 
 UINTN CInfoArea::GetFieldIndexFromEnum(FRU_FIELD field) const {
     const CTrace trace = Trace(L"GetFieldIndexFromEnum");
-    const auto index = static_cast<UINTN>(field - m_description.firstField);
+    const UINTN index = static_cast<UINTN>(field) - static_cast<UINTN>(m_description.firstField);
     if (index < m_description.fields.size())
         return trace.Exit(index);
     Assert(!m_description.assertsFieldSelection, m_description.sourceFile, "0");
@@ -160,10 +160,8 @@ const WCHAR* CInfoArea::GetFieldValueFromIndex(UINTN index) {
         m_pValue = HeaderFieldText(trace);
     } else if (index < m_description.fields.size()) {
         m_pValue = ToDisplayText(m_fields[index].GetData());
-        if (!m_pValue && m_description.valueNoMemory) {
-            trace.Fail(m_description.valueNoMemory);
-            RecordLastError(STRING_OUT_OF_MEMORY);
-        }
+        if (!m_pValue)
+            RefuseNoMemory(trace);
     } else if (index > NumberOfFields()) {
         RefuseMissing(trace);
     } else {
@@ -187,7 +185,7 @@ bool CInfoArea::GetFieldData(UINTN index, const UINT8*& data, UINTN& length) con
         length = DecodeLength(m_fields[index].GetTypeLength());
         return trace.Exit(true);
     }
-    // Hosts count on what this walk has always done: behind the head it never gets past the second field.
+    // Compatibility: every custom index after the first returns the second custom field.
     const CFruCustomField* field = nullptr;
     if (index - fixedFields < m_custom.GetCount())
         field = m_custom.Find(index == fixedFields ? 0 : 1);

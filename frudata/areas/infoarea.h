@@ -31,11 +31,34 @@ struct INFO_AREA_DESCRIPTION {
     bool assertsPadding;                 ///< fields that do not fit are an assertion, else a negative padding
     const char* customIndexCondition;    ///< assertion: no such custom field
     const char* customPositionCondition; ///< assertion: the custom field list ends early
-    // Words of the debug log; null where the area says nothing.
-    const WCHAR* tooLong;             ///< a value has no room; null: every refused value is silent
-    const WCHAR* valueNoMemory;       ///< no memory for a fixed field's text
-    const WCHAR* customValueNoMemory; ///< no memory for a custom field's text
+    bool reportsRefusals;                ///< a value that is not taken has a trace line and a message, else neither
+    // Words of the debug log.
+    const WCHAR* tooLong;             ///< a value has no room; only where refusals are reported
+    const WCHAR* valueNoMemory;       ///< no memory for a fixed field's text; null: no line and no message
+    const WCHAR* customValueNoMemory; ///< no memory for a custom field's text; null: no line
 };
+
+/// Places in an area's header.
+enum : UINTN {
+    HEADER_FORMAT_VERSION = 0,
+    HEADER_LENGTH = 1,
+    HEADER_LANGUAGE_OR_TYPE = 2,
+    HEADER_MFG_DATE_TIME = 3 ///< of the board area alone; the others' header ends here
+};
+/// Bytes of the board's date and time.
+constexpr UINTN MFG_DATE_TIME_SIZE = 3;
+constexpr UINTN BOARD_HEADER_SIZE = HEADER_MFG_DATE_TIME + MFG_DATE_TIME_SIZE;
+constexpr UINTN OTHER_HEADER_SIZE = HEADER_MFG_DATE_TIME;
+
+/// Most fixed fields of an area.
+constexpr std::size_t FIELD_CAPACITY = 7;
+
+/// Whether an area that is described so fits CInfoArea.
+constexpr bool IsWithinCapacity(const INFO_AREA_DESCRIPTION& description) {
+    return description.headerSize <= BOARD_HEADER_SIZE && description.fields.size() <= FIELD_CAPACITY &&
+           description.headerFieldOffset + description.headerFieldSize <= description.headerSize &&
+           (description.tooLong != nullptr) == description.reportsRefusals;
+}
 
 /// Largest area image, in bytes.
 constexpr UINTN INFO_AREA_SIZE = 512;
@@ -104,16 +127,6 @@ class CInfoArea : public CFruArea {
     }
 
   protected:
-    static constexpr UINTN HEADER_CAPACITY = 6;
-    static constexpr UINTN FIELD_CAPACITY = 7;
-    /// Places in the header.
-    enum : UINTN {
-        HEADER_FORMAT_VERSION = 0,
-        HEADER_LENGTH = 1,
-        HEADER_LANGUAGE_OR_TYPE = 2,
-        HEADER_MFG_DATE_TIME = 3
-    };
-
     explicit CInfoArea(const INFO_AREA_DESCRIPTION& description) : m_description(description) {}
 
     CTrace Trace(const WCHAR* operation) const { return {m_description.className, operation}; }
@@ -124,6 +137,8 @@ class CInfoArea : public CFruArea {
     UINT8 GetHeaderByte(const WCHAR* operation, UINTN place) const;
     bool SetHeaderByte(const WCHAR* operation, UINTN place, UINT8 value);
 
+    /// Reports that there is no memory for the text of a fixed field.
+    void RefuseNoMemory(const CTrace& trace) const;
     /// Sets the field that lies in the header. `trace` is the caller's, for a failure.
     virtual bool SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) = 0;
     /// The display text of the field that lies in the header, or null.
@@ -132,7 +147,7 @@ class CInfoArea : public CFruArea {
     virtual void EndOfFieldsFound(UINTN /*end*/) const {}
 
     const INFO_AREA_DESCRIPTION& m_description;
-    UINT8 m_header[HEADER_CAPACITY] = {};
+    UINT8 m_header[BOARD_HEADER_SIZE] = {};
     CFruField m_fields[FIELD_CAPACITY];
 
   private:

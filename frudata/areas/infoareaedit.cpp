@@ -11,10 +11,8 @@ bool CInfoArea::HasRoom(UINTN length, UINT8 typeLength) const {
     return static_cast<int>(length) <= DecodeLength(typeLength) + GetPadLength();
 }
 
-// The chassis area refuses without a word: its callers tell the user themselves.
-
 bool CInfoArea::RefuseNull(const CTrace& trace) const {
-    if (m_description.tooLong) {
+    if (m_description.reportsRefusals) {
         trace.Fail(L"Unexpected");
         RecordLastError(STRING_UNEXPECTED);
     }
@@ -22,7 +20,7 @@ bool CInfoArea::RefuseNull(const CTrace& trace) const {
 }
 
 bool CInfoArea::RefuseTooLong(const CTrace& trace, STRING_ID title) const {
-    if (m_description.tooLong) {
+    if (m_description.reportsRefusals) {
         trace.Fail(m_description.tooLong);
         RecordLastError(STRING_VALUE_TOO_LONG, GetText(title));
     }
@@ -35,6 +33,13 @@ bool CInfoArea::RefuseMissing(const CTrace& trace) const {
     return false;
 }
 
+void CInfoArea::RefuseNoMemory(const CTrace& trace) const {
+    if (m_description.valueNoMemory) {
+        trace.Fail(m_description.valueNoMemory);
+        RecordLastError(STRING_OUT_OF_MEMORY);
+    }
+}
+
 bool CInfoArea::SetField(UINTN index, const UINT8* data, UINTN length, FRU_FIELD_TYPE type) {
     const INFO_AREA_FIELD& row = m_description.fields[index];
     CFruField& field = m_fields[index];
@@ -43,8 +48,8 @@ bool CInfoArea::SetField(UINTN index, const UINT8* data, UINTN length, FRU_FIELD
         return RefuseNull(trace);
     if (length > MAX_FIELD_LENGTH || !HasRoom(length, field.GetTypeLength()))
         return RefuseTooLong(trace, row.title);
-    if (!field.Assign(static_cast<UINT8>(type | length), data)) {
-        if (m_description.tooLong) {
+    if (!field.Assign(type, static_cast<UINT8>(length), data)) {
+        if (m_description.reportsRefusals) {
             trace.Fail(L"FRU Error Allocation");
             RecordLastError(STRING_OUT_OF_MEMORY);
         }
@@ -96,7 +101,7 @@ bool CInfoArea::SetCustomField(UINTN index, const UINT8* data, UINTN length, FRU
         return RefuseTooLong(trace, m_description.customTitle);
     CFruCustomField* field = m_custom.Find(index);
     if (!field)
-        return m_description.tooLong ? RefuseMissing(trace) : false;
+        return m_description.reportsRefusals ? RefuseMissing(trace) : false;
     if (!HasRoom(length, field->m_typeLength))
         return RefuseTooLong(trace, m_description.customTitle);
     // The value may be the field's own, handed out by GetFieldData.

@@ -33,7 +33,7 @@ bool CInfoArea::ParseHeader(const UINT8* data, UINTN length) {
     if (AreaLength() < length || AreaLength() > INFO_AREA_SIZE || length <= HEADER_LANGUAGE_OR_TYPE)
         return false;
     m_header[HEADER_LANGUAGE_OR_TYPE] = data[HEADER_LANGUAGE_OR_TYPE];
-    if (m_description.headerSize == HEADER_MFG_DATE_TIME)
+    if (m_description.headerSize == OTHER_HEADER_SIZE)
         return true;
     if (length <= m_description.headerSize)
         return false;
@@ -47,9 +47,10 @@ bool CInfoArea::ParseField(const UINT8* data, UINTN length, UINTN& index, CFruFi
     if (index >= length)
         return false;
     const UINT8 typeLength = data[index];
-    const UINTN end = index + 1 + DecodeLength(typeLength);
+    const UINT8 fieldLength = DecodeLength(typeLength);
+    const UINTN end = index + 1 + fieldLength;
     // Something must follow a field: the next one or the end marker.
-    if (end >= length || !field.Assign(typeLength, data + index + 1))
+    if (end >= length || !field.Assign(typeLength & FIELD_TYPE_MASK, fieldLength, data + index + 1))
         return false;
     index = end;
     return trace.Exit(true);

@@ -23,20 +23,22 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .firstField = FRU_FIELD_PRODUCT_MANUFACTURER_NAME,
     .fields = FIELDS,
     .customTitle = STRING_PRODUCT_CUSTOM_FIELD,
-    .headerSize = 3,
+    .headerSize = OTHER_HEADER_SIZE,
     .headerFieldOffset = 0,
     .headerFieldSize = 0,
     .headerFieldMarksModified = false,
-    // Hosts rely on it: a change of custom fields alone is not written back to the device.
+    // Compatibility: a change of custom fields alone is not written back to the device.
     .customFieldsMarkModified = false,
     .assertsFieldSelection = true,
     .assertsPadding = false,
     .customIndexCondition = "nIndexOfFieldToGet <= ( UINTN ) m_NumOfCustomFields",
     .customPositionCondition = "nCurFieldIndex < ( UINTN ) m_NumOfCustomFields",
+    .reportsRefusals = true,
     .tooLong = L"FRU Data Too Long",
     .valueNoMemory = L"FRU Error Allocation",
     .customValueNoMemory = L"FRU Error Allocation",
 };
+static_assert(IsWithinCapacity(DESCRIPTION));
 
 } // namespace
 

@@ -15,6 +15,8 @@ class CProductInfoArea : public CInfoArea {
 
     CProductInfoArea();
 
+    // By name, for hosts of the class; the library reaches its fields by index.
+
     UINT8 GetLanguageCode() const { return GetHeaderByte(L"GetLanguageCode", HEADER_LANGUAGE_OR_TYPE); }
     bool SetLanguageCode(UINT8 code) { return SetHeaderByte(L"SetLanguageCode", HEADER_LANGUAGE_OR_TYPE, code); }
 

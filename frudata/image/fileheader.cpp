@@ -7,14 +7,15 @@
 
 namespace Frudata_Private {
 
-bool CFileHeader::Store(std::unique_ptr<char[]>& value, const char* text) {
+bool CFileHeader::Store(const WCHAR* operation, std::unique_ptr<char[]>& value, const char* text) {
+    const CTrace trace(L"CFileHeader", operation);
     Assert(text != nullptr, "fileheader.cpp", "text");
     const std::size_t size = std::strlen(text) + 1;
     value.reset(new (std::nothrow) char[size]);
     if (!value)
         return false;
     std::memcpy(value.get(), text, size);
-    return true;
+    return trace.Exit(true);
 }
 
 } // namespace Frudata_Private

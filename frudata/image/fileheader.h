@@ -1,6 +1,9 @@
 // The four header values of a FRU text file.
 #pragma once
 
+#include "common/trace.h"
+#include "frudata/types.h"
+
 #include <memory>
 
 namespace Frudata_Private {
@@ -9,17 +12,20 @@ namespace Frudata_Private {
 /// fatal assertion. A getter yields null before the value was set.
 class CFileHeader {
   public:
-    bool SetLfName(const char* text) { return Store(m_lfName, text); }
-    bool SetLfVersion(const char* text) { return Store(m_lfVersion, text); }
-    bool SetLfFmtVersion(const char* text) { return Store(m_lfFmtVersion, text); }
-    bool SetIpmiVersion(const char* text) { return Store(m_ipmiVersion, text); }
-    const char* GetLfName() const { return m_lfName.get(); }
-    const char* GetLfVersion() const { return m_lfVersion.get(); }
-    const char* GetLfFmtVersion() const { return m_lfFmtVersion.get(); }
-    const char* GetIpmiVersion() const { return m_ipmiVersion.get(); }
+    bool SetLfName(const char* text) { return Store(L"SetLfName", m_lfName, text); }
+    bool SetLfVersion(const char* text) { return Store(L"SetLfVersion", m_lfVersion, text); }
+    bool SetLfFmtVersion(const char* text) { return Store(L"SetLfFmtVersion", m_lfFmtVersion, text); }
+    bool SetIpmiVersion(const char* text) { return Store(L"SetIpmiVersion", m_ipmiVersion, text); }
+    const char* GetLfName() const { return Get(L"GetLfName", m_lfName); }
+    const char* GetLfVersion() const { return Get(L"GetLfVersion", m_lfVersion); }
+    const char* GetLfFmtVersion() const { return Get(L"GetLfFmtVersion", m_lfFmtVersion); }
+    const char* GetIpmiVersion() const { return Get(L"GetIpmiVersion", m_ipmiVersion); }
 
   private:
-    static bool Store(std::unique_ptr<char[]>& value, const char* text);
+    static bool Store(const WCHAR* operation, std::unique_ptr<char[]>& value, const char* text);
+    static const char* Get(const WCHAR* operation, const std::unique_ptr<char[]>& value) {
+        return CTrace(L"CFileHeader", operation).Exit(static_cast<const char*>(value.get()));
+    }
 
     std::unique_ptr<char[]> m_lfName;
     std::unique_ptr<char[]> m_lfVersion;

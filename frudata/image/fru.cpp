@@ -1,6 +1,7 @@
 #include "frudata/image/fru.h"
 
 #include "common/assertion.h"
+#include "common/bytesum.h"
 #include "common/lasterror.h"
 
 #include <cstring>
@@ -15,10 +16,6 @@ namespace {
 constexpr char SOURCE_FILE[] = "fru.cpp";
 /// Below this a buffer could not hold a useful identifier.
 constexpr int SMALLEST_IDENTIFIER_BYTES = 100;
-
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFru", operation};
-}
 
 } // namespace
 
@@ -41,50 +38,60 @@ CFruArea* CFru::GetFieldArea(FRU_AREA area) {
     return GetInfoArea(area);
 }
 
+CFruHeader& CFru::GetFRUHeader() {
+    TraceOf(L"GetFRUHeader").Exit();
+    return m_header;
+}
+
+FRU_LOCATOR* CFru::GetDevLocator() {
+    return TraceOf(L"GetDevLocator").Exit(&m_locator);
+}
+
 EFI_STATUS CFru::GetFruNameString(const WCHAR*& name) const {
-    const CTrace trace = Trace(L"GetFruNameString");
+    const CTrace trace = TraceOf(L"GetFruNameString");
     name = m_locator.name;
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
 UINTN CFru::GetInternalAreaLength() const {
-    return Trace(L"GetInternalAreaLength").Exit(m_internalUse.GetLength());
+    return TraceOf(L"GetInternalAreaLength").Exit(m_internalUse.GetLength());
 }
 
 UINT16 CFru::GetMultiRecAreaLength() const {
-    return Trace(L"GetMultiRecAreaLength").Exit(m_multiRecLength);
+    return TraceOf(L"GetMultiRecAreaLength").Exit(m_multiRecLength);
 }
 
 EFI_STATUS CFru::CreateFruList() {
-    return Trace(L"CreateFruList").Exit(FRU_STATUS_SUCCESS);
+    return TraceOf(L"CreateFruList").Exit(FRU_STATUS_SUCCESS);
 }
 
 EFI_STATUS CFru::LoadFromFile(std::FILE*) {
+    TraceOf(L"LoadFromFile");
     FailAssertion(SOURCE_FILE, "0");
 }
 
 bool CFru::HasInternalArea() const {
-    return Trace(L"HasInternalArea").Exit(m_header.Has(FRU_HEADER_INTERNAL_USE));
+    return TraceOf(L"HasInternalArea").Exit(m_header.Has(FRU_HEADER_INTERNAL_USE));
 }
 
 bool CFru::HasChassisArea() const {
-    return Trace(L"HasChassisArea").Exit(m_header.Has(FRU_HEADER_CHASSIS));
+    return TraceOf(L"HasChassisArea").Exit(m_header.Has(FRU_HEADER_CHASSIS));
 }
 
 bool CFru::HasBoardArea() const {
-    return Trace(L"HasBoardArea").Exit(m_header.Has(FRU_HEADER_BOARD));
+    return TraceOf(L"HasBoardArea").Exit(m_header.Has(FRU_HEADER_BOARD));
 }
 
 bool CFru::HasProductArea() const {
-    return Trace(L"HasProductArea").Exit(m_header.Has(FRU_HEADER_PRODUCT));
+    return TraceOf(L"HasProductArea").Exit(m_header.Has(FRU_HEADER_PRODUCT));
 }
 
 bool CFru::HasMultiRecArea() const {
-    return Trace(L"HasMultiRecArea").Exit(m_header.Has(FRU_HEADER_MULTIRECORD));
+    return TraceOf(L"HasMultiRecArea").Exit(m_header.Has(FRU_HEADER_MULTIRECORD));
 }
 
 UINTN CFru::GetNumberOfAreas() const {
-    const CTrace trace = Trace(L"GetNumberOfAreas");
+    const CTrace trace = TraceOf(L"GetNumberOfAreas");
     UINTN count = 0;
     for (UINTN place = FRU_HEADER_INTERNAL_USE; place <= FRU_HEADER_MULTIRECORD; ++place)
         count += m_header[place] != 0;
@@ -92,30 +99,30 @@ UINTN CFru::GetNumberOfAreas() const {
 }
 
 EFI_STATUS CFru::DecodeHeader(const UINT8* data) {
-    const CTrace trace = Trace(L"DecodeHeader");
+    const CTrace trace = TraceOf(L"DecodeHeader");
     m_header.SetData(data);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
 EFI_STATUS CFru::SerializeCommonHeader(UINT8* data) {
-    const CTrace trace = Trace(L"SerializeCommonHeader");
+    const CTrace trace = TraceOf(L"SerializeCommonHeader");
     Assert(data != nullptr, SOURCE_FILE, "data");
     std::memcpy(data, m_header.GetData(), CFruHeader::FRU_HEADER_LENGTH);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
 UINT8 CFru::CalculateChecksum(const UINT8* data, int length) {
-    return Trace(L"CalculateChecksum").Exit(ZeroChecksum(data, length));
+    return TraceOf(L"CalculateChecksum").Exit(ZeroChecksum(data, length));
 }
 
 UINT16 CFru::GetOverallLength() const {
-    const CTrace trace = Trace(L"GetOverallLength");
+    const CTrace trace = TraceOf(L"GetOverallLength");
     return trace.Exit(static_cast<UINT16>(m_board.GetLength() + m_chassis.GetLength() + m_product.GetLength() +
                                           m_multiRecLength + m_internalUse.GetLength() + m_header.GetLength()));
 }
 
 EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
-    const CTrace trace = Trace(L"ComputeAreaLengths");
+    const CTrace trace = TraceOf(L"ComputeAreaLengths");
     // From the back: `end` is where the area behind the one at hand starts.
     int end = totalLength;
     const auto lengthOf = [this, &end](FRU_HEADER_BYTE area) {
@@ -131,20 +138,21 @@ EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
 }
 
 EFI_STATUS CFru::SetMultiRecArea(const UINT8* data, UINTN length, bool modified) {
-    const CTrace trace = Trace(L"SetMultiRecArea");
+    const CTrace trace = TraceOf(L"SetMultiRecArea");
     m_multiRecords.reset();
     m_multiRecLength = static_cast<UINT16>(length);
     const EFI_STATUS status = DecodeMultiRecArea(data);
     if (status != FRU_STATUS_SUCCESS) {
+        trace.Fail(L"Unexpected");
         RecordLastError(STRING_UNEXPECTED);
-        return trace.Fail(L"Unexpected", status);
+        return status;
     }
     m_multiRecModified = modified;
     return trace.Exit(status);
 }
 
 EFI_STATUS CFru::DecodeMultiRecArea(const UINT8* data) {
-    const CTrace trace = Trace(L"DecodeMultiRecArea");
+    const CTrace trace = TraceOf(L"DecodeMultiRecArea");
     m_multiRecords.reset();
     CMultiRecordAppender records(m_multiRecords);
     for (UINTN offset = 0; offset < m_multiRecLength;) {
@@ -163,7 +171,7 @@ EFI_STATUS CFru::TakeMultiRecBlock(const UINT8* data, UINTN length) {
 }
 
 EFI_STATUS CFru::SerializeMultiRecArea(UINT8* buffer, UINTN& length) const {
-    const CTrace trace = Trace(L"SerializeMultiRecArea");
+    const CTrace trace = TraceOf(L"SerializeMultiRecArea");
     const UINTN capacity = length;
     UINTN written = 0;
     length = 0;
@@ -182,7 +190,7 @@ EFI_STATUS CFru::SerializeMultiRecArea(UINT8* buffer, UINTN& length) const {
 }
 
 bool CFru::CheckMultiRecCheckSum() const {
-    const CTrace trace = Trace(L"CheckMultiRecCheckSum");
+    const CTrace trace = TraceOf(L"CheckMultiRecCheckSum");
     for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
         if (!record->IsValid())
             return false;
@@ -191,20 +199,17 @@ bool CFru::CheckMultiRecCheckSum() const {
 }
 
 const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* buffer, int bufferBytes) {
-    const CTrace trace = Trace(L"GetFriendlyFruIdentifier");
+    const CTrace trace = TraceOf(L"GetFriendlyFruIdentifier");
     if (!locator || !buffer || bufferBytes < SMALLEST_IDENTIFIER_BYTES)
         return L"";
     const std::size_t size = static_cast<std::size_t>(bufferBytes) / sizeof(WCHAR);
-    if (locator->name) {
+    std::wmemset(buffer, 0, size);
+    // A text that is too long is cut at the buffer's end.
+    if (locator->name)
         std::wcsncpy(buffer, locator->name, size - 1);
-    } else {
-        const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
-        if (!format ||
-            std::swprintf(buffer, size, format, static_cast<unsigned>(locator->deviceId),
-                          static_cast<unsigned>(locator->controller), static_cast<unsigned>(locator->deviceAddress),
-                          static_cast<unsigned>(locator->bus)) < 0)
-            buffer[0] = 0;
-    }
+    else if (const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu"))
+        std::swprintf(buffer, size, format, UINT32{locator->deviceId}, UINT32{locator->controller},
+                      UINT32{locator->deviceAddress}, UINT32{locator->bus});
     buffer[size - 1] = 0;
     return trace.Exit(static_cast<const WCHAR*>(buffer));
 }

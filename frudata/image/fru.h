@@ -15,8 +15,6 @@ namespace Frudata_Private {
 
 /// The platform code given to `Initialize`; FRU_PLATFORM_MBMC opens the paths of FRU_TYPE_MBMC_FRU.
 extern int g_fdPlatform;
-/// The kind of BMC, asked anew for each write (a BMC_TYPE_ value).
-extern UINT32 g_BMCType;
 
 /// Bytes of the buffer that a FRU's identifier is composed in, as its users have it.
 constexpr int FRU_IDENTIFIER_BYTES = 400;
@@ -31,10 +29,13 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
+    /// The trace of one of its operations.
+    static CTrace TraceOf(const WCHAR* operation) { return {L"CFru", operation}; }
+
     // --- Image ------------------------------------------------------------------------------------
 
-    CFruHeader& GetFRUHeader() { return m_header; }
-    FRU_LOCATOR* GetDevLocator() { return &m_locator; }
+    CFruHeader& GetFRUHeader();
+    FRU_LOCATOR* GetDevLocator();
     CFileHeader& GetFileHeader() { return m_fileHeader; }
     CInternalUseArea& GetInternalUseArea() { return m_internalUse; }
     CChassisInfoArea& GetChassisInfoArea() { return m_chassis; }
@@ -115,9 +116,9 @@ class CFru {
     /// @return 0, READ_FRU_ERROR, or a transport value
     static EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data);
     /// Writes the header, the board area and the modified areas to the device that the locator names, and
-    /// reports each step to `progress` unless it is null. Areas written before a failure stay written.
-    /// @return 0, WRITE_SYSTEM_ERROR
-    EFI_STATUS WriteToSystem(FRU_PROGRESS_CALLBACK progress);
+    /// reports each step to what `progress` then is, unless it is null: the host may exchange its callback
+    /// meanwhile. Areas written before a failure stay written. @return 0, WRITE_SYSTEM_ERROR
+    EFI_STATUS WriteToSystem(const FRU_PROGRESS_CALLBACK& progress);
     /// Writes to the device, by the path that its BMC has. @return 0, WRITE_FRU_ERROR, or a transport value
     EFI_STATUS WriteFruData(UINT32 offset, UINT32 length, const UINT8* data);
     static void Sleep(unsigned int seconds);
@@ -135,9 +136,9 @@ class CFru {
     /// Reads the area at `offset` (8-byte units). A `length` above `capacity` was not read.
     static EFI_STATUS GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
                                         UINT16& length);
-    /// Reads and parses one info area. @return 0, a read status, or `refused` where it does not fit or parse
-    EFI_STATUS ReadInfoArea(const FRU_LOCATOR* locator, FRU_HEADER_BYTE place, UINT16 capacity, CInfoArea& area,
-                            EFI_STATUS refused);
+    struct DEVICE_AREA;
+    /// Reads and parses one info area. @return 0, its own status, or for the product area a read status
+    EFI_STATUS ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row);
     static EFI_STATUS GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length);
     static EFI_STATUS GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length);
     static EFI_STATUS ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer);
@@ -145,7 +146,7 @@ class CFru {
     static EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length);
     static EFI_STATUS WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
     static EFI_STATUS WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
-    bool WriteAreas(FRU_PROGRESS_CALLBACK progress);
+    bool WriteAreas(const FRU_PROGRESS_CALLBACK& progress);
 
     EFI_STATUS SaveFRUFileHeader(const char* path);
     EFI_STATUS SaveFRUCommonHeader(const char* path);

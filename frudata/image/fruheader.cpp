@@ -15,10 +15,6 @@ CTrace Trace(const WCHAR* operation) {
 
 } // namespace
 
-UINT8 ZeroChecksum(const UINT8* data, int length) {
-    return static_cast<UINT8>(0U - ByteSum(data, length > 0 ? static_cast<UINTN>(length) : 0));
-}
-
 UINTN CFruHeader::GetLength() const {
     return Trace(L"GetLength").Exit(FRU_HEADER_LENGTH + 0);
 }

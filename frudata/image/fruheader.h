@@ -44,7 +44,4 @@ class CFruHeader {
     UINT8 m_copy[FRU_HEADER_LENGTH] = {};
 };
 
-/// Two's complement of the byte sum of `length` bytes, so that data and checksum sum to 0; 0 for no bytes.
-UINT8 ZeroChecksum(const UINT8* data, int length);
-
 } // namespace Frudata_Private

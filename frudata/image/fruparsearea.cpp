@@ -23,12 +23,8 @@ class CAreaBlock {
     UINT8* GetData() { return m_data; }
     void Clear();
 
-    /// Adds a line of nothing but whole bytes. @return false, with nothing added, for every other line
-    bool AddBytes(const char* digits);
     EFI_STATUS AddText(const char* text, UINTN length);
     EFI_STATUS AddHexadecimal(const char* digits);
-    /// Puts the bytes of `digits` behind those that are there. @return their end, or null where the line has more
-    UINT8* ReadBytes(const char* digits);
     /// A byte's two digits stand on one line.
     void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
 
@@ -36,7 +32,6 @@ class CAreaBlock {
     UINT8 m_data[SIZE];
     UINTN m_length;
     bool m_isHalf;
-    UINT8 m_half;
 };
 
 /// What a character of a hexadecimal line is: a digit's value, nothing, or out of place.
@@ -59,39 +54,17 @@ constexpr UINT8 Look(const char* character) {
     return CHARACTERS[static_cast<UINT8>(*character)];
 }
 
+/// The first character that does not belong on a hexadecimal line, or its end.
+const char* FirstStranger(const char* line) {
+    while (Look(line) != OUT_OF_PLACE)
+        ++line;
+    return line;
+}
+
 void CAreaBlock::Clear() {
     std::memset(m_data, 0, SIZE);
     m_length = 0;
     m_isHalf = false;
-}
-
-UINT8* CAreaBlock::ReadBytes(const char* digits) {
-    UINT8* byte = m_data + m_length;
-    for (UINT8 high = Look(digits); high != OUT_OF_PLACE; high = Look(digits)) {
-        ++digits;
-        if (high == NO_DIGIT)
-            continue;
-        const UINT8 low = Look(digits++);
-        if (low > 0x0F || byte == m_data + SIZE)
-            return nullptr;
-        *byte++ = static_cast<UINT8>(high << 4 | low);
-        // Bytes are mostly one blank apart.
-        digits += *digits == ' ' ? 1 : 0;
-    }
-    return *digits == 0 ? byte : nullptr;
-}
-
-bool CAreaBlock::AddBytes(const char* digits) {
-    if (m_isHalf)
-        return false;
-    const UINT8* const end = ReadBytes(digits);
-    if (!end) {
-        // Bytes behind the length count as 0.
-        std::memset(m_data + m_length, 0, SIZE - m_length);
-        return false;
-    }
-    m_length = static_cast<UINTN>(end - m_data);
-    return true;
 }
 
 EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
@@ -104,37 +77,40 @@ EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
 
 EFI_STATUS CAreaBlock::AddHexadecimal(const char* digits) {
     AssertWholeByte();
-    for (; *digits; ++digits) {
-        const UINT8 value = Look(digits);
+    UINT8* end = m_data + m_length;
+    unsigned high = NO_DIGIT; // the digit that waits for its second
+    for (unsigned value = Look(digits); value != OUT_OF_PLACE; value = Look(++digits)) {
         if (value == NO_DIGIT)
             continue;
-        if (value == OUT_OF_PLACE)
-            return FRU_STATUS_UNEXPECTED_CHARACTER;
-        if (!m_isHalf) {
-            m_half = value;
-        } else {
-            if (IsFull())
-                return FRU_STATUS_AREA_TOO_BIG;
-            m_data[m_length++] = static_cast<UINT8>(m_half << 4 | value);
+        if (high == NO_DIGIT) {
+            high = value;
+            continue;
         }
-        m_isHalf = !m_isHalf;
+        if (end == m_data + SIZE)
+            return FRU_STATUS_AREA_TOO_BIG;
+        *end++ = static_cast<UINT8>(high << 4 | value);
+        high = NO_DIGIT;
     }
-    return FRU_STATUS_SUCCESS;
+    m_length = static_cast<UINTN>(end - m_data);
+    m_isHalf = high != NO_DIGIT;
+    return *digits == 0 ? EFI_STATUS{FRU_STATUS_SUCCESS} : FRU_STATUS_UNEXPECTED_CHARACTER;
 }
 
 /// Adds one line. @return false when the line ends the block
 bool AddLine(const char* line, CAreaBlock& block, EFI_STATUS& status) {
     status = FRU_STATUS_SUCCESS;
-    if (*line == 0 || (*line != FRU_SINGLE_QUOTE && block.AddBytes(line)))
+    if (*line == 0)
         return true;
-    const char* first = *line == FRU_SINGLE_QUOTE ? line : std::strchr(line, FRU_SINGLE_QUOTE);
-    const char* second = first ? std::strchr(first + 1, FRU_SINGLE_QUOTE) : nullptr;
-    if (second) {
-        status = block.AddText(first + 1, static_cast<UINTN>(second - first - 1));
-        return true;
+    if (*FirstStranger(line) != 0) {
+        const char* first = std::strchr(line, FRU_SINGLE_QUOTE);
+        const char* second = first ? std::strchr(first + 1, FRU_SINGLE_QUOTE) : nullptr;
+        if (second) {
+            status = block.AddText(first + 1, static_cast<UINTN>(second - first - 1));
+            return true;
+        }
+        if (std::strstr(line, FRU_CLOSE_PAREN) || std::strstr(line, FRU_AREA_TAG_PREFIX))
+            return false;
     }
-    if (std::strstr(line, FRU_CLOSE_PAREN) || std::strstr(line, FRU_AREA_TAG_PREFIX))
-        return false;
     status = block.AddHexadecimal(line);
     return true;
 }
@@ -145,7 +121,7 @@ CAreaBlock g_areaBlock;
 } // namespace
 
 EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
-    const CTrace trace(L"CFru", L"ParseArea");
+    const CTrace trace = TraceOf(L"ParseArea");
     g_areaBlock.Clear();
     if (!file.LineContains(line, tag))
         return trace.Fail(L"Missing Area Tag", FRU_STATUS_MISSING_AREA_TAG);
@@ -176,7 +152,7 @@ void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, co
         {FRU_STATUS_UNEXPECTED_CHARACTER, L"Unexpected Character", STRING_FILE_UNEXPECTED_CHARACTER},
         {FRU_STATUS_SUCCESS, L"Area Parse Error", STRING_FILE_AREA_INVALID}, // every other failure
     };
-    const CTrace trace(L"CFru", L"SetParseAreaErrorMessage");
+    const CTrace trace = TraceOf(L"SetParseAreaErrorMessage");
     Assert(status != FRU_STATUS_SUCCESS, SOURCE_FILE, "status");
     const auto* row = MESSAGES;
     while (row->status != FRU_STATUS_SUCCESS && row->status != status)

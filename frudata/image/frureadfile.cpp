@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <span>
+#include <type_traits>
 
 namespace Frudata_Private {
 
@@ -59,10 +59,6 @@ struct READ_STEP {
     std::int64_t limit = NO_LIMIT;   ///< largest number accepted
     bool isOptional = false;         ///< a line without the key is tried as the next state's
     bool isSilent = false;           ///< failures leave no line in the debug log
-    // Where the value goes; one of them, as `read` needs it.
-    bool (CFileHeader::*setText)(const char* text) = nullptr;
-    void (*storeNumber)(CFru& fru, UINT32 number) = nullptr;
-    bool (*storeArea)(CFru& fru, const UINT8* data, UINTN length) = nullptr;
 };
 
 /// One reading of one file into one image.
@@ -74,13 +70,16 @@ class CFruFileReader {
     /// @return READ_DONE, READ_FAILED, or the state in which the lines ran out
     READ_STATE Run();
 
-    READ_STATE ReadHeaderText(const READ_STEP& step);
     READ_STATE ReadOpenParen(const READ_STEP& step);
     READ_STATE ReadTitle(const READ_STEP& step);
     READ_STATE SkipValue(const READ_STEP& step);
     READ_STATE ReadType(const READ_STEP& step);
-    READ_STATE ReadNumber(const READ_STEP& step);
-    READ_STATE ReadArea(const READ_STEP& step);
+    /// Gives the quoted value to STORE, a setter of CFileHeader.
+    template <auto STORE> READ_STATE ReadHeaderText(const READ_STEP& step);
+    /// Gives the number to STORE(fru, number).
+    template <auto STORE> READ_STATE ReadNumber(const READ_STEP& step);
+    /// Gives the block to STORE(fru, data, length), which returns whether it is taken.
+    template <auto STORE> READ_STATE ReadArea(const READ_STEP& step);
 
   private:
     bool ScanNumber(const READ_STEP& step, std::int64_t& number) const;
@@ -104,32 +103,30 @@ constexpr READ_STEP OptionalStep(const char* key, READ_STATE (CFruFileReader::*r
     return {.key = key, .read = read, .next = next, .name = name, .isOptional = true};
 }
 
-constexpr READ_STEP TextStep(const char* key, STRING_ID name, bool (CFileHeader::*setText)(const char*),
-                             READ_STATE next) {
-    return {.key = key, .read = &CFruFileReader::ReadHeaderText, .next = next, .name = name, .setText = setText};
+template <auto STORE> constexpr READ_STEP TextStep(const char* key, STRING_ID name, READ_STATE next) {
+    return {.key = key, .read = &CFruFileReader::ReadHeaderText<STORE>, .next = next, .name = name};
 }
 
-constexpr READ_STEP NumberStep(const char* key, STRING_ID name, std::int64_t limit, void (*store)(CFru&, UINT32),
-                               READ_STATE next) {
+template <auto STORE>
+constexpr READ_STEP NumberStep(const char* key, STRING_ID name, std::int64_t limit, READ_STATE next) {
     return {.key = key,
-            .read = &CFruFileReader::ReadNumber,
+            .read = &CFruFileReader::ReadNumber<STORE>,
             .next = next,
             .name = name,
             .outOfRangeName = name,
-            .limit = limit,
-            .storeNumber = store};
+            .limit = limit};
 }
 
-/// The mBMC sizes share the messages of bus and address, and never had lines in the debug log.
-constexpr READ_STEP MbmcStep(const char* key, std::int64_t limit, void (*store)(CFru&, UINT32), READ_STATE next) {
-    READ_STEP step = NumberStep(key, STRING_KEY_DEV_BUS, limit, store, next);
+/// The mBMC sizes share the messages of bus and address, and leave no line in the debug log.
+template <auto STORE> constexpr READ_STEP MbmcStep(const char* key, std::int64_t limit, READ_STATE next) {
+    READ_STEP step = NumberStep<STORE>(key, STRING_KEY_DEV_BUS, limit, next);
     step.outOfRangeName = STRING_KEY_DEV_ADDRESS;
     step.isSilent = true;
     return step;
 }
 
-constexpr READ_STEP AreaStep(const char* tag, STRING_ID name, bool (*store)(CFru&, const UINT8*, UINTN)) {
-    return {.key = tag, .read = &CFruFileReader::ReadArea, .next = READ_DONE, .name = name, .storeArea = store};
+template <auto STORE> constexpr READ_STEP AreaStep(const char* tag, STRING_ID name) {
+    return {.key = tag, .read = &CFruFileReader::ReadArea<STORE>, .next = READ_DONE, .name = name};
 }
 
 bool StoreCommonHeader(CFru& fru, const UINT8* data, UINTN length) {
@@ -137,53 +134,55 @@ bool StoreCommonHeader(CFru& fru, const UINT8* data, UINTN length) {
     return fru.DecodeHeader(data) == FRU_STATUS_SUCCESS;
 }
 
+bool StoreInternalUse(CFru& fru, const UINT8* data, UINTN length) {
+    return fru.GetInternalUseArea().SetData(data, length, false);
+}
+
+template <FRU_AREA AREA> bool StoreInfoArea(CFru& fru, const UINT8* data, UINTN length) {
+    return fru.GetInfoArea(AREA)->SetData(data, length);
+}
+
 bool StoreMultiRecords(CFru& fru, const UINT8* data, UINTN length) {
     Assert(length >= MULTIRECORD_HEADER_LENGTH, SOURCE_FILE, "length >= 5");
     return fru.TakeMultiRecBlock(data, length) == FRU_STATUS_SUCCESS;
 }
 
-template <UINT8 FRU_LOCATOR::*FIELD> void StoreAddressByte(CFru& fru, UINT32 number) {
-    fru.GetDevLocator()->*FIELD = static_cast<UINT8>(number);
+void StoreDataLength(CFru& fru, UINT32 number) {
+    fru.ComputeAreaLengths(static_cast<int>(number));
+}
+
+template <auto FRU_LOCATOR::*FIELD> void StoreAddress(CFru& fru, UINT32 number) {
+    auto& field = fru.GetDevLocator()->*FIELD;
+    field = static_cast<std::remove_reference_t<decltype(field)>>(number);
 }
 
 // Indexed by state.
 constexpr READ_STEP STEPS[] = {
-    TextStep(FRU_LF_NAME, STRING_KEY_LF_NAME, &CFileHeader::SetLfName, READ_LF_VERSION),
-    TextStep(FRU_LF_NAME, STRING_KEY_LF_NAME, &CFileHeader::SetLfName, READ_LF_VERSION),
-    TextStep(FRU_LF_VERSION, STRING_KEY_LF_VERSION, &CFileHeader::SetLfVersion, READ_LF_FMT_VER),
-    TextStep(FRU_LF_FMT_VER, STRING_KEY_LF_FMT_VER, &CFileHeader::SetLfFmtVersion, READ_IPMI_VERSION),
-    TextStep(FRU_IMPI_VERSION, STRING_KEY_IPMI_VERSION, &CFileHeader::SetIpmiVersion, READ_FRU),
+    TextStep<&CFileHeader::SetLfName>(FRU_LF_NAME, STRING_KEY_LF_NAME, READ_LF_VERSION),
+    TextStep<&CFileHeader::SetLfName>(FRU_LF_NAME, STRING_KEY_LF_NAME, READ_LF_VERSION),
+    TextStep<&CFileHeader::SetLfVersion>(FRU_LF_VERSION, STRING_KEY_LF_VERSION, READ_LF_FMT_VER),
+    TextStep<&CFileHeader::SetLfFmtVersion>(FRU_LF_FMT_VER, STRING_KEY_LF_FMT_VER, READ_IPMI_VERSION),
+    TextStep<&CFileHeader::SetIpmiVersion>(FRU_IMPI_VERSION, STRING_KEY_IPMI_VERSION, READ_FRU),
     Step(FRU_FRU, &CFruFileReader::ReadOpenParen, STRING_KEY_FRU_TITLE, READ_FRU_TITLE),
     OptionalStep(FRU_FRU_TITLE, &CFruFileReader::ReadTitle, STRING_KEY_FRU_TITLE, READ_START_ADDR),
     Step(FRU_START_ADDR, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, READ_DATA_LEN),
-    NumberStep(
-        FRU_DATA_LEN, STRING_KEY_DATA_LEN, WORD_LIMIT,
-        [](CFru& fru, UINT32 length) { fru.ComputeAreaLengths(static_cast<int>(length)); }, READ_NVS_TYPE),
+    NumberStep<StoreDataLength>(FRU_DATA_LEN, STRING_KEY_DATA_LEN, WORD_LIMIT, READ_NVS_TYPE),
     OptionalStep(FRU_NVS_TYPE, &CFruFileReader::ReadType, STRING_KEY_NVS_TYPE, READ_DEV_ID),
-    NumberStep(FRU_DEV_ID, STRING_KEY_DEV_ID, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::deviceId>, READ_DEV_CNTR),
-    NumberStep(FRU_DEV_CNTR, STRING_KEY_DEV_CNTR, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::controller>, READ_NVS_LUN),
-    NumberStep(FRU_NVS_LUN, STRING_KEY_NVS_LUN, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::lun>, READ_DEV_BUS),
-    NumberStep(FRU_DEV_BUS, STRING_KEY_DEV_BUS, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::bus>, READ_DEV_ADDRESS),
-    NumberStep(FRU_DEV_ADDRESS, STRING_KEY_DEV_ADDRESS, BYTE_LIMIT, StoreAddressByte<&FRU_LOCATOR::deviceAddress>,
-               READ_COMMON),
-    AreaStep(FRU_COMMON, STRING_AREA_COMMON_HEADER, StoreCommonHeader),
-    AreaStep(FRU_INTERNAL, STRING_AREA_INTERNAL_USE,
-             [](CFru& fru, const UINT8* data, UINTN length) {
-                 return fru.GetInternalUseArea().SetData(data, length, false);
-             }),
-    AreaStep(FRU_CHASSIS, STRING_AREA_CHASSIS,
-             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetChassisInfoArea().SetData(data, length); }),
-    AreaStep(FRU_BOARD, STRING_AREA_BOARD,
-             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetBoardInfoArea().SetData(data, length); }),
-    AreaStep(FRU_PRODUCT, STRING_AREA_PRODUCT,
-             [](CFru& fru, const UINT8* data, UINTN length) { return fru.GetProductInfoArea().SetData(data, length); }),
-    AreaStep(FRU_MULTIREC, STRING_AREA_MULTIRECORD, StoreMultiRecords),
+    NumberStep<StoreAddress<&FRU_LOCATOR::deviceId>>(FRU_DEV_ID, STRING_KEY_DEV_ID, BYTE_LIMIT, READ_DEV_CNTR),
+    NumberStep<StoreAddress<&FRU_LOCATOR::controller>>(FRU_DEV_CNTR, STRING_KEY_DEV_CNTR, BYTE_LIMIT, READ_NVS_LUN),
+    NumberStep<StoreAddress<&FRU_LOCATOR::lun>>(FRU_NVS_LUN, STRING_KEY_NVS_LUN, BYTE_LIMIT, READ_DEV_BUS),
+    NumberStep<StoreAddress<&FRU_LOCATOR::bus>>(FRU_DEV_BUS, STRING_KEY_DEV_BUS, BYTE_LIMIT, READ_DEV_ADDRESS),
+    NumberStep<StoreAddress<&FRU_LOCATOR::deviceAddress>>(FRU_DEV_ADDRESS, STRING_KEY_DEV_ADDRESS, BYTE_LIMIT,
+                                                          READ_COMMON),
+    AreaStep<StoreCommonHeader>(FRU_COMMON, STRING_AREA_COMMON_HEADER),
+    AreaStep<StoreInternalUse>(FRU_INTERNAL, STRING_AREA_INTERNAL_USE),
+    AreaStep<StoreInfoArea<FRU_AREA_CHASSIS>>(FRU_CHASSIS, STRING_AREA_CHASSIS),
+    AreaStep<StoreInfoArea<FRU_AREA_BOARD>>(FRU_BOARD, STRING_AREA_BOARD),
+    AreaStep<StoreInfoArea<FRU_AREA_PRODUCT>>(FRU_PRODUCT, STRING_AREA_PRODUCT),
+    AreaStep<StoreMultiRecords>(FRU_MULTIREC, STRING_AREA_MULTIRECORD),
     Step(FRU_CLOSE_PAREN, &CFruFileReader::SkipValue, STRING_KEY_FRU_TITLE, READ_DONE),
-    MbmcStep(
-        FRU_MBMC_SIZE_ADDRS, BYTE_LIMIT,
-        [](CFru& fru, UINT32 size) { fru.GetDevLocator()->mbmcSizeAddress = static_cast<UINT16>(size); },
-        READ_MBMC_SIZE_DATA),
-    MbmcStep(FRU_MBMC_SIZE_DATA, NO_LIMIT, StoreAddressByte<&FRU_LOCATOR::mbmcSizeData>, READ_DEV_BUS),
+    MbmcStep<StoreAddress<&FRU_LOCATOR::mbmcSizeAddress>>(FRU_MBMC_SIZE_ADDRS, BYTE_LIMIT, READ_MBMC_SIZE_DATA),
+    MbmcStep<StoreAddress<&FRU_LOCATOR::mbmcSizeData>>(FRU_MBMC_SIZE_DATA, NO_LIMIT, READ_DEV_BUS),
 };
 static_assert(std::size(STEPS) == READ_DONE);
 
@@ -192,10 +191,6 @@ READ_STATE CFruFileReader::Run() {
     const UINT32 lines = m_file.LineCount();
     for (m_line = 0; m_line < lines && state < READ_DONE; ++m_line) {
         const READ_STEP* step = &STEPS[state];
-        // The keys that can stand on the same line begin alike.
-        m_line = m_file.FindLine(m_line, *step->key);
-        if (m_line == lines)
-            break;
         if (step->isOptional && !m_file.LineContains(m_line, step->key))
             ++step;
         if (m_file.LineContains(m_line, step->key))
@@ -211,9 +206,13 @@ READ_STATE CFruFileReader::RefuseValue(const READ_STEP& step, STRING_ID name) co
     return READ_FAILED;
 }
 
-READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
+template <auto STORE> READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
     const char* text = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
-    return (m_fru.GetFileHeader().*step.setText)(text) ? step.next : RefuseValue(step, step.name);
+    // A line without quotes is misuse, which the setter asserts; a value that cannot be copied is refused.
+    std::string_view ignored;
+    if (!text && m_file.FindDelimitedString(m_line, FRU_SINGLE_QUOTE, ignored))
+        return RefuseValue(step, step.name);
+    return (m_fru.GetFileHeader().*STORE)(text) ? step.next : RefuseValue(step, step.name);
 }
 
 READ_STATE CFruFileReader::ReadOpenParen(const READ_STEP& step) {
@@ -264,17 +263,17 @@ bool CFruFileReader::ScanNumber(const READ_STEP& step, std::int64_t& number) con
     return end != digits;
 }
 
-READ_STATE CFruFileReader::ReadNumber(const READ_STEP& step) {
+template <auto STORE> READ_STATE CFruFileReader::ReadNumber(const READ_STEP& step) {
     std::int64_t number = 0;
     if (!ScanNumber(step, number))
         return RefuseValue(step, step.name);
     if (step.limit != NO_LIMIT && (number < 0 || number > step.limit))
         return RefuseValue(step, step.outOfRangeName);
-    step.storeNumber(m_fru, static_cast<UINT32>(number));
+    STORE(m_fru, static_cast<UINT32>(number));
     return step.next;
 }
 
-READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
+template <auto STORE> READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
     UINT8* data = nullptr;
     UINTN length = 0;
     const EFI_STATUS status = CFru::ParseArea(step.key, m_file, m_line, data, length);
@@ -283,7 +282,7 @@ READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
         CFru::SetParseAreaErrorMessage(status, GetText(step.name), m_filename);
         return READ_FAILED;
     }
-    if (!step.storeArea(m_fru, data, length)) {
+    if (!STORE(m_fru, data, length)) {
         m_trace.Fail(L"Area Parse Error");
         RecordLastError(STRING_FILE_AREA_INVALID, GetText(step.name), m_filename);
         return READ_FAILED;
@@ -303,12 +302,13 @@ READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
 } // namespace
 
 EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
-    const CTrace trace(L"CFru", L"ReadFRUFromFile");
+    const CTrace trace = TraceOf(L"ReadFRUFromFile");
     Assert(filename != nullptr, SOURCE_FILE, "filename");
     CFile file;
     if (!file.Open(filename)) {
+        trace.Fail(L"Unexpected");
         RecordLastError(STRING_FILE_NOT_OPENED, filename);
-        return trace.Fail(L"Unexpected", FRU_STATUS_FILE_READ_ERROR);
+        return FRU_STATUS_FILE_READ_ERROR;
     }
     file.StripRightFromSequence(FRU_COMMENT);
     file.Strip();

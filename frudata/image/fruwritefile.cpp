@@ -1,5 +1,7 @@
 // Writing a FRU text file. Each section opens the file for itself and appends.
+#include "common/allocate.h"
 #include "common/lasterror.h"
+#include "common/openfile.h"
 #include "frudata/image/fru.h"
 #include "frudata/image/textfilekeys.h"
 
@@ -7,12 +9,8 @@ namespace Frudata_Private {
 
 namespace {
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFru", operation};
-}
-
-SCOPED_FILE OpenSection(const CTrace& trace, const char* path, const char* mode) {
-    SCOPED_FILE file(std::fopen(path, mode));
+SCOPED_FILE OpenSection(const CTrace& trace, const char* path, char mode) {
+    SCOPED_FILE file = OpenFile(path, mode);
     if (!file) {
         trace.Fail(L"Error Writing File");
         RecordLastError(STRING_FILE_NOT_WRITTEN, path);
@@ -21,7 +19,7 @@ SCOPED_FILE OpenSection(const CTrace& trace, const char* path, const char* mode)
 }
 
 SCOPED_FILE AppendSection(const CTrace& trace, const char* path) {
-    return OpenSection(trace, path, "a");
+    return OpenSection(trace, path, 'a');
 }
 
 /// Writes two digits and `separator`: most of a file is these, and formatting them would be most of its cost.
@@ -41,7 +39,7 @@ void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
     const UINT8* data = area.GetData();
     const int major = length >= 2 ? static_cast<signed char>(data[length - 2]) : 0;
     const int minor = length >= 1 ? static_cast<signed char>(data[length - 1]) : 0;
-    // Bytes from 0x80 on come out with eight digits: tools that read these files know them so.
+    // Compatibility: bytes from 0x80 on have eight digits.
     std::fprintf(file, "%s\t%c%X.%02X%c\n", FRU_LF_VERSION, FRU_SINGLE_QUOTE, static_cast<unsigned>(major),
                  static_cast<unsigned>(minor), FRU_SINGLE_QUOTE);
 }
@@ -51,7 +49,7 @@ void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
 std::unique_ptr<char[]> ToNarrowTitle(const WCHAR* title) {
     const std::size_t length = title ? std::wcstombs(nullptr, title, 0) : 0;
     const std::size_t size = length == static_cast<std::size_t>(-1) ? 1 : length + 1;
-    std::unique_ptr<char[]> text(new (std::nothrow) char[size]());
+    std::unique_ptr<char[]> text = AllocateArray<char>(size);
     if (text && size > 1)
         std::wcstombs(text.get(), title, size);
     return text;
@@ -69,7 +67,7 @@ const char* TypeName(FRU_TYPE type) {
 }
 
 EFI_STATUS WriteDataToFRUFile(std::FILE* file, const UINT8* data, int typeLength) {
-    const CTrace trace = Trace(L"WriteDataToFRUFile");
+    const CTrace trace = CFru::TraceOf(L"WriteDataToFRUFile");
     const UINTN length = DecodeLength(static_cast<UINT8>(typeLength));
     if (typeLength == END_OF_FIELDS || length == 0)
         return trace.Exit(FRU_STATUS_SUCCESS);
@@ -98,10 +96,12 @@ EFI_STATUS SaveInfoArea(const CTrace& trace, const char* path, const char* tag, 
     std::fprintf(file.get(), "%s\n", tag);
     for (UINTN place = 0; place < area.GetHeaderSize(); ++place)
         // The date stands on one line.
-        WriteByte(file.get(), header[place], place == 3 || place == 4 ? ' ' : '\n');
+        WriteByte(file.get(), header[place],
+                  place >= HEADER_MFG_DATE_TIME && place + 1 < BOARD_HEADER_SIZE ? ' ' : '\n');
     area.ForEachField([&file](UINT8 typeLength, const UINT8* data) {
         WriteByte(file.get(), typeLength, '\n');
-        WriteDataToFRUFile(file.get(), data, typeLength);
+        if (typeLength != END_OF_FIELDS)
+            WriteDataToFRUFile(file.get(), data, typeLength);
     });
     std::fprintf(file.get(), "%02X\n\n", END_OF_FIELDS);
     return trace.Exit(FRU_STATUS_SUCCESS);
@@ -123,7 +123,7 @@ void WriteRecord(std::FILE* file, const FRUMultiRecord& record) {
 } // namespace
 
 EFI_STATUS CFru::SaveFRUToFile(const char* path) {
-    const CTrace trace = Trace(L"SaveFRUToFile");
+    const CTrace trace = TraceOf(L"SaveFRUToFile");
     const struct {
         bool isPresent;
         EFI_STATUS (CFru::*save)(const char* path);
@@ -149,13 +149,14 @@ EFI_STATUS CFru::SaveFRUToFile(const char* path) {
 }
 
 EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
-    const CTrace trace = Trace(L"SaveFRUFileHeader");
+    const CTrace trace = TraceOf(L"SaveFRUFileHeader");
     const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
     if (!title) {
+        trace.Fail(L"FRU Error Allocation");
         RecordLastError(STRING_OUT_OF_MEMORY);
-        return trace.Fail(L"FRU Error Allocation", FRU_STATUS_OUT_OF_MEMORY);
+        return FRU_STATUS_OUT_OF_MEMORY;
     }
-    const SCOPED_FILE file = OpenSection(trace, path, "w");
+    const SCOPED_FILE file = OpenSection(trace, path, 'w');
     if (!file)
         return FRU_STATUS_FILE_CREATE_ERROR;
     WriteQuoted(file.get(), FRU_LF_NAME, path);
@@ -167,7 +168,7 @@ EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
     std::fprintf(file.get(), "%s\t%s\n", FRU_START_ADDR, "0000");
     std::fprintf(file.get(), "%s\t%04X\n", FRU_DATA_LEN, GetOverallLength());
     WriteQuoted(file.get(), FRU_NVS_TYPE, TypeName(m_locator.type));
-    // The second tab of this one line is part of the format.
+    // Compatibility: this one line has two tabs.
     std::fprintf(file.get(), "%s\t\t%02X\n", FRU_DEV_ID, m_locator.deviceId);
     const struct {
         const char* key;
@@ -184,7 +185,7 @@ EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
 }
 
 EFI_STATUS CFru::SaveFRUCommonHeader(const char* path) {
-    const CTrace trace = Trace(L"SaveFRUCommonHeader");
+    const CTrace trace = TraceOf(L"SaveFRUCommonHeader");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;
@@ -198,7 +199,7 @@ EFI_STATUS CFru::SaveFRUCommonHeader(const char* path) {
 }
 
 EFI_STATUS CFru::SaveInternalAreaToFile(const char* path) {
-    const CTrace trace = Trace(L"SaveInternalAreaToFile");
+    const CTrace trace = TraceOf(L"SaveInternalAreaToFile");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;
@@ -213,19 +214,19 @@ EFI_STATUS CFru::SaveInternalAreaToFile(const char* path) {
 }
 
 EFI_STATUS CFru::SaveChassisAreaToFile(const char* path) {
-    return SaveInfoArea(Trace(L"SaveChassisAreaToFile"), path, FRU_CHASSIS, m_chassis);
+    return SaveInfoArea(TraceOf(L"SaveChassisAreaToFile"), path, FRU_CHASSIS, m_chassis);
 }
 
 EFI_STATUS CFru::SaveBoardAreaToFile(const char* path) {
-    return SaveInfoArea(Trace(L"SaveBoardAreaToFile"), path, FRU_BOARD, m_board);
+    return SaveInfoArea(TraceOf(L"SaveBoardAreaToFile"), path, FRU_BOARD, m_board);
 }
 
 EFI_STATUS CFru::SaveProductAreaToFile(const char* path) {
-    return SaveInfoArea(Trace(L"SaveProductAreaToFile"), path, FRU_PRODUCT, m_product);
+    return SaveInfoArea(TraceOf(L"SaveProductAreaToFile"), path, FRU_PRODUCT, m_product);
 }
 
 EFI_STATUS CFru::SaveMultiRecAreaToFile(const char* path) {
-    const CTrace trace = Trace(L"SaveMultiRecAreaToFile");
+    const CTrace trace = TraceOf(L"SaveMultiRecAreaToFile");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;

@@ -1,7 +1,7 @@
 #include "frudata/image/multirecord.h"
 
+#include "common/bytesum.h"
 #include "common/trace.h"
-#include "frudata/image/fruheader.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,7 +6,7 @@ namespace Frudata_Private {
 constexpr char FRU_LF_NAME[] = "_LF_NAME";
 constexpr char FRU_LF_VERSION[] = "_LF_VERSION";
 constexpr char FRU_LF_FMT_VER[] = "_LF_FMT_VER";
-/// The name has kept its spelling; the word in the file is right.
+// Compatibility: the name is spelled so; the word in the file is right.
 constexpr char FRU_IMPI_VERSION[] = "_IPMI_VERSION";
 constexpr char FRU_FRU[] = "_FRU";
 constexpr char FRU_OPEN_PAREN[] = "(";

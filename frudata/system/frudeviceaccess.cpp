@@ -1,7 +1,7 @@
 // Moving FRU inventory bytes from and to a device, a few at a time.
 #include "common/assertion.h"
 #include "frudata/image/fru.h"
-#include "frudata/system/ipmicommands.h"
+#include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 
 #include <algorithm>
@@ -15,12 +15,11 @@ UINT32 g_BMCType = BMC_TYPE_UNKNOWN;
 namespace {
 
 constexpr char SOURCE_FILE[] = "frureadsystem.cpp";
-/// Bytes of one request at first, and how far a refused count goes down. Some controllers have small buffers.
+/// Bytes of one request at first, and by how much less is tried where a controller refuses the count.
 constexpr int FIRST_CHUNK = 8;
 constexpr int CHUNK_STEP = 4;
 /// The DS1624's access-memory command takes the place of the high offset byte.
 constexpr UINT8 DS1624_ACCESS_MEMORY = 0x17;
-constexpr UINT8 NO_BUS = 0xFF;
 
 CTrace Trace(const WCHAR* operation) {
     return {L"CFru", operation};
@@ -88,11 +87,12 @@ EFI_STATUS WriteChunks(const FRU_LOCATOR& locator, bool useFruCommands, UINT32 o
         if (const int status = SendToDevice(locator))
             return static_cast<EFI_STATUS>(status);
         const UINT8 completion = RespMsg->completionCode;
+        // Compatibility: a busy node is asked again without limit, here and in reading.
         if (completion == COMPLETION_NODE_BUSY)
             continue;
         if (completion == COMPLETION_BAD_LENGTH && chunk != 1) {
             chunk -= CHUNK_STEP;
-            // Below 0 there is nothing left to try: 8, 4 and 0 have been refused.
+            // Compatibility: 8, 4 and 0 are tried, but not the single byte that reading tries.
             if (chunk >= 0)
                 continue;
         }
@@ -107,7 +107,7 @@ EFI_STATUS WriteChunks(const FRU_LOCATOR& locator, bool useFruCommands, UINT32 o
     return FRU_STATUS_SUCCESS;
 }
 
-/// The mini-BMC's flash lock. Its firmware answers without one, so no request is sent.
+/// Compatibility: the request that would lock a mini-BMC's flash is never sent, so it never fails.
 EFI_STATUS LockFlash(const FRU_LOCATOR&) {
     return FRU_STATUS_SUCCESS;
 }
@@ -132,6 +132,7 @@ EFI_STATUS CFru::ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, U
         if (completion == COMPLETION_NODE_BUSY)
             continue;
         const bool isTooMuch = completion == COMPLETION_FIELD_TOO_LONG || completion == COMPLETION_CANNOT_RETURN_COUNT;
+        // Compatibility: 8, 4, 0 and 1 are tried; a count of 0 is really sent.
         if (isTooMuch && chunk != 1) {
             chunk = chunk < CHUNK_STEP ? 1 : chunk - CHUNK_STEP;
             continue;

@@ -2,7 +2,6 @@
 
 #include "common/stringresource.h"
 #include "common/trace.h"
-#include "frudata/system/ipmicommands.h"
 #include "frudata/system/messages.h"
 
 #include <cwchar>
@@ -13,10 +12,12 @@ namespace Frudata_Private {
 namespace {
 
 constexpr std::size_t COUNT_TEXT_SIZE = 8;
-/// Place of the IPMI version in the answer to Get Device ID.
-constexpr UINTN DEVICE_ID_IPMI_VERSION = 4;
 
 CTrace Trace(const WCHAR* operation) {
+    return {L"CFruProperties", operation};
+}
+
+CTrace TraceFruData(const WCHAR* operation) {
     return {L"FruData", operation};
 }
 
@@ -29,27 +30,75 @@ std::unique_ptr<WCHAR[]> CountText(int count) {
 
 } // namespace
 
+UINT8 CFruProperties::GetIpmiVersion() const {
+    return Trace(L"GetIpmiVersion").Exit(m_ipmiVersion);
+}
+
+void CFruProperties::SetIpmiVersion(UINT8 version) {
+    const CTrace trace = Trace(L"SetIpmiVersion");
+    m_ipmiVersion = version;
+    trace.Exit();
+}
+
+UINT8 CFruProperties::GetNumberOfFrus() const {
+    return Trace(L"GetNumberOfFrus").Exit(m_numberOfFrus);
+}
+
+UINT8 CFruProperties::GetNumberOfIpmiFrus() const {
+    return Trace(L"GetNumberOfIpmiFrus").Exit(m_numberOfFrus);
+}
+
 void CFruProperties::SetNumberOfFrus(UINT8 count) {
+    const CTrace trace = Trace(L"SetNumberOfFrus");
     m_numberOfFrus = count;
     m_numberOfFrusString = CountText(m_numberOfFrus);
+    trace.Exit();
 }
 
 void CFruProperties::SetNumberOfIpmiFrus(UINT8 count) {
+    const CTrace trace = Trace(L"SetNumberOfIpmiFrus");
     m_numberOfIpmiFrus = count;
     m_numberOfIpmiFrusString = CountText(m_numberOfFrus);
+    trace.Exit();
+}
+
+void CFruProperties::IncrementNumberOfFrus() {
+    const CTrace trace = Trace(L"IncrementNumberOfFrus");
+    SetNumberOfFrus(static_cast<UINT8>(m_numberOfFrus + 1));
+    trace.Exit();
+}
+
+void CFruProperties::IncrementNumberOfIpmiFrus() {
+    const CTrace trace = Trace(L"IncrementNumberOfIpmiFrus");
+    SetNumberOfIpmiFrus(static_cast<UINT8>(m_numberOfFrus + 1));
+    trace.Exit();
+}
+
+const WCHAR* CFruProperties::GetIpmiVersionString() const {
+    return Trace(L"GetIpmiVersionString").Exit(m_ipmiVersionString.get());
+}
+
+const WCHAR* CFruProperties::GetNumberOfFrusString() const {
+    return Trace(L"GetNumberOfFrusString").Exit(m_numberOfFrusString.get());
+}
+
+const WCHAR* CFruProperties::GetNumberOfIpmiFrusString() const {
+    return Trace(L"GetNumberOfIpmiFrusString").Exit(m_numberOfIpmiFrusString.get());
 }
 
 void CFruProperties::SetIpmiVersionString(const WCHAR* text) {
+    const CTrace trace = Trace(L"SetIpmiVersionString");
     if (!text)
-        return;
+        return trace.Exit();
     const std::size_t size = std::wcslen(text) + 1;
     m_ipmiVersionString.reset(new (std::nothrow) WCHAR[size]);
     if (m_ipmiVersionString)
         std::wmemcpy(m_ipmiVersionString.get(), text, size);
+    trace.Exit();
 }
 
 UINT8 GetIPMIRevision() {
-    const CTrace trace = Trace(L"GetIPMIRevision");
+    const CTrace trace = TraceFruData(L"GetIPMIRevision");
     BuildRequest(BMC_ADDRESS, NETFN_APPLICATION, 0, COMMAND_GET_DEVICE_ID, {});
     // Without an answer the version byte is the 0 that the transport leaves behind.
     SendRequest();
@@ -58,7 +107,7 @@ UINT8 GetIPMIRevision() {
 
 EFI_STATUS InitializeFruProperties(CFruProperties& properties, unsigned int numberOfFrus,
                                    unsigned int numberOfIpmiFrus) {
-    const CTrace trace = Trace(L"InitializeFruProperties");
+    const CTrace trace = TraceFruData(L"InitializeFruProperties");
     properties.SetNumberOfFrus(0);
     properties.SetNumberOfIpmiFrus(0);
     properties.SetIpmiVersion(GetIPMIRevision());

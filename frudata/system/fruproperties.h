@@ -11,20 +11,21 @@ namespace Frudata_Private {
 class CFruProperties {
   public:
     /// The version byte of Get Device ID, BCD with the minor digit in the high nibble.
-    UINT8 GetIpmiVersion() const { return m_ipmiVersion; }
-    void SetIpmiVersion(UINT8 version) { m_ipmiVersion = version; }
-    // Both counts and both texts have always been the number of FRUs; hosts show them side by side.
-    UINT8 GetNumberOfFrus() const { return m_numberOfFrus; }
-    UINT8 GetNumberOfIpmiFrus() const { return m_numberOfFrus; }
+    UINT8 GetIpmiVersion() const;
+    void SetIpmiVersion(UINT8 version);
+    // Compatibility: the getters of both counts return the number of FRUs, and both texts show it.
+    UINT8 GetNumberOfFrus() const;
+    UINT8 GetNumberOfIpmiFrus() const;
     void SetNumberOfFrus(UINT8 count);
     void SetNumberOfIpmiFrus(UINT8 count);
-    void IncrementNumberOfFrus() { SetNumberOfFrus(static_cast<UINT8>(m_numberOfFrus + 1)); }
-    void IncrementNumberOfIpmiFrus() { SetNumberOfIpmiFrus(static_cast<UINT8>(m_numberOfFrus + 1)); }
+    /// Set the number of FRUs, or of IPMI FRUs, to the number of FRUs and one.
+    void IncrementNumberOfFrus();
+    void IncrementNumberOfIpmiFrus();
 
     /// Texts owned by this object, null before they were set.
-    const WCHAR* GetIpmiVersionString() const { return m_ipmiVersionString.get(); }
-    const WCHAR* GetNumberOfFrusString() const { return m_numberOfFrusString.get(); }
-    const WCHAR* GetNumberOfIpmiFrusString() const { return m_numberOfIpmiFrusString.get(); }
+    const WCHAR* GetIpmiVersionString() const;
+    const WCHAR* GetNumberOfFrusString() const;
+    const WCHAR* GetNumberOfIpmiFrusString() const;
     /// Takes a copy; a null text changes nothing.
     void SetIpmiVersionString(const WCHAR* text);
 

@@ -3,6 +3,8 @@
 #include "common/lasterror.h"
 #include "frudata/image/fru.h"
 
+#include <optional>
+
 namespace Frudata_Private {
 
 namespace {
@@ -76,8 +78,9 @@ EFI_STATUS CFru::ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
     const EFI_STATUS status = ReadDataFromFRU(locator, 0, CFruHeader::FRU_HEADER_LENGTH, data);
     if (status == FRU_STATUS_SUCCESS)
         return trace.Exit(status);
+    trace.Fail(L"Invalid Header Area");
     RecordFruError(STRING_INVALID_HEADER, locator);
-    return trace.Fail(L"Invalid Header Area", status);
+    return status;
 }
 
 EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
@@ -87,13 +90,15 @@ EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
     if (status != FRU_STATUS_SUCCESS)
         return status;
     if ((header[FRU_HEADER_FORMAT_VERSION] & FRU_HEADER_VERSION_MASK) != FRU_HEADER_VERSION) {
+        trace.Fail(L"Not IPMI FRU");
         RecordLastError(STRING_NOT_IPMI_FRU);
-        return trace.Fail(L"Not IPMI FRU", FRU_STATUS_NOT_IPMI_FRU);
+        return FRU_STATUS_NOT_IPMI_FRU;
     }
     m_header.SetData(header);
     if (!m_header.IsValid()) {
+        trace.Fail(L"Invalid Header Area");
         RecordFruError(STRING_INVALID_HEADER, locator);
-        return trace.Fail(L"Invalid Header Area", FRU_STATUS_CHECKSUM_ERROR);
+        return FRU_STATUS_CHECKSUM_ERROR;
     }
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
@@ -115,42 +120,48 @@ EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UI
     return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
 }
 
-EFI_STATUS CFru::ReadInfoArea(const FRU_LOCATOR* locator, FRU_HEADER_BYTE place, UINT16 capacity, CInfoArea& area,
-                              EFI_STATUS refused) {
+/// An info area on the device, and what is said of a failure.
+struct CFru::DEVICE_AREA {
+    const WCHAR* operation = nullptr;
+    FRU_HEADER_BYTE place = FRU_HEADER_BOARD;
+    FRU_AREA area = FRU_AREA_NONE;
+    UINT16 room = 0; ///< in bytes; a larger area is refused
+    const WCHAR* failure = nullptr;
+    EFI_STATUS refused = FRU_STATUS_SUCCESS;
+    /// None: no failure leaves a message, and a failed read is passed on as it is.
+    std::optional<STRING_ID> message;
+};
+
+EFI_STATUS CFru::ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row) {
+    const CTrace trace = Trace(row.operation);
     UINT8 buffer[AREA_BUFFER];
     UINT16 length = 0;
-    const EFI_STATUS status = GetTypeLengthArea(locator, buffer, capacity, m_header[place], length);
-    if (status != FRU_STATUS_SUCCESS)
+    const EFI_STATUS status = GetTypeLengthArea(locator, buffer, row.room, m_header[row.place], length);
+    if (status != FRU_STATUS_SUCCESS && !row.message)
         return status;
-    return length <= capacity && area.SetData(buffer, length) ? FRU_STATUS_SUCCESS : refused;
+    if (status == FRU_STATUS_SUCCESS && length <= row.room && GetInfoArea(row.area)->SetData(buffer, length))
+        return trace.Exit(FRU_STATUS_SUCCESS);
+    trace.Fail(row.failure);
+    if (row.message)
+        RecordFruError(*row.message, locator);
+    return row.refused;
 }
 
 EFI_STATUS CFru::GetBoardArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetBoardArea");
-    constexpr EFI_STATUS refused = FRU_STATUS_INVALID_BOARD_AREA;
-    if (ReadInfoArea(locator, FRU_HEADER_BOARD, AREA_BUFFER, m_board, refused) == FRU_STATUS_SUCCESS)
-        return trace.Exit(FRU_STATUS_SUCCESS);
-    RecordFruError(STRING_INVALID_BOARD_AREA, locator);
-    return trace.Fail(L"Invalid Board Area", refused);
+    return ReadInfoArea(locator, {L"GetBoardArea", FRU_HEADER_BOARD, FRU_AREA_BOARD, AREA_BUFFER, L"Invalid Board Area",
+                                  FRU_STATUS_INVALID_BOARD_AREA, STRING_INVALID_BOARD_AREA});
 }
 
 EFI_STATUS CFru::GetChassisArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetChassisArea");
-    constexpr EFI_STATUS refused = FRU_STATUS_INVALID_CHASSIS_AREA;
-    if (ReadInfoArea(locator, FRU_HEADER_CHASSIS, AREA_BUFFER, m_chassis, refused) == FRU_STATUS_SUCCESS)
-        return trace.Exit(FRU_STATUS_SUCCESS);
-    RecordFruError(STRING_INVALID_CHASSIS_AREA, locator);
-    return trace.Fail(L"Invalid Chassis Area", refused);
+    return ReadInfoArea(locator,
+                        {L"GetChassisArea", FRU_HEADER_CHASSIS, FRU_AREA_CHASSIS, AREA_BUFFER, L"Invalid Chassis Area",
+                         FRU_STATUS_INVALID_CHASSIS_AREA, STRING_INVALID_CHASSIS_AREA});
 }
 
+// Compatibility: this area alone leaves no message.
 EFI_STATUS CFru::GetProductArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetProductArea");
-    constexpr EFI_STATUS refused = FRU_STATUS_INVALID_PRODUCT_AREA;
-    const EFI_STATUS status = ReadInfoArea(locator, FRU_HEADER_PRODUCT, PRODUCT_BUFFER, m_product, refused);
-    // Unlike the other areas', a failed read is passed on as it is, and no failure leaves a message.
-    if (status == refused)
-        return trace.Fail(L"Invalid Product Area", refused);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return ReadInfoArea(locator, {L"GetProductArea", FRU_HEADER_PRODUCT, FRU_AREA_PRODUCT, PRODUCT_BUFFER,
+                                  L"Invalid Product Area", FRU_STATUS_INVALID_PRODUCT_AREA, std::nullopt});
 }
 
 EFI_STATUS CFru::GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length) {
@@ -163,7 +174,8 @@ EFI_STATUS CFru::GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, U
 EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
     const CTrace trace = Trace(L"GetInternalArea");
     AssertLocator(locator);
-    // The area has no length of its own: it ends where the first area after it in the header starts.
+    // The area has no length of its own: it ends where the first area behind it in the header starts.
+    // Compatibility: first in the header's order, not on the device.
     UINTN next = FRU_HEADER_CHASSIS;
     while (next <= FRU_HEADER_MULTIRECORD && m_header[next] == 0)
         ++next;
@@ -175,8 +187,9 @@ EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
         GetFRUInternalData(locator, buffer, offset, static_cast<UINT16>(length)) == FRU_STATUS_SUCCESS &&
         m_internalUse.SetData(buffer, static_cast<UINTN>(length), false))
         return trace.Exit(FRU_STATUS_SUCCESS);
+    trace.Fail(L"Invalid Internal Area");
     RecordFruError(STRING_INVALID_INTERNAL_AREA, locator);
-    return trace.Fail(L"Invalid Internal Area", FRU_STATUS_INVALID_INTERNAL_AREA);
+    return FRU_STATUS_INVALID_INTERNAL_AREA;
 }
 
 EFI_STATUS CFru::GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length) {
@@ -227,12 +240,14 @@ EFI_STATUS CFru::GetMultiRecArea(const FRU_LOCATOR* locator) {
     const CTrace trace = Trace(L"GetMultiRecArea");
     const EFI_STATUS status = ReadMultiRecords(locator);
     if (status == FRU_STATUS_OUT_OF_MEMORY) {
+        trace.Fail(L"FRU Error Allocation");
         RecordLastError(STRING_OUT_OF_MEMORY);
-        return trace.Fail(L"FRU Error Allocation", status);
+        return status;
     }
     if (status != FRU_STATUS_SUCCESS) {
+        trace.Fail(L"Invalid MultiRec Area");
         RecordFruError(STRING_INVALID_MULTIREC_AREA, locator);
-        return trace.Fail(L"Invalid MultiRec Area", status);
+        return status;
     }
     return trace.Exit(status);
 }

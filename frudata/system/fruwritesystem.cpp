@@ -2,6 +2,7 @@
 #include "common/lasterror.h"
 #include "frudata/bmclib.h"
 #include "frudata/image/fru.h"
+#include "frudata/system/frudevice.h"
 
 #include <cwchar>
 
@@ -9,13 +10,13 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr std::size_t PROGRESS_TEXT_SIZE = 100;
+constexpr std::size_t ADDRESS_TEXT_SIZE = 100;
 constexpr std::size_t WRITING_TEXT_SIZE = 256;
 
-/// Writes the areas one behind the other and says so.
+/// Writes the areas one behind the other, wherever the header has them, and reports each.
 class CFruWriter {
   public:
-    CFruWriter(CFru& fru, FRU_PROGRESS_CALLBACK progress) : m_fru(fru), m_progress(progress) {}
+    CFruWriter(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) : m_fru(fru), m_progress(progress) {}
 
     void Report(const WCHAR* text) const {
         if (m_progress)
@@ -52,18 +53,18 @@ class CFruWriter {
 
   private:
     CFru& m_fru;
-    FRU_PROGRESS_CALLBACK m_progress;
+    const FRU_PROGRESS_CALLBACK& m_progress;
     UINT32 m_offset = 0;
 };
 
 /// Tells the host which FRU is being written, by its address whatever its name.
 void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
-    WCHAR address[PROGRESS_TEXT_SIZE] = {};
+    WCHAR address[ADDRESS_TEXT_SIZE] = {};
     WCHAR text[WRITING_TEXT_SIZE] = {};
     const WCHAR* addressFormat = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
     const WCHAR* textFormat = GetFormat(STRING_PROGRESS_WRITING_FRU, "w");
     if (addressFormat)
-        std::swprintf(address, PROGRESS_TEXT_SIZE, addressFormat, static_cast<unsigned>(locator.deviceId),
+        std::swprintf(address, ADDRESS_TEXT_SIZE, addressFormat, static_cast<unsigned>(locator.deviceId),
                       static_cast<unsigned>(locator.controller), static_cast<unsigned>(locator.deviceAddress),
                       static_cast<unsigned>(locator.bus));
     if (textFormat)
@@ -73,12 +74,12 @@ void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
 
 } // namespace
 
-bool CFru::WriteAreas(FRU_PROGRESS_CALLBACK progress) {
+bool CFru::WriteAreas(const FRU_PROGRESS_CALLBACK& progress) {
     CFruWriter writer(*this, progress);
     ReportFru(writer, m_locator);
     if (!writer.Write(m_header.GetData(), m_header.GetLength()))
         return false;
-    // The board area goes out with every commit: its date changes without marking it.
+    // Compatibility: the board area goes out with every commit, modified or not.
     if (!writer.WriteArea(m_internalUse, HasInternalArea() && m_internalUse.IsModified(),
                           STRING_PROGRESS_INTERNAL_USE) ||
         !writer.WriteArea(m_chassis, HasChassisArea() && m_chassis.IsModified(), STRING_PROGRESS_CHASSIS) ||
@@ -96,14 +97,15 @@ bool CFru::WriteAreas(FRU_PROGRESS_CALLBACK progress) {
     return true;
 }
 
-EFI_STATUS CFru::WriteToSystem(FRU_PROGRESS_CALLBACK progress) {
+EFI_STATUS CFru::WriteToSystem(const FRU_PROGRESS_CALLBACK& progress) {
     const CTrace trace(L"CFru", L"WriteToSystem");
     GetBmcType(&g_BMCType);
     if (WriteAreas(progress))
         return trace.Exit(FRU_STATUS_SUCCESS);
+    trace.Fail(L"Error Writing System");
     WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
     RecordLastError(STRING_DEVICE_NOT_WRITTEN, GetFriendlyFruIdentifier(&m_locator, identifier, FRU_IDENTIFIER_BYTES));
-    return trace.Fail(L"Error Writing System", FRU_STATUS_WRITE_SYSTEM_ERROR);
+    return FRU_STATUS_WRITE_SYSTEM_ERROR;
 }
 
 } // namespace Frudata_Private

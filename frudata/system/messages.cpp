@@ -40,7 +40,7 @@ void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::i
 }
 
 int SendRequest() {
-    return ProcessMessage(*ReqMsg, *RespMsg, REQUEST_TIMEOUT, g_used);
+    return ProcessReusedMessage(*ReqMsg, *RespMsg, REQUEST_TIMEOUT, g_used);
 }
 
 int SendBridgedRequest(UINT8 channel, UINT8 target) {

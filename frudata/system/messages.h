@@ -1,6 +1,7 @@
 // The two message records that all requests of this library are built in and answered into.
 #pragma once
 
+#include "common/ipmi.h"
 #include "frudata/bmclib.h"
 
 #include <initializer_list>
@@ -11,11 +12,6 @@ namespace Frudata_Private {
 /// Allocated by `Initialize`, kept until `DeInitialize`.
 extern std::unique_ptr<BMC_MESSAGE> ReqMsg;
 extern std::unique_ptr<BMC_MESSAGE> RespMsg;
-
-/// Time-out of every request, in milliseconds.
-constexpr unsigned int REQUEST_TIMEOUT = 5000;
-/// Slave address of the BMC.
-constexpr UINT8 BMC_ADDRESS = 0x20;
 
 /// @return false when an allocation fails
 bool AllocateMessages();

@@ -17,28 +17,31 @@ constexpr UINTN ID_STRING_START = 16;
 constexpr UINT8 ID_STRING_NONE = 0x1F;
 
 /// Header and ID string lie alike in both locator records.
-template <typename RECORD> EFI_STATUS DecodeCommon(const CTrace& trace, const UINT8* raw, RECORD& record) {
+template <typename RECORD> EFI_STATUS DecodeCommon(const CTrace& trace, std::span<const UINT8> raw, RECORD& record) {
     const EFI_STATUS status = DecodeHeader(raw, record.header);
     if (status != FRU_STATUS_SUCCESS)
         return status;
+    if (raw.size() < ID_STRING_START)
+        return trace.Fail(L"Bad SDR Record Length", FRU_STATUS_SDR_BAD_RECORD_LENGTH);
     const UINT8 typeLength = raw[ID_STRING_BYTE];
     const UINT8 length = typeLength & 0x1F;
     record.idStringType = static_cast<UINT8>(typeLength >> 6);
     record.idStringLength = length == ID_STRING_NONE ? UINT8{0} : length;
     record.idStringTypeLength = typeLength;
-    if (raw[4] + SDR_HEADER_LENGTH != record.idStringLength + ID_STRING_START)
+    const UINTN size = raw[4] + SDR_HEADER_LENGTH;
+    if (size != record.idStringLength + ID_STRING_START || size > raw.size())
         return trace.Fail(L"Bad SDR Record Length", FRU_STATUS_SDR_BAD_RECORD_LENGTH);
     const UINTN kept = std::min<UINTN>(record.idStringLength, SDR_ID_STRING_SIZE - 1);
-    std::memcpy(record.idString, raw + ID_STRING_START, kept);
+    std::memcpy(record.idString, raw.subspan(ID_STRING_START, kept).data(), kept);
     record.idString[kept] = 0;
     return FRU_STATUS_SUCCESS;
 }
 
 } // namespace
 
-EFI_STATUS DecodeHeader(const UINT8* raw, RECHDR& header) {
+EFI_STATUS DecodeHeader(std::span<const UINT8> raw, RECHDR& header) {
     const CTrace trace(L"FruData", L"DecodeHeader");
-    if (raw[4] < SMALLEST_RECORD_LENGTH)
+    if (raw.size() < SDR_HEADER_LENGTH || raw[4] < SMALLEST_RECORD_LENGTH)
         return trace.Fail(L"Bad SDR Header Length", FRU_STATUS_SDR_BAD_HEADER_LENGTH);
     if (raw[2] != SDR_VERSION)
         return trace.Fail(L"Unsupported IPMI Version", FRU_STATUS_SDR_BAD_VERSION);
@@ -49,7 +52,7 @@ EFI_STATUS DecodeHeader(const UINT8* raw, RECHDR& header) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS DecodeSDRType11V15(const UINT8* raw, TYPE11V15& record) {
+EFI_STATUS DecodeSDRType11V15(std::span<const UINT8> raw, TYPE11V15& record) {
     const CTrace trace(L"FruData", L"DecodeSDRType11V15");
     const EFI_STATUS status = DecodeCommon(trace, raw, record);
     if (status != FRU_STATUS_SUCCESS)
@@ -70,7 +73,7 @@ EFI_STATUS DecodeSDRType11V15(const UINT8* raw, TYPE11V15& record) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS DecodeSDRType12V15(const UINT8* raw, TYPE12V15& record) {
+EFI_STATUS DecodeSDRType12V15(std::span<const UINT8> raw, TYPE12V15& record) {
     const CTrace trace(L"FruData", L"DecodeSDRType12V15");
     const EFI_STATUS status = DecodeCommon(trace, raw, record);
     if (status != FRU_STATUS_SUCCESS)
@@ -92,7 +95,7 @@ EFI_STATUS DecodeSDRType12V15(const UINT8* raw, TYPE12V15& record) {
     record.sdrRepositoryDevice = raw[8] & 0x02;
     record.sensorDevice = raw[8] & 0x01;
     record.deviceCapabilities = raw[8];
-    std::memcpy(record.reserved, raw + 9, sizeof record.reserved);
+    std::copy_n(raw.begin() + 9, sizeof record.reserved, record.reserved);
     record.entityId = raw[12];
     record.entityInstance = raw[13];
     record.oem = raw[14];

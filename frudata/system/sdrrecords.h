@@ -4,6 +4,7 @@
 #include "frudata/types.h"
 
 #include <memory>
+#include <span>
 
 namespace Frudata_Private {
 
@@ -17,7 +18,7 @@ constexpr UINTN SDR_RECORD_SIZE = 255;
 constexpr UINTN SDR_ID_STRING_SIZE = 18;
 
 struct RECHDR {
-    UINT16 recordId; ///< in the reverse of the wire's byte order; informational
+    UINT16 recordId; ///< informational. Compatibility: in the reverse of the wire's byte order
     UINT8 sdrVersion;
     UINT8 recordType;
     UINT8 recordLength; ///< bytes after the header
@@ -92,10 +93,11 @@ struct SDR_TYPE {
     UINT32 mcCapacity = 0;  ///< room in mcLocators
 };
 
-/// Decode a record's header. @return 0, SDR_BAD_HEADER_LENGTH, SDR_BAD_VERSION
-EFI_STATUS DecodeHeader(const UINT8* raw, RECHDR& header);
-/// Decode a record of SDR_RECORD_SIZE readable bytes. @return as DecodeHeader, or SDR_BAD_RECORD_LENGTH
-EFI_STATUS DecodeSDRType11V15(const UINT8* raw, TYPE11V15& record);
-EFI_STATUS DecodeSDRType12V15(const UINT8* raw, TYPE12V15& record);
+/// Decode a record's header. `raw` is the record as read, whatever its length byte says.
+/// @return 0, SDR_BAD_HEADER_LENGTH, SDR_BAD_VERSION
+EFI_STATUS DecodeHeader(std::span<const UINT8> raw, RECHDR& header);
+/// Decode a record. @return as DecodeHeader, or SDR_BAD_RECORD_LENGTH
+EFI_STATUS DecodeSDRType11V15(std::span<const UINT8> raw, TYPE11V15& record);
+EFI_STATUS DecodeSDRType12V15(std::span<const UINT8> raw, TYPE12V15& record);
 
 } // namespace Frudata_Private

@@ -3,13 +3,12 @@
 #include "frudata/sdrscan.h"
 
 #include "common/trace.h"
-#include "frudata/system/ipmicommands.h"
+#include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 #include "frudata/system/sdrrecords.h"
 
 #include <algorithm>
 #include <bitset>
-#include <cstring>
 #include <new>
 
 namespace Frudata_Private {
@@ -26,7 +25,6 @@ constexpr UINTN NEXT_ID_LENGTH = 2;
 /// Device types of a FRU Device Locator with an access path of their own (IPMI 2.0, table 43-12).
 constexpr UINT8 DEVICE_TYPE_DS1624 = 0x02;
 constexpr UINT8 DEVICE_TYPE_FRU_COMMANDS = 0x10;
-constexpr UINT8 NO_BUS = 0xFF;
 
 SDR_TYPE gSDR_Types;
 
@@ -44,7 +42,7 @@ bool Reserve() {
     return Exchange();
 }
 
-/// Asks for `count` bytes of a record with the reservation that RespMsg or `reservation` holds.
+/// Asks for `count` bytes of a record. `reservation` may lie in RespMsg.
 bool GetSdr(const UINT8* reservation, UINT32 id, UINTN offset, UINTN count) {
     BuildRequest(BMC_ADDRESS, NETFN_STORAGE, 0, COMMAND_GET_SDR,
                  {reservation[0], reservation[1], static_cast<UINT8>(id), static_cast<UINT8>(id >> 8),
@@ -56,24 +54,23 @@ UINT32 NextRecordId() {
     return RespMsg->data[0] | static_cast<UINT32>(RespMsg->data[1]) << 8;
 }
 
-/// Record ids that a pass has read, so that a chain that returns to one ends the pass.
-class CVisitedRecords {
+/// Record ids that a pass has asked for, so that a chain that returns to one ends the pass.
+class CAskedRecords {
   public:
-    /// @return false when `id` was visited before
-    bool Visit(UINT32 id) {
-        const bool isNew = !m_visited[id];
-        m_visited[id] = true;
-        return isNew;
-    }
-
-    /// Id 0 asks for the first record, whatever its own id is: that one is then visited too.
-    void VisitOwnId(UINT32 id, const UINT8* record) {
-        if (id == FIRST_RECORD)
-            Visit(record[0] | static_cast<UINT32>(record[1]) << 8);
+    /// @return whether `id` is a record's and was not asked for before; writes the line of a chain that returns
+    bool IsNext(const CTrace& trace, UINT32 id) {
+        if (id == LAST_RECORD)
+            return false;
+        if (m_asked[id]) {
+            trace.Fail(L"Repeated SDR");
+            return false;
+        }
+        m_asked[id] = true;
+        return true;
     }
 
   private:
-    std::bitset<LAST_RECORD + 1> m_visited;
+    std::bitset<LAST_RECORD> m_asked;
 };
 
 template <typename RECORD> bool AllocateRecords(std::unique_ptr<RECORD[]>& records, UINT32 count, UINT32& capacity) {
@@ -98,13 +95,12 @@ EFI_STATUS CountIPMI15SDRTypes(UINT32* counters, const UINT8* supportedTypes, UI
     const CTrace trace = Trace(L"CountIPMI15SDRTypes");
     std::fill_n(counters, SDR_SUPPORTED_TYPES, 0U);
     recordCount = 0;
-    CVisitedRecords visited;
-    for (UINT32 id = FIRST_RECORD; id < LAST_RECORD && visited.Visit(id); id = NextRecordId()) {
+    CAskedRecords asked;
+    for (UINT32 id = FIRST_RECORD; asked.IsNext(trace, id); id = NextRecordId()) {
         if (!Reserve())
             return trace.Fail(L"Error Reserving SDR", FRU_STATUS_SDR_RESERVE_ERROR);
         if (!GetSdr(RespMsg->data, id, 0, SDR_HEADER_LENGTH))
             return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
-        visited.VisitOwnId(id, RespMsg->data + NEXT_ID_LENGTH);
         const UINT8 type = RespMsg->data[NEXT_ID_LENGTH + 3];
         const UINT8* end = supportedTypes + SDR_SUPPORTED_TYPES;
         const UINT8* found = std::find(supportedTypes, end, type);
@@ -124,8 +120,8 @@ EFI_STATUS SDR_MEM_Alloc(SDR_TYPE& sdr, const UINT32* counters) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-/// Reads the record `id`; `id` becomes the next record's. `buffer` has SDR_RECORD_SIZE bytes.
-EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
+/// Reads the record `id`; `id` becomes the next record's. `room` becomes the part of itself that the record fills.
+EFI_STATUS ReadRecFromBMC(std::span<UINT8>& room, UINT32& id) {
     const CTrace trace = Trace(L"ReadRecFromBMC");
     if (!Reserve())
         return trace.Fail(L"Error Reserving SDR", FRU_STATUS_SDR_RESERVE_ERROR);
@@ -136,43 +132,47 @@ EFI_STATUS ReadRecFromBMC(UINT8* buffer, UINT32& id) {
     if (!GetSdr(reservation, record, 0, SDR_HEADER_LENGTH))
         return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
     id = NextRecordId();
-    std::memcpy(buffer, RespMsg->data + NEXT_ID_LENGTH, SDR_HEADER_LENGTH);
-    const UINTN size = buffer[4] + SDR_HEADER_LENGTH;
-    if (size > SDR_RECORD_SIZE)
+    const UINTN size = RespMsg->data[NEXT_ID_LENGTH + 4] + SDR_HEADER_LENGTH;
+    if (size > room.size())
         return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
+    room = room.first(size);
+    std::copy_n(RespMsg->data + NEXT_ID_LENGTH, SDR_HEADER_LENGTH, room.begin());
     for (UINTN offset = SDR_HEADER_LENGTH; offset < size;) {
         const UINTN count = std::min(PIECE_SIZE, size - offset);
         if (!GetSdr(reservation, record, offset, count))
             return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
-        std::memcpy(buffer + offset, RespMsg->data + NEXT_ID_LENGTH, count);
-        offset += count;
+        if (RespMsg->dataLength <= NEXT_ID_LENGTH)
+            return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
+        const UINTN arrived = std::min<UINTN>(count, RespMsg->dataLength - NEXT_ID_LENGTH);
+        std::copy_n(RespMsg->data + NEXT_ID_LENGTH, arrived, room.subspan(offset, arrived).begin());
+        offset += arrived;
     }
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
 /// Decodes into the next free record of an array; only a decoded record counts.
-template <typename RECORD> EFI_STATUS DecodeInto(std::unique_ptr<RECORD[]>& records, UINT32 capacity, UINT32& count,
-                                                 const UINT8* raw,
-                                                 EFI_STATUS (*decode)(const UINT8* raw, RECORD& record)) {
+template <typename RECORD> EFI_STATUS DecodeInto(const CTrace& trace, std::unique_ptr<RECORD[]>& records,
+                                                 UINT32 capacity, UINT32& count, std::span<const UINT8> raw,
+                                                 EFI_STATUS (*decode)(std::span<const UINT8> raw, RECORD& record)) {
     // The repository has grown since its records were counted.
     if (count >= capacity)
-        return FRU_STATUS_SDR_READ_ERROR;
+        return trace.Fail(L"More SDRs than counted", FRU_STATUS_SDR_READ_ERROR);
     const EFI_STATUS status = decode(raw, records[count]);
     if (status == FRU_STATUS_SUCCESS)
         ++count;
     return status;
 }
 
-EFI_STATUS DecodeSDR(const UINT8* raw, SDR_TYPE& sdr) {
+EFI_STATUS DecodeSDR(std::span<const UINT8> raw, SDR_TYPE& sdr) {
     const CTrace trace = Trace(L"DecodeSDR");
     EFI_STATUS status = FRU_STATUS_SUCCESS;
     const UINT8 type = raw[3];
     if (type == SDR_TYPE_FRU_LOCATOR)
-        status =
-            DecodeInto(sdr.fruLocators, sdr.fruCapacity, sdr.typeCount[SDR_INDEX_FRU_LOCATOR], raw, DecodeSDRType11V15);
+        status = DecodeInto(trace, sdr.fruLocators, sdr.fruCapacity, sdr.typeCount[SDR_INDEX_FRU_LOCATOR], raw,
+                            DecodeSDRType11V15);
     else if (type == SDR_TYPE_MC_LOCATOR)
-        status =
-            DecodeInto(sdr.mcLocators, sdr.mcCapacity, sdr.typeCount[SDR_INDEX_MC_LOCATOR], raw, DecodeSDRType12V15);
+        status = DecodeInto(trace, sdr.mcLocators, sdr.mcCapacity, sdr.typeCount[SDR_INDEX_MC_LOCATOR], raw,
+                            DecodeSDRType12V15);
     else if (std::find(std::begin(sdr.supportedTypes), std::end(sdr.supportedTypes), type) ==
              std::end(sdr.supportedTypes))
         return trace.Fail(L"Unsupported SDR", FRU_STATUS_SDR_UNSUPPORTED);
@@ -187,13 +187,12 @@ EFI_STATUS GetAllSDRRecs(SDR_TYPE& sdr) {
     if (SDR_MEM_Alloc(sdr, counters) != FRU_STATUS_SUCCESS)
         return trace.Fail(L"Error Allocating Memory", FRU_STATUS_MEMORY_ALLOCATION_ERROR);
     EFI_STATUS status = FRU_STATUS_SUCCESS;
-    CVisitedRecords visited;
+    CAskedRecords asked;
     UINT32 id = FIRST_RECORD;
-    while (id != LAST_RECORD && status == FRU_STATUS_SUCCESS && visited.Visit(id)) {
-        UINT8 record[SDR_RECORD_SIZE] = {};
-        const UINT32 asked = id;
+    while (status == FRU_STATUS_SUCCESS && asked.IsNext(trace, id)) {
+        UINT8 buffer[SDR_RECORD_SIZE];
+        std::span<UINT8> record(buffer);
         status = ReadRecFromBMC(record, id);
-        visited.VisitOwnId(asked, record);
         if (status == FRU_STATUS_SUCCESS)
             status = DecodeSDR(record, sdr);
         if (status == FRU_STATUS_SUCCESS)

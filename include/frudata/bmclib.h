@@ -2,9 +2,10 @@
  * frudata: the BMC layer, for hosts that send IPMI requests of their own. Usable from C and C++.
  *
  * Every function returns a plain integer, not an EFI_STATUS. A completion code is never a failure of
- * this layer: it travels in the response and the caller judges it. One thread at a time may use the
- * layer. While a request is in progress over the KCS ports, SIGALRM and the process's alarm belong to
- * the driver; afterwards SIGALRM has its default disposition and no alarm is pending.
+ * this layer: it travels in the response and the caller judges it, "node busy" (C0h) too. (The table's
+ * operations repeat a request that a FRU device answers with it, without limit.) One thread at a time
+ * may use the layer. While a request is in progress over the KCS ports, SIGALRM and the process's alarm
+ * belong to the driver; afterwards SIGALRM has its default disposition and no alarm is pending.
  */
 #ifndef FRUDATA_BMCLIB_H
 #define FRUDATA_BMCLIB_H
@@ -70,7 +71,17 @@ extern int KCSAddress;
 
 /* --- Discovery ------------------------------------------------------------------------------- */
 
-/** Finds out how the BMC can be reached. @return 0, or BMCLIB_ERR_NO_BMC. Called by `Initialize`. */
+/**
+ * Finds out how the BMC can be reached. Called by `Initialize`; one call a process is enough.
+ *
+ * Without an IMB driver each call opens /dev/mem (close-on-exec), and each call that may read it maps
+ * 65535 bytes of the firmware's memory and, where they lead to an SMBIOS table, 65535 bytes from there:
+ * 128 KiB of address space. Neither the descriptor nor the mappings are ever given back. The descriptor
+ * is kept in eight bits: one above 255 is cut, and what is mapped is then another file of the host, or
+ * nothing. A host with that many files open calls this before it opens them.
+ *
+ * @return 0, or BMCLIB_ERR_NO_BMC
+ */
 int BmcLibInitialize(void);
 /** Closes the IMB driver if it is in use. @return its close_imb result, else 0 */
 int BmcLibDeinitialize(void);
@@ -86,7 +97,8 @@ int endIPMI(void);
 /**
  * Sends `request` and fills `response`. Address 0x20 goes to the BMC; 0x2C is bridged on channel 6,
  * every other address on channel 0. `request->dataLength` above what a frame can carry fails.
- * Bridged requests need several hundred kilobytes of stack. @param request asked @param response answered
+ * Stack: about 70 KiB over KCS, 200 KiB where the request is bridged.
+ * @param request asked @param response answered
  * @param timeout milliseconds, for the session library and the IMB driver
  * @return 0; 1 or 3 where the system interface failed; BMCLIB_ERR_RETRIES; an IMB driver's own value
  */
@@ -96,8 +108,9 @@ int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsig
 /** Bridges `request` to the controller `target` on `channel` with Send Message and Get Message. */
 int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 channel, UINT8 target);
 /**
- * Sends one request to the BMC over KCS or the session library. `responseData` has room for
- * 65535 bytes.
+ * Sends one request to the BMC over KCS or the session library, as SelectIPMIInterface has it and
+ * whatever the discovery has found. `responseData` has room for 65535 bytes.
+ * @param timeout milliseconds, for the session library; KCS has its own 15 seconds a wait
  * @return 0; 1 where the interface failed; a session library result (see SendTimedUsbRequest)
  */
 int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
@@ -105,26 +118,39 @@ int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* 
 /** Waits up to half a second for the SMS attention flag of port 0x0CA3. */
 void wait_for_SMS_flag(void);
 
-/** Selects the system interface. @return true on success; a failure leaves the interface as it was */
+/**
+ * Selects the system interface. From one session interface to the other goes only by way of
+ * IPMI_INTERFACE_KCS. Where the discovery has found an IMB driver, or an interface without a driver,
+ * the selection succeeds and requests do not follow it; only SendTimedImbpRequest_t does.
+ * @return true on success; a failure leaves the interface as it was
+ */
 bool SelectIPMIInterface(_IPMI_INTERFACE_TYPE type);
 
-/** Asks the BMC for its type. @return 0, or the status of the request (type BMC_TYPE_UNKNOWN) */
+/** Asks the BMC for its type. Stack: about 200 KiB. @return 0, or the status of the request (type BMC_TYPE_UNKNOWN) */
 int GetBmcType(UINT32* type);
-/** BMC type and IPMI version code, asked once and then remembered. @return 0, a request's status, or
- *  BMCLIB_ERR_BMC_TYPE */
+/** BMC type and IPMI version code, asked once and then remembered. Stack: about 330 KiB.
+ *  @return 0, a request's status, or BMCLIB_ERR_BMC_TYPE */
 int GetBmcTypeVersion(UINT32* type, UINT32* version);
 
 /* --- KCS driver (IPMI 2.0, section 9) -------------------------------------------------------- */
 
 /** Writes one request frame of at least 2 bytes. @return 0; 1 busy; 2 time-out; 3 wrong state */
 int KCSSendMessage(const UINT8* frame, unsigned int length);
-/** Reads one response frame. @return 0; 2 time-out; 3 error state; 4 `capacity` reached */
+/**
+ * Reads one response frame. @param buffer room for `capacity` bytes @param count out: bytes read
+ * @return 0; 2 time-out; 3 neither READ nor IDLE state, after a recovery; 4 `capacity` reached before the end
+ */
 int KCSReadBMCData(UINT8* buffer, unsigned int capacity, unsigned int* count);
 /** Brings the interface back to idle. @return 0; 2 time-out; 3 after five failed attempts */
 int KCSBMCErrorHandler(void);
-/** Waits until the BMC has taken the last byte. @return 0; 1 on time-out */
+/**
+ * Waits until the BMC has taken the last byte.
+ * @param limit no measure of time: up to 5000000 the wait ends with the alarm after 15 seconds, above
+ *              that it never ends. The driver passes 5000000.
+ * @return 0; 1 on time-out
+ */
 int WaitWhileIbf(unsigned int limit);
-/** Waits until a byte from the BMC is there. @return 0; 1 on time-out */
+/** Waits until a byte from the BMC is there. @param limit as above @return 0; 1 on time-out */
 int WaitTilObf(unsigned int limit);
 /** The driver's SIGALRM handler. */
 void kcs_timeout(int signalNumber);
@@ -132,7 +158,8 @@ void kcs_timeout(int signalNumber);
 int IsKCS(void);
 /** @return 1 if the SMS attention flag is set, else 0 */
 int KCSMessageReady(void);
-/** Waits, without limit, for a byte (address 0x20) or for SMS attention (any other). @return 0 */
+/** Waits for a byte (address 0x20) or for SMS attention (any other), without limit. @param timeout no effect
+ *  @return 0 */
 int CheckMessageReady(UINT8 responderAddress, unsigned int timeout);
 /** Millisecond time-out: kept for hosts, no effect. */
 void SetMsTimeout(unsigned int timeout);

@@ -2,6 +2,7 @@
 #ifndef FRUDATA_LOCATOR_H
 #define FRUDATA_LOCATOR_H
 
+#include "frudata/debug.h"
 #include "frudata/types.h"
 
 #include <cstdlib>
@@ -25,28 +26,36 @@ struct FRU_LOCATOR {
     FRU_TYPE type;          /**< access path */
     WCHAR* name;            /**< display name or null; owned by the record */
 
+    /** Takes the fields in their order. `displayName` is copied; without memory for it the record has no name. */
     explicit FRU_LOCATOR(UINT8 address = 0x20, UINT8 sizeData = 0xFF, UINT16 sizeAddress = 0, UINT8 busNumber = 0xFF,
                          UINT8 id = 0, UINT8 accessController = 0x20, UINT8 logicalUnit = 0,
-                         FRU_TYPE accessType = FRU_TYPE_IMBDEVICE)
+                         FRU_TYPE accessType = FRU_TYPE_IMBDEVICE, const WCHAR* displayName = nullptr)
         : deviceAddress(address), mbmcSizeData(sizeData), mbmcSizeAddress(sizeAddress), bus(busNumber), deviceId(id),
-          controller(accessController), lun(logicalUnit), type(accessType), name(nullptr) {}
+          controller(accessController), lun(logicalUnit), type(accessType), name(nullptr) {
+        if (displayName)
+            SetName(displayName);
+    }
     FRU_LOCATOR(const FRU_LOCATOR&) = delete;
     FRU_LOCATOR& operator=(const FRU_LOCATOR&) = delete;
-    ~FRU_LOCATOR() { std::unique_ptr<WCHAR[]>{name}; }
+    ~FRU_LOCATOR() { std::default_delete<WCHAR[]>()(name); }
 
     /**
      * Replaces the name by a copy of `text`.
      * @return 0; 1 for a null text (nothing changes); FRU_STATUS_OUT_OF_MEMORY (the old name is gone)
      */
     EFI_STATUS SetName(const WCHAR* text) {
+        Dbg(L"FRU_LOCATOR::SetName [ENTRY]", 3);
         if (!text)
             return 1;
-        std::unique_ptr<WCHAR[]> old(name);
-        const std::size_t size = std::wcslen(text) + 1;
-        name = new (std::nothrow) WCHAR[size];
+        const std::size_t length = std::wcslen(text);
+        std::unique_ptr<WCHAR[]> copy = NewText(length);
+        if (copy)
+            std::wmemcpy(copy.get(), text, length); // which may be the old name
+        std::default_delete<WCHAR[]>()(name);
+        name = copy.release();
         if (!name)
             return FRU_STATUS_OUT_OF_MEMORY;
-        std::wmemcpy(name, text, size);
+        Dbg(L"FRU_LOCATOR::SetName [EXIT]", 3);
         return FRU_STATUS_SUCCESS;
     }
 
@@ -58,11 +67,19 @@ struct FRU_LOCATOR {
         const std::size_t length = text ? std::mbstowcs(nullptr, text, 0) : static_cast<std::size_t>(-1);
         if (length == static_cast<std::size_t>(-1))
             return 1;
-        std::unique_ptr<WCHAR[]> wide(new (std::nothrow) WCHAR[length + 1]);
+        const std::unique_ptr<WCHAR[]> wide = NewText(length);
         if (!wide)
             return 1;
-        std::mbstowcs(wide.get(), text, length + 1);
+        // The last place stays 0: a text that ends inside a character is converted without a terminator.
+        std::mbstowcs(wide.get(), text, length);
         return SetName(wide.get());
+    }
+
+  private:
+    /** Room for `length` characters and the 0 behind them, all 0. Sizes that no array can have are null, too. */
+    static std::unique_ptr<WCHAR[]> NewText(std::size_t length) {
+        return std::unique_ptr<WCHAR[]>(length < PTRDIFF_MAX / sizeof(WCHAR) ? new (std::nothrow) WCHAR[length + 1]()
+                                                                             : nullptr);
     }
 };
 

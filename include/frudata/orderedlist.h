@@ -24,15 +24,21 @@ template <typename T> class OrderedList {
     T Add(T value) {
         if (!value)
             return nullptr;
-        std::unique_ptr<OrderedListNode> node(new (std::nothrow) OrderedListNode);
-        if (!node)
-            return nullptr;
+        if (!m_head)
+            m_head.reset(new (std::nothrow) OrderedListNode);
         OrderedListNode* last = m_head.get();
         while (last && last->next)
             last = last->next.get();
-        node->value = value;
-        node->prev = last;
-        (last ? last->next : m_head) = std::move(node);
+        // An empty list may have an empty head.
+        if (last && last->value) {
+            last->next.reset(new (std::nothrow) OrderedListNode);
+            if (last->next)
+                last->next->prev = last;
+            last = last->next.get();
+        }
+        if (!last)
+            return nullptr;
+        last->value = value;
         ++m_count;
         return value;
     }

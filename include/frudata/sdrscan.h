@@ -15,6 +15,9 @@ extern "C" {
  *
  * `Initialize` must have succeeded before. A failure ends the walk; what was decoded before it is
  * still appended. An unsupported record type anywhere in the repository yields no locator at all.
+ * Records that lead back to one read before end the walk, and more locators than it counted at first
+ * end it too. Each end but the last record's is a line of the debug log at level 1; no message is
+ * recorded. Stack: about 80 KiB over KCS.
  *
  * @return always 0
  */

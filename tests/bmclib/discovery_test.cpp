@@ -1,5 +1,7 @@
 // The start-up discovery against a pretended firmware. The access path is decided once a process, so each
 // case runs in a child, whose output is the result.
+#include "frudata/debug.h"
+#include "frudata/frudata.h"
 #include "kcsmodel.h"
 
 #include <cstring>
@@ -19,6 +21,7 @@ BYTES g_firmware(MAPPING);
 BYTES g_table(MAPPING);
 int g_descriptor = MEMORY_DESCRIPTOR;
 int g_imbLength = 0; // of the IMB driver's answers; 0: no driver
+BYTES g_unreported;  // what the IMB driver's next answer has behind its length
 
 } // namespace
 
@@ -45,6 +48,9 @@ int close_imb(void) {
 }
 int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* data, int* length, UINT8* code) {
     data[0] = timeout == 5000 && *length == 65535 && request->rsSa == 0x20 ? request->cmdType : UINT8{0};
+    std::copy(g_unreported.begin(), g_unreported.end(), data);
+    if (!std::exchange(g_unreported, {}).empty())
+        return *length = *code = 0;
     *length = g_imbLength;
     return *code = 0xC7, 0;
 }
@@ -79,6 +85,9 @@ struct FIRMWARE {
     stdout = fdopen(STDERR_FILENO, "w"); // not yet narrow, and what the test framework captures
     const int result = firmware.requests.empty() ? MainInit() : BmcLibInitialize();
     std::wprintf(L"%d %x", result, g_host.m_LastPort);
+    // What the host selects does not change the way that the discovery has found.
+    if (!firmware.requests.empty() && !SelectIPMIInterface(IPMI_INTERFACE_USB))
+        std::wprintf(L"; no session");
     static BMC_MESSAGE request;
     static BMC_MESSAGE response;
     for (const int responder : firmware.requests) {
@@ -99,8 +108,41 @@ BYTES Table(UINT8 interfaceType) {
             0, 0, 38, 18, 0, 0, interfaceType, 0x20, 0x20, 0, 0xA9, 0x0C, 0, 0};
 }
 
+// Bytes that a driver left behind those it reported do not become part of the next answer.
+[[noreturn]] void FindTwice() {
+    _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
+    const auto find = [table] {
+        return table->FindFruAtAddressAndChecksumHeader(table, FRU_TYPE_IMBDEVICE, 0, 0x20, 0xFF, 0x20, 0);
+    };
+    g_imbLength = 1;
+    bool isGood = chdir(FRUDATA_TEXTS) == 0 && table->Initialize(table, 0) == 0;
+    g_unreported = {8, 1, 0, 0, 1, 0, 0, 0, 0xFE};
+    isGood = isGood && find() == 0;
+    g_unreported = {8};
+    isGood = isGood && find() == FRU_STATUS_NOT_IPMI_FRU;
+    _exit(isGood ? 0 : 1);
+}
+
+// Wide text, after which standard output stays wide: hence a child.
+[[noreturn]] void Print() {
+    stdout = fdopen(STDERR_FILENO, "w");
+    constexpr UINT8 bytes[] = {0x00, 0x9A, 0xFF};
+    PrintBuffer(L"KCS", bytes, 3);
+    PrintBuffer(L"", bytes, 0);
+    std::fflush(stdout);
+    _exit(0);
+}
+
 #define NOT_FOUND "SMBIOS Table Not Found!!!\n-502 0"
 #define SILENT "No Response from BMC...Exiting\n"
+
+TEST(ImbDriver, UnreportedBytesAreDropped) {
+    EXPECT_EXIT(FindTwice(), testing::ExitedWithCode(0), "");
+}
+
+TEST(DebugOutput, PrintBuffer) {
+    EXPECT_EXIT(Print(), testing::ExitedWithCode(0), testing::Eq(std::string("K 00 9A FF\n\n")));
+}
 
 TEST(Discovery, PathsToTheBmc) {
     const FIRMWARE rows[] = {

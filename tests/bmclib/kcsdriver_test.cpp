@@ -4,6 +4,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <tuple>
 #include <unistd.h>
 
 HOST g_host;
@@ -63,6 +64,9 @@ constexpr struct {
     size_t writes;
 } OUTCOMES[] = {
     {"ready", {}, SEND_AND_READ, 0, 8},
+    {"read state a moment after IBF", {4, 4, STATE, 0x80, 1}, SEND_AND_READ, 0, 8},
+    {"idle state a moment after IBF", {8, 8, STATE, 0x40, 1}, SEND_AND_READ, 0, 8},
+    {"OBF later still", {4, 8, OBF, 0, 3}, SEND_AND_READ, 0, 8},
     {"never takes a byte", {0, ALWAYS, 0, IBF}, SEND, 1, 0},
     {"begin not taken", {1, ALWAYS, 0, IBF}, SEND, 2, 1},
     {"read state after begin", {1, 1, STATE, 0x40}, SEND, 3, 1},
@@ -109,6 +113,24 @@ TEST(KcsDriver, Outcomes) {
     }
 }
 
+TEST(KcsUtilities, LooksAtTheRegisters) {
+    constexpr UINT8 attention = 0x04;
+    for (const auto& [status, data, isThere] : {std::tuple(0xFF, 0x00, 1), {0x00, 0xFF, 1}, {0xFF, 0xFF, 0}}) {
+        Start({0, ALWAYS, 0xFF, static_cast<UINT8>(status)}, {});
+        g_host.m_Out = {static_cast<UINT8>(data)};
+        EXPECT_EQ(IsKCS(), isThere) << status;
+        EXPECT_EQ(KCSMessageReady(), status == 0xFF ? 1 : 0);
+    }
+    // The awaited bit shows at the sixth look, the other one from the first on.
+    for (const auto& [responder, awaited] : {std::pair(UINT8{0x20}, OBF), {UINT8{0x72}, attention}}) {
+        Start({0, ALWAYS, awaited, 0, 5}, {});
+        g_host.m_OutFull = OBF;
+        EXPECT_EQ(CheckMessageReady(responder, 1), 0);
+        EXPECT_EQ(g_host.m_StatusReads, 6U);
+    }
+    EXPECT_EQ(CheckMsTimeout(), 0);
+}
+
 // Read FRU Data of 8 bytes: a 6-byte request and 12 bytes of answer.
 TEST(KcsDriver, PortAccessesOfOneRead) {
     using COUNTS = std::vector<size_t>;
@@ -123,7 +145,7 @@ TEST(KcsDriver, PortAccessesOfOneRead) {
     UINT8 buffer[13] = {};
     unsigned int count = 0;
     ASSERT_EQ(KCSReadBMCData(buffer, sizeof buffer, &count), 0);
-    EXPECT_EQ(counts(), (COUNTS{8 + 13, 13, 8 + 12})) << "status and data for each byte and for the end";
+    EXPECT_EQ(counts(), (COUNTS{8 + 3 * 13, 13, 8 + 12})) << "three times status and once data, the end included";
     ASSERT_EQ(KCSSendMessage(frame.data(), 6), 0);
     EXPECT_EQ(KCSReadBMCData(buffer, 12, &count), 4) << "the buffer is full";
     EXPECT_EQ(BYTES(buffer, buffer + count), answer);

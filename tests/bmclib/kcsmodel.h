@@ -18,6 +18,7 @@ struct STATUS_FAULT {
     int last = 0;
     UINT8 clear = 0;
     UINT8 set = 0;
+    int reads = ALWAYS; ///< so many status reads after each write
 };
 
 struct HOST {
@@ -29,6 +30,7 @@ struct HOST {
     BYTES m_Written;          ///< every byte and control code written
     UINT16 m_LastPort = 0;    ///< the last one read
     size_t m_StatusReads = 0;
+    int m_ReadsSinceWrite = 0; ///< of the status
     size_t m_DataReads = 0;
     unsigned int m_AlarmSeconds = 0; ///< pending alarm
     int m_ReadsUnderAlarm = 0;
@@ -47,7 +49,9 @@ struct HOST {
         if (port == KCSAddress + 1) {
             ++m_StatusReads;
             const int writes = static_cast<int>(m_Written.size());
-            const STATUS_FAULT fault = writes >= m_Fault.first && writes <= m_Fault.last ? m_Fault : STATUS_FAULT{};
+            const bool isFaulty =
+                writes >= m_Fault.first && writes <= m_Fault.last && ++m_ReadsSinceWrite <= m_Fault.reads;
+            const STATUS_FAULT fault = isFaulty ? m_Fault : STATUS_FAULT{};
             return static_cast<UINT8>(((m_State | m_OutFull | m_Attention) & ~fault.clear) | fault.set);
         }
         ++m_DataReads;
@@ -56,6 +60,7 @@ struct HOST {
     }
     void Write(UINT8 value, UINT16 port) {
         m_Written.push_back(value);
+        m_ReadsSinceWrite = 0;
         if (port == KCSAddress + 1) {
             m_State = value == 0x60 ? 0xC0 : 0x80;
             m_LastByteNext = value == 0x62;

@@ -4,9 +4,17 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+int g_asked = 0;
+
+}
 
 // Refused also where the test runs with all privileges.
 extern "C" int iopl(int) noexcept {
+    ++g_asked;
     return -1;
 }
 
@@ -20,6 +28,9 @@ TEST(RefusedPorts, RequestsFailAtOnce) {
     UINT32 type = 9;
     outb(0, 0x80);
     EXPECT_EQ(inb(0x80), 0xFF);
+    EXPECT_EQ(g_asked, 1) << "a thread asks once";
+    std::thread([] { EXPECT_EQ(inb(0x80), 0xFF); }).join();
+    EXPECT_EQ(g_asked, 2) << "the kernel grants the access to a thread";
     EXPECT_EQ(IsKCS(), 0);
     EXPECT_EQ(startIPMI(), 0) << "this host supplies no IMB driver";
     EXPECT_EQ(endIPMI(), 0);

@@ -93,7 +93,8 @@ std::string StatusText(EFI_STATUS status) {
     return text;
 }
 
-void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run) {
+void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run,
+                   unsigned int assertions) {
     void* memory = mmap(nullptr, sizeof(SHARED), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     SHARED& shared = *static_cast<SHARED*>(memory);
@@ -108,6 +109,7 @@ void RunInChildren(const std::string& title, unsigned int count, const std::func
             const std::string error = ChildError();
             ASSERT_NE(error.find(".cpp: assertion failed: "), std::string::npos) << title << shared.next - 1 << error;
             Count(shared, "assertion");
+            ASSERT_GT(assertions--, 0U) << title << ": " << error;
         }
     }
     EXPECT_STREQ(shared.complaint, "");

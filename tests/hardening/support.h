@@ -57,8 +57,10 @@ class CHardeningTest : public testing::Test {
 };
 
 /// Carries out runs 0 to `count` - 1 in children, a new one after each assertion. `run` returns the outcome to
-/// count, or throws a std::string that fails the test. The outcomes are printed under `title`.
-void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run);
+/// count, or throws a std::string that fails the test. The outcomes are printed under `title`; at most `assertions` may
+/// be assertions.
+void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run,
+                   unsigned int assertions = UINT32_MAX);
 /// Throws `complaint` unless `holds`.
 void Require(bool holds, const std::string& complaint);
 std::string StatusText(EFI_STATUS status);

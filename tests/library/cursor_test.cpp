@@ -1,6 +1,8 @@
 // The function table's operations at every position of the cursor.
 #include "support.h"
 
+#include <climits>
+
 namespace Frudata_Tests {
 namespace {
 
@@ -202,7 +204,11 @@ TEST_F(CCursorTest, AreasWithoutFieldsOrBytesRefuse) {
          L"T126",
          {CALL(GetMaxFieldSize, g_number), CALL(GetFieldDataValue, g_data, g_number),
           CALL(SetFieldDataValue, g_bytes, 4)}},
-        {FRU_AREA_CHASSIS, 'D', L"T135", {CALL(SelectFieldEnum, FRU_FIELD_BOARD_MFG_DATE_TIME)}},
+        {FRU_AREA_CHASSIS,
+         'D',
+         L"T135",
+         {CALL(SelectFieldEnum, FRU_FIELD_BOARD_MFG_DATE_TIME), CALL(SelectFieldEnum, static_cast<FRU_FIELD>(INT_MIN)),
+          CALL(SelectFieldEnum, static_cast<FRU_FIELD>(INT_MAX))}},
     };
     ASSERT_EQ(Load(FruText(RichFru())), 0U);
     for (const auto& [area, status, message, operations] : rows)
@@ -213,6 +219,24 @@ TEST_F(CCursorTest, AreasWithoutFieldsOrBytesRefuse) {
             EXPECT_EQ(operation.call(m_table), StatusOf(status)) << area << operation.name;
             EXPECT_EQ(LastError(), message) << area << operation.name;
         }
+}
+
+TEST_F(CCursorTest, AFailedQueryOfAPropertyWritesNothing) {
+    const WCHAR* text = L"untouched";
+    for (const bool areLoaded : {false, true}) {
+        if (areLoaded) {
+            EXPECT_EQ(m_table->LoadPropertiesFromSystem(m_table), 0U);
+        }
+        for (const auto operation : {m_table->GetPropertyTitle, m_table->GetPropertyValue}) {
+            EXPECT_EQ(operation(m_table, text), areLoaded ? FRU_STATUS_NOT_SELECTED : FRU_STATUS_NOT_LOADED);
+            EXPECT_STREQ(text, L"untouched");
+        }
+    }
+    EXPECT_EQ(Told(m_table->GetNumberOfProperties), 3U);
+    EXPECT_EQ(m_table->SelectProperty(m_table, 2), 0U);
+    EXPECT_STREQ(Told(m_table->GetPropertyTitle), L"T31");
+    EXPECT_EQ(m_table->SelectProperty(m_table, 3), FRU_STATUS_NO_SUCH_FIELD);
+    EXPECT_EQ(m_table->GetPropertyTitle(m_table, text), FRU_STATUS_NOT_SELECTED) << "a failed selection leaves none";
 }
 
 TEST_F(CCursorTest, MisuseEndsTheProcess) {

@@ -196,6 +196,56 @@ TEST_F(CInfoAreaTest, CustomFieldsAreAddedAndRemovedAndWrongIndicesRefused) {
     }
 }
 
+template <typename AREA> struct ACCESSORS {
+    const UINT8* (AREA::*data)() const;
+    UINT8 (AREA::*typeLength)() const;
+    bool (AREA::*set)(const UINT8* data, UINTN length, FRU_FIELD_TYPE type);
+};
+
+/// Each accessor reaches the field at its place in `rows`, behind `header`.
+template <typename AREA> void CheckAccessors(const BYTES& header, const std::vector<ACCESSORS<AREA>>& rows) {
+    AREA area;
+    std::vector<BYTES> fields(rows.size(), Field("old", 0x40));
+    ASSERT_TRUE(Takes(area, FullArea(Join(header, fields), 64)));
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        const std::string value = "n" + std::to_string(row);
+        EXPECT_EQ((area.*rows[row].typeLength)(), 0x43) << row;
+        EXPECT_TRUE((area.*rows[row].set)(reinterpret_cast<const UINT8*>(value.data()), 2, FRU_FIELD_TYPE_TEXT));
+        EXPECT_STREQ(reinterpret_cast<const char*>((area.*rows[row].data)()), value.c_str()) << row;
+        EXPECT_EQ((area.*rows[row].typeLength)(), 0xC2) << row;
+        fields[row] = Field(value);
+        EXPECT_EQ(Image(area), FullArea(Join(header, fields), 64)) << row;
+    }
+    EXPECT_TRUE(area.SetFormatVersion(7) && area.IsValid());
+    EXPECT_TRUE(area.GetFormatVersion() == 7 && !area.IsModified());
+    area.SetChecksum(static_cast<UINT8>(area.GetChecksum() + 1));
+    EXPECT_FALSE(area.IsValid());
+}
+
+TEST_F(CInfoAreaTest, AccessorsReachTheirFields) {
+#define ACCESSOR(AREA, NAME)                                                                                           \
+    { &AREA::Get##NAME, &AREA::Get##NAME##TL, &AREA::Set##NAME }
+    using BOARD = CBoardInfoArea;
+    using PRODUCT = CProductInfoArea;
+    using CHASSIS = CChassisInfoArea;
+    CheckAccessors<BOARD>({1, 0, 25, 1, 2, 3},
+                          {ACCESSOR(BOARD, Manufacturer), ACCESSOR(BOARD, ProductName), ACCESSOR(BOARD, SerialNumber),
+                           ACCESSOR(BOARD, PartNumber), ACCESSOR(BOARD, FileId)});
+    CheckAccessors<PRODUCT>({1, 0, 25},
+                            {ACCESSOR(PRODUCT, ManufacturerName), ACCESSOR(PRODUCT, ProductName),
+                             ACCESSOR(PRODUCT, PartNumber), ACCESSOR(PRODUCT, Version), ACCESSOR(PRODUCT, SerialNumber),
+                             ACCESSOR(PRODUCT, AssetTag), ACCESSOR(PRODUCT, FileId)});
+    CheckAccessors<CHASSIS>({1, 0, 17}, {ACCESSOR(CHASSIS, PartNumber), ACCESSOR(CHASSIS, SerialNumber)});
+#undef ACCESSOR
+    PRODUCT product;
+    EXPECT_TRUE(product.SetLanguageCode(25) && product.GetLanguageCode() == 25 && product.IsValid());
+    BOARD board;
+    EXPECT_TRUE(board.SetLanguageCode(25) && board.GetLanguageCode() == 25 && board.IsValid());
+    EXPECT_FALSE(board.getCurTimeInMfgDateTimeFormat(nullptr) || board.SetMfgDateTime(nullptr, 3));
+    CHASSIS chassis;
+    EXPECT_TRUE(chassis.SetType(23) && chassis.GetType() == 23 && !chassis.SetType(24) && chassis.IsValid());
+}
+
 TEST_F(CInfoAreaTest, ABoardIsStampedOnce) {
     CBoardInfoArea board;
     ASSERT_TRUE(Takes(board, FullArea(BYTES{1, 0, 0, 0, 0, 0} + BYTES(5, 0xC0), 16)));

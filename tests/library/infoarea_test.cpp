@@ -2,6 +2,7 @@
 #include "support.h"
 
 #include <clocale>
+#include <malloc.h>
 
 namespace Frudata_Tests {
 namespace {
@@ -60,6 +61,25 @@ TEST_F(CAreaValueTest, TextsEndAtAZeroByteAndAreEmptyWhereTheLocaleCannotConvert
         EXPECT_EQ(Value(5), text);
     }
     EXPECT_EQ(Data(5), Bytes("ok\xFF\xFE")) << "a refused value leaves the field";
+    std::setlocale(LC_CTYPE, "C");
+}
+
+// The converter of such a locale takes a text that ends inside a character, and writes no terminator.
+TEST_F(CAreaValueTest, TextsThatEndInsideACharacterEndThere) {
+    ASSERT_EQ(setenv("LOCPATH", FRUDATA_TEST_LOCALES, 1), 0);
+    ASSERT_NE(std::setlocale(LC_CTYPE, "zh_CN.GB18030"), nullptr) << "there is no locale in " FRUDATA_TEST_LOCALES;
+    mallopt(M_PERTURB, 0xA5); // memory that is not written shows
+    for (const auto& [bytes, text] :
+         {std::pair("\x81\x30", L""), {"ab\x81\x30", L"ab"}, {"\x81\x30\x81\x30", L"\u0080"}}) {
+        ASSERT_EQ(Load(WithLine(FruText(BoardFru()), "_FRU_TITLE", "_FRU_TITLE '" + std::string(bytes) + "'")), 0U);
+        EXPECT_STREQ(Told(m_table->GetFruName), text);
+        EXPECT_EQ(m_table->SelectAreaEnum(m_table, FRU_AREA_BOARD), 0U);
+        for (const unsigned int field : {1U, 6U}) { // a fixed one and a custom one
+            EXPECT_EQ(Set(field, bytes), 0U);
+            EXPECT_EQ(Value(field), text);
+        }
+    }
+    mallopt(M_PERTURB, 0);
     std::setlocale(LC_CTYPE, "C");
 }
 

@@ -45,6 +45,20 @@ TEST_F(CLifecycleTest, AFailedLanguageKeepsTheOldTexts) {
     EXPECT_EQ(LastError(), L"Wien 125");
 }
 
+TEST_F(CLifecycleTest, TextsMayTakeFewerArgumentsOrOthersFirst) {
+    WriteTexts("atvienna", L"T",
+               {{35, L"%2$02u.%1$02u.%3$04u"}, {89, L"Cannot be read"}, {90, L"%.3ls"}, {101, L"100 %% %s"}});
+    ASSERT_EQ(m_table->SetLanguageLocale(m_table, L"at", L"vienna"), 0U);
+    LoadAndSelect(RichFru(), FRU_AREA_BOARD);
+    EXPECT_EQ(Value(0), L"15.05.1996");
+    m_table->LoadConfigurationFromFile(m_table, L"gone.fru", nullptr);
+    EXPECT_EQ(LastError(), L"Cannot be read");
+    Load(WithLine(FruText(BoardFru()), "_DEV_ID", "_DEV_ID 100"));
+    EXPECT_EQ(LastError(), L"T78");
+    m_table->SelectFruByAddress(m_table, FRU_TYPE_NONE, 0, 0, 0, 0, 0, 0, 0);
+    EXPECT_EQ(LastError(), L"") << "it takes what nobody gives";
+}
+
 TEST_F(CLifecycleTest, MessagesAreHandedOutOnceAndSurviveTheNextFailure) {
     const wchar_t* first = nullptr;
     const wchar_t* second = nullptr;

@@ -1,7 +1,12 @@
 // Tables of texts: which ones load, and which of their texts are used.
 #include "support.h"
 
+#include "common/allocate.h"
 #include "common/lasterror.h"
+#include "frudata/image/fru.h"
+
+#include <dlfcn.h>
+#include <malloc.h>
 
 namespace Frudata_Tests {
 namespace {
@@ -26,6 +31,7 @@ TEST_F(CPiecesTest, TextTablesAreChecked) {
         {"odd offset", TextTable({2, 20, 25, 2, 2}, ab), 0, 8},
         {"first offset", TextTable({2, 22, 24, 2, 2}, ab), 0, 8},
         {"gap", TextTable({2, 20, 26, 2, 2}, {u'A', 0, u'x', u'B', 0}), 0, 0},
+        {"text up to the end", TextTable({2, 20, 24, 2, 3}, ab), 0, 0},
         {"empty", "", 0, 5},
         {"short", good.substr(0, 2) + std::string("\0\0", 2), 0, 6},
         {"count past the end", TextTable({0x20000000, 4}, u""), 0, 5},
@@ -61,15 +67,137 @@ TEST_F(CPiecesTest, TextTablesAreChecked) {
     EXPECT_EQ(texts.Initialize(L"en", L"us", L"frudata/str/frudata.str", 139), 0U);
 }
 
-TEST_F(CPiecesTest, TextsWithOtherPlaceholdersThanTheirArgumentsAreNotUsed) {
-    const std::tuple<const wchar_t*, const char*, bool> rows[] = {
-        {L"plain", "", true},   {L"100%%", "", true},  {L"%ls: %s", "ws", true}, {L"%02u/%u", "uu", true},
-        {L"%s", "", false},     {L"%ls", "s", false},  {L"%s", "w", false},      {L"%n", "u", false},
-        {L"%u", "uu", false},   {L"%1$u", "u", false}, {L"%*u", "u", false},     {L"%999u", "u", false},
-        {L"%hhu", "u", false},  {L"%lu", "u", false},  {L"%", "", false},        {L"%l", "w", false},
-        {L"%u %u", "u", false}, {L"%S", "w", false},   {L"%.5s", "s", false},    {L"%X %i", "uu", true}};
-    for (const auto& [text, arguments, matches] : rows)
-        EXPECT_EQ(PlaceholdersMatch(text, arguments), matches) << testing::PrintToString(std::wstring(text));
+TEST_F(CPiecesTest, SizesThatNoArrayCanHaveAreRefused) {
+    EXPECT_EQ(AllocateArray<UINT32>(3)[2], 0U);
+    for (const std::uint64_t count :
+         {std::uint64_t{PTRDIFF_MAX} / 4 + 1, std::uint64_t{SIZE_MAX} / 4, std::uint64_t{SIZE_MAX} / 4 + 2, UINT64_MAX})
+        EXPECT_EQ(AllocateArray<UINT32>(count), nullptr) << count;
+}
+
+TEST_F(CPiecesTest, LoadingAndUnloadingTheLibraryLeavesNoMemoryBehind) {
+    const auto load = [](int times) {
+        while (times-- > 0) {
+            void* library = dlopen(FRUDATA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+            ASSERT_NE(library, nullptr) << dlerror();
+            dlclose(library);
+        }
+    };
+    load(10);
+    const std::size_t before = mallinfo2().uordblks;
+    load(1000);
+    EXPECT_LT(mallinfo2().uordblks, before + 64 * 1000) << "the loader itself keeps a few bytes each time";
+}
+
+TEST_F(CPiecesTest, TextsAreUsedWhereTheyTakeWhatTheirCallersGive) {
+    constexpr bool HAS_SHORT_LONG = sizeof(long) == 4;
+    const struct {
+        const wchar_t* text;
+        const char* arguments;
+        bool fits, matches; // what the library takes, and what the compiler of the texts does
+    } rows[] = {
+        {L"plain", "", true, true},       {L"100%%", "", true, true},       {L"%ls: %s", "ws", true, true},
+        {L"%02u/%u", "uu", true, true},   {L"%X %i", "uu", true, true},     {L"%2$s %1$ls", "ws", true, true},
+        {L"plain", "ws", true, false},    {L"%u", "uu", true, false},       {L"%1$u", "uu", true, false},
+        {L"%1$u %1$x", "u", true, false}, {L"%S", "w", true, false},        {L"%hs", "s", true, false},
+        {L"%.5s", "s", true, false},      {L"%#x", "u", true, false},       {L"%hu %o", "uu", true, false},
+        {L"%hhu", "u", true, false},      {L"%.s", "s", true, false},       {L"%lu", "u", HAS_SHORT_LONG, false},
+        {L"%s", "", false, false},        {L"%ls", "s", false, false},      {L"%s", "w", false, false},
+        {L"%n", "u", false, false},       {L"%*u", "u", false, false},      {L"%999u", "u", false, false},
+        {L"%.999s", "s", false, false},   {L"%.*s", "s", false, false},     {L"%", "", false, false},
+        {L"%l", "w", false, false},       {L"%u %u", "u", false, false},    {L"%2$u", "uu", false, false},
+        {L"%3$u", "uu", false, false},    {L"%1$u %u", "uu", false, false}, {L"%u %1$u", "uu", false, false},
+        {L"%0$u", "u", false, false},     {L"%llu", "u", false, false},     {L"%hhs", "s", false, false},
+        {L"%c", "u", false, false},       {L"%p", "s", false, false},       {L"%10$u", "u", false, false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(PlaceholdersFit(row.text, row.arguments), row.fits) << testing::PrintToString(std::wstring(row.text));
+        EXPECT_EQ(PlaceholdersMatch(row.text, row.arguments), row.matches)
+            << testing::PrintToString(std::wstring(row.text));
+    }
+}
+
+TEST_F(CPiecesTest, AnIdentifierIsCutAtTheEndOfItsBuffer) {
+    WriteTexts("xx", L"T", {{134, L"a FRU that is named at length: %u %u %u %u"}});
+    ASSERT_EQ(m_table->SetLanguageLocale(m_table, L"x", L"x"), 0U);
+    const FRU_LOCATOR nameless, named(1, 2, 3, 4, 5, 6, 7, FRU_TYPE_AT24CO2, L"a name of more than 24 characters");
+    WCHAR buffer[26];
+    for (const auto& [locator, size, text] : {std::tuple(&nameless, 100, L"a FRU that is named at l"),
+                                              {&named, 103, L"a name of more than 24 c"},
+                                              {&named, 99, L""},
+                                              {static_cast<const FRU_LOCATOR*>(nullptr), 100, L""}}) {
+        std::wmemset(buffer, L'#', std::size(buffer));
+        EXPECT_STREQ(CFru::GetFriendlyFruIdentifier(locator, buffer, size), text);
+        EXPECT_EQ(buffer[0] == L'#', *text == 0);
+        EXPECT_EQ(buffer[25], L'#');
+    }
+}
+
+TEST_F(CPiecesTest, ARecordIsValidWhereHeaderAndDataSumToZero) {
+    const UINT8 good[] = {0xC0, 0x02, 0x03, 0xFA, 0x41, 1, 2, 3};
+    for (std::size_t wrong = 0; wrong <= sizeof good; ++wrong) {
+        UINT8 bytes[sizeof good + 1] = {};
+        std::copy(std::begin(good), std::end(good), bytes);
+        ++bytes[wrong];
+        FRUMultiRecord record;
+        record.Decode(bytes, sizeof good);
+        EXPECT_EQ(record.IsValid(), wrong == sizeof good) << wrong;
+    }
+}
+
+TEST_F(CPiecesTest, LinesOfAFile) {
+    const std::pair<std::string, std::vector<std::string>> rows[] = {{"a\r\nb", {"a", "b"}},
+                                                                     {"a\n\rb\n", {"a", "b"}},
+                                                                     {"a\n\nb", {"a", "", "b"}},
+                                                                     {"\r", {""}},
+                                                                     {"\r\r\n", {"", ""}}};
+    for (const auto& [content, lines] : rows) {
+        WriteFile("lines", content);
+        CFile file("lines");
+        ASSERT_TRUE(file.IsOpen());
+        ASSERT_EQ(file.LineCount(), lines.size()) << testing::PrintToString(content);
+        for (UINT32 line = 0; line < lines.size(); ++line)
+            EXPECT_EQ(file.GetLine(line), lines[line]);
+        EXPECT_ASSERTION(file.GetLine(file.LineCount()), "libfile", "ptr");
+        EXPECT_ASSERTION(file.StripRightFromSequence(nullptr), "libfile", "sequence");
+        for (const char* none : {"none", "empty", "enus"}) {
+            WriteFile("empty", "");
+            EXPECT_FALSE(file.Open(none));
+            EXPECT_FALSE(file.IsOpen()) << none;
+            EXPECT_EQ(file.GetDelimitedString(0, '\''), nullptr);
+            EXPECT_ASSERTION(file.LineCount(), "libfile", "m_Cache");
+        }
+    }
+}
+
+TEST_F(CPiecesTest, LinesAreEdited) {
+    const struct {
+        const char* line;
+        void (CFile::*edit)(UINT32 line);
+        void (CFile::*editAll)();
+        const char* edited;
+    } rows[] = {{" \tab \t", &CFile::StripLeft, &CFile::StripLeft, "ab \t"},
+                {" \tab \t", &CFile::StripRight, &CFile::StripRight, " \tab"},
+                {" \ta b \t", &CFile::Strip, &CFile::Strip, "a b"},
+                {" \t ", &CFile::Strip, &CFile::Strip, ""},
+                {" a\tb c ", &CFile::SquishLine, nullptr, "abc"}};
+    for (const auto& row : rows) {
+        WriteFile("lines", std::string(row.line) + "\n" + row.line);
+        CFile file("lines");
+        (file.*row.edit)(1);
+        EXPECT_STREQ(file.GetLine(0), row.line);
+        EXPECT_STREQ(file.GetLine(1), row.edited);
+        EXPECT_EQ(file.GetLineLength(1), std::strlen(row.edited));
+        if (row.editAll)
+            (file.*row.editAll)();
+        EXPECT_STREQ(file.GetLine(0), row.editAll ? row.edited : row.line);
+    }
+    WriteFile("lines", "01 02 // note //\nx 'abc' y\nx 'abc\nx ''");
+    CFile file("lines");
+    file.StripRightFromSequence("//");
+    EXPECT_STREQ(file.GetLine(0), "01 02 ");
+    EXPECT_TRUE(file.LineContains(1, "'abc'") && !file.LineContains(1, "'aBc'"));
+    for (const auto& [line, delimiter, text] :
+         {std::tuple(1U, '\'', "abc"), {3U, '\'', ""}, {2U, '\'', nullptr}, {1U, '\0', nullptr}, {4U, '\'', nullptr}})
+        EXPECT_STREQ(file.GetDelimitedString(line, delimiter), text) << line;
 }
 
 } // namespace

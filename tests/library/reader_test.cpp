@@ -175,6 +175,16 @@ TEST_F(CReaderTest, WhatEndsABlockAndAFile) {
     EXPECT_EQ(Value(0), L"61 29 62 5F 53 45 45 5F");
 }
 
+// Half a gigabyte, of which an array with a number for each byte would be more than a 32-bit process can have.
+TEST_F(CReaderTest, AHugeFileIsRefused) {
+    if (sizeof(void*) > 4 || FRUDATA_TEST_SANITIZED)
+        GTEST_SKIP() << "there is such memory, or there would be minutes of checks";
+    WriteFile("in.fru", "_LF_NAME 'huge'\n");
+    std::filesystem::resize_file("in.fru", std::uintmax_t{1} << 29);
+    EXPECT_EQ(m_table->LoadConfigurationFromFile(m_table, L"in.fru", nullptr), FRU_STATUS_FILE_READ_ERROR);
+    EXPECT_EQ(LastError(), L"T98 in.fru");
+}
+
 TEST_F(CReaderTest, MisuseEndsTheProcess) {
     const std::string good = FruText(RichFru());
     FRU_BYTES shortChain = RichFru(), wrongSum = RichFru();

@@ -112,7 +112,8 @@ std::string TextTable(const std::vector<UINT32>& words, const std::u16string& un
     return content + static_cast<char>(sum) + static_cast<char>(sum >> 8);
 }
 
-void WriteTexts(const std::string& directory, const std::wstring& prefix) {
+void WriteTexts(const std::string& directory, const std::wstring& prefix,
+                const std::map<UINT32, std::wstring>& others) {
     constexpr UINT32 count = 139;
     std::wstring texts[count];
     for (UINT32 number = 0; number < count; ++number)
@@ -128,6 +129,8 @@ void WriteTexts(const std::string& directory, const std::wstring& prefix) {
         for (const UINT32 number : numbers)
             texts[number] += placeholders;
 
+    for (const auto& [number, text] : others)
+        texts[number] = text;
     std::vector<UINT32> words(1 + 2 * count, count);
     std::u16string units;
     for (UINT32 number = 0; number < count; ++number) {

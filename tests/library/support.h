@@ -8,7 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -43,8 +45,9 @@ void WriteFile(const std::string& name, const std::string& content);
 std::string ReadFile(const std::string& name);
 /// A table of texts: `words` (count, offsets, lengths), `units` (the texts), and what makes the word sum `sum`.
 std::string TextTable(const std::vector<UINT32>& words, const std::u16string& units, int sum = 0);
-/// Writes DIRECTORY/frudata/str/frudata.str, in which text n reads PREFIX n and its arguments.
-void WriteTexts(const std::string& directory, const std::wstring& prefix);
+/// Writes DIRECTORY/frudata/str/frudata.str, in which text n reads PREFIX n and its arguments, except `others`.
+void WriteTexts(const std::string& directory, const std::wstring& prefix,
+                const std::map<UINT32, std::wstring>& others = {});
 
 /// A started library in a fresh current directory, with texts "T1", "T2 ARGUMENTS" and so on.
 class CLibraryTest : public testing::Test {
@@ -60,10 +63,21 @@ class CLibraryTest : public testing::Test {
     EFI_STATUS Set(unsigned int field, const std::string& value);
     std::wstring Value(unsigned int field);
     BYTES Data(unsigned int field);
-    /// The value that `operation` tells, which must succeed.
+    /// The value that `operation` tells, which must succeed, and write it whatever was there.
     template <typename VALUE> VALUE Told(EFI_STATUS (*operation)(_EFI_FRU_INTERFACE*, VALUE&)) {
-        VALUE value{};
-        EXPECT_EQ(operation(m_table, value), 0U);
+        VALUE value;
+        for (const int poison : {0xA5, 0x00, 0x01}) {
+            const VALUE before = value;
+            if constexpr (std::is_pointer_v<VALUE>)
+                value = reinterpret_cast<VALUE>(&m_path); // none that it could tell
+            else
+                value = static_cast<VALUE>(poison);
+            EXPECT_EQ(operation(m_table, value), 0U);
+            if constexpr (std::is_pointer_v<VALUE>)
+                EXPECT_NE(static_cast<const void*>(value), static_cast<const void*>(&m_path));
+            else
+                EXPECT_TRUE(poison == 0xA5 || value == before) << "nothing was told";
+        }
         return value;
     }
     /// The last error, "" where there is none.

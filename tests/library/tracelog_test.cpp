@@ -1,8 +1,14 @@
 // The debug trace log.
 #include "support.h"
 
+#include <functional>
+#include <set>
+#include <sstream>
+
 namespace Frudata_Tests {
 namespace {
+
+namespace fs = std::filesystem;
 
 using CTraceLogTest = CLibraryTest;
 
@@ -38,12 +44,13 @@ TEST_F(CTraceLogTest, LinesAndBuffersUpToTheLevel) {
 
 TEST_F(CTraceLogTest, OperationsTraceTheirEntryExitAndFailure) {
     m_table->SetDebugLevel(m_table, 7);
+    bool isLoaded;
     TakeLog();
-    Told(m_table->IsLoaded);
+    m_table->IsLoaded(m_table, isLoaded);
     EXPECT_EQ(TakeLog(), "FruData::IsLoaded [ENTRY]\r\nFruData::IsLoaded [EXIT]\r\n");
     m_table->SelectFru(m_table, 1);
-    EXPECT_EQ(TakeLog(), "FruData::SelectFru [ENTRY]\r\nFruData::SelectFru - Unexpected\r\n"
-                         "FruData::SetLastError [ENTRY]\r\nFruData::SetLastError [EXIT]\r\n");
+    EXPECT_EQ(TakeLog(), "FruData::SelectFru [ENTRY]\r\nFruData::SetLastError [ENTRY]\r\n"
+                         "FruData::SetLastError [EXIT]\r\nFruData::SelectFru - Unexpected\r\n");
     m_table->SetDisplayCallback(m_table, nullptr);
     m_table->SetPwd(m_table, reinterpret_cast<const UINT8*>("secret"), 6);
     EXPECT_EQ(TakeLog(), "") << "two operations are untraced";
@@ -67,6 +74,127 @@ TEST_F(CTraceLogTest, OperationsTraceTheirEntryExitAndFailure) {
                          "FruData::SelectFieldEnum - Unsupported\r\n"
                          "FruData::CommitConfigurationToSystem - Unexpected\r\n"
                          "FruData::SelectFruByAddress - Error - Not Found\r\n");
+}
+
+/// The failures of a log, "!" where a message was recorded, and the last line if it is an exit.
+std::string Failures(const std::string& log) {
+    std::istringstream lines(log);
+    std::string failures, last;
+    for (std::string line; std::getline(lines, line); last = line)
+        if (line == "FruData::SetLastError [ENTRY]\r")
+            failures += "! ";
+        else if (line.find(" - ") != std::string::npos)
+            failures += line.substr(0, line.size() - 1) + " ";
+    return failures + (last.ends_with("[EXIT]\r") && !last.starts_with("FruData::SetLastError") ? "X" : "");
+}
+
+TEST_F(CTraceLogTest, CursorAndValuesRecordFirstAllElseTracesFirst) {
+    UINT8 bytes[64] = {1};
+    unsigned int size = 0;
+    const auto select = [this](FRU_AREA area, unsigned int field = 0) {
+        m_table->SelectAreaEnum(m_table, area);
+        m_table->SelectFieldInteger(m_table, field);
+    };
+    const std::pair<std::function<EFI_STATUS()>, const char*> rows[] = {
+        {[&] { return m_table->SelectFru(m_table, 9); }, "! FruData::SelectFru - Unexpected "},
+        {[&] { return m_table->SelectAreaInteger(m_table, 9); }, "! FruData::SelectAreaInteger - Unexpected "},
+        {[&] { return m_table->GetAreaSize(m_table, size); }, "! FruData::GetAreaSize - Unexpected X"},
+        {[&] { return m_table->GetAreaData(m_table, bytes, size); }, "! FruData::GetAreaData - Unexpected X"},
+        {[&] { return m_table->SetAreaData(m_table, bytes, 64); }, "! FruData::SetAreaData - Unexpected X"},
+        {[&] { return m_table->GetAreaSize(nullptr, size); }, "! FruData::GetAreaSize - Unexpected "},
+        {[&] { return m_table->SetAreaData(m_table, nullptr, 0); }, "! FruData::SetAreaData - Unexpected "},
+        {[&] { return m_table->SetFieldDataValue(m_table, bytes, 64); },
+         "CBoardInfoArea::SetFileId - FRU Data too long ! ! FruData::SetFieldDataValue - Failed to set Board Data "},
+        {[&] {
+             m_table->SelectFieldInteger(m_table, 0);
+             return m_table->SetFieldDataValue(m_table, bytes, 2);
+         },
+         "CBoardInfoArea::SetFieldData - Invalid Mfg Date Time ! ! "
+         "FruData::SetFieldDataValue - Failed to set Board Data "},
+        {[&] { return m_table->CommitConfigurationToSystem(m_table); },
+         "FruData::CommitConfigurationToSystem - Unexpected ! "},
+        {[&] { return m_table->SaveConfigurationToFile(m_table, L"enus", nullptr); },
+         "CFru::SaveFRUFileHeader - Error Writing File ! X"},
+        {[&] { return m_table->SaveConfigurationToFile(m_table, L"\u00e4", nullptr); },
+         "FruData::SaveConfigurationToFile - Error Writing File ! "},
+        {[&] { return m_table->LoadConfigurationFromFile(m_table, L"\u00e4", nullptr); },
+         "FruData::LoadConfigurationFromFile - Unexpected ! "},
+        {[&] { return m_table->LoadConfigurationFromFile(m_table, L"gone", nullptr); },
+         "CFru::ReadFRUFromFile - Unexpected ! "},
+        {[&] { return m_table->SelectList(m_table, 3); }, "FruData::SelectList - Unexpected ! "},
+        {[&] {
+             fs::remove_all("enus");
+             return m_table->Initialize(m_table, 0);
+         },
+         "FruData::SetLanguageLocale - Error Initializing String Resource "
+         "FruData::Initialize - Error Initializing String Resource "},
+    };
+    for (const auto& [operate, failures] : rows) {
+        ASSERT_EQ(Load(FruText(RichFru())), 0U);
+        select(FRU_AREA_BOARD, 5);
+        SetLibDebugLevel(3);
+        TakeLog();
+        EXPECT_NE(operate(), 0U) << failures;
+        const std::string log = TakeLog();
+        EXPECT_EQ(Failures(log), failures) << log;
+        EXPECT_EQ(log.find("SetMfgDateTime"), std::string::npos) << "it is for three bytes";
+        SetLibDebugLevel(1);
+    }
+}
+
+// A whole session that succeeds: what is entered is left again, in order, and what is entered is known.
+TEST_F(CTraceLogTest, ASession) {
+    SetLibDebugLevel(3);
+    TakeLog();
+    Restart(0);
+    FRU_BYTES fru = RichFru();
+    fru.board = CompactArea(BYTES{1, 0, 0, 0, 0, 0} + BYTES{0xC1, 'a'} + Field("b", 0x40) + BYTES(3, 0xC0), 64);
+    for (const FRU_BYTES& content : {RichFru(), fru})
+        EXPECT_EQ(Load(FruText(content)), 0U);
+    m_table->SelectFru(m_table, 0);
+    for (unsigned int area = 0; area < 5; ++area) {
+        m_table->SelectAreaInteger(m_table, area);
+        for (unsigned int field = 0; field < Told(m_table->GetNumberOfFields); ++field) {
+            Value(field);
+            Told(m_table->GetFieldTitle);
+        }
+        if (area > 0 && area < 4) {
+            EXPECT_EQ(Set(1, "x"), 0U);
+            EXPECT_EQ(Set(Told(m_table->GetNumberOfFields) - 1, "y"), 0U);
+        }
+    }
+    m_table->SelectFru(m_table, 1);
+    Saved();
+    Restart(0);
+    SetLibDebugLevel(1);
+    const std::string log = TakeLog();
+    EXPECT_THAT(log, testing::HasSubstr("CBoardInfoArea::ParseField [ENTRY]\r\nFruDefs::DecodeLength [ENTRY]\r\n"
+                                        "FruDefs::DecodeLength [EXIT]\r\nCBoardInfoArea::ParseField [EXIT]\r\n"));
+    std::istringstream lines(log);
+    std::vector<std::string> entered;
+    std::set<std::string> names;
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(0, line.find(' ')), what = line.substr(name.size());
+        if (what == " [ENTRY]\r") {
+            entered.push_back(name);
+            names.insert(name);
+        } else {
+            ASSERT_EQ(what, " [EXIT]\r") << line;
+            ASSERT_FALSE(entered.empty()) << line;
+            ASSERT_EQ(entered.back(), name) << "is not left";
+            entered.pop_back();
+        }
+    }
+    EXPECT_TRUE(entered.empty()) << entered.back() << " is not left";
+    std::string found;
+    for (const std::string& name : names)
+        found += name + "\n";
+    EXPECT_EQ(found, ReadFile(FRUDATA_TEST_OPERATIONS)) << "the operations of a session";
+    // Of the second FRU's 13 fields, one reads like the end marker: nothing of it is written but its type/length byte.
+    std::size_t written = 0;
+    for (std::size_t at = 0; (at = log.find("::WriteDataToFRUFile [ENTRY]", at) + 1) > 0;)
+        ++written;
+    EXPECT_EQ(written, 3U + 4U + 8U);
 }
 
 TEST_F(CTraceLogTest, LevelsFromACommandLine) {

@@ -163,6 +163,17 @@ TEST_F(Access, AnswersOfOtherLengths) {
         EXPECT_EQ(Find({}), status) << value;
         EXPECT_EQ(Find(EEPROM), status) << value;
     }
+    // Nothing of a bridged answer is left for the BMC's own, which is shorter.
+    const ADDRESS behind{.deviceAddress = 0xC0, .bus = 0};
+    m_bmc.AddController(0, 0xC0).AddFruDevice(0, HEADER);
+    for (const auto& [action, status] : {std::pair(FAULT_ACTION::COMPLETION_CODE, FRU_STATUS_READ_FRU_ERROR),
+                                         {FAULT_ACTION::SHORT_ANSWER, FRU_STATUS_CHECKSUM_ERROR}}) {
+        m_bmc.ClearFaults();
+        m_bmc.AddFault({.action = action, .value = 1, .controller = 0x20});
+        EXPECT_EQ(Find({}), status);
+        m_bmc.ClearFaults();
+        EXPECT_EQ(Find(behind), 0U);
+    }
     // The count that a FRU device says it returned is not looked at.
     m_bmc.ClearFaults();
     m_bmc.SetScript([](const IpmiRequest&) {

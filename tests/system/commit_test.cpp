@@ -193,4 +193,17 @@ TEST_F(Commit, CallbacksMayReadAndSignalsStayTheHosts) {
     EXPECT_EQ(m_bmc.FruBytes(0), IMAGE);
 }
 
+// The host's callback has enough of it.
+unsigned int OnlyOnce(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int, unsigned int) {
+    g_progress.emplace_back(message);
+    return GetFruDataInterface()->SetProgressCallback(nullptr, nullptr);
+}
+
+TEST_F(Commit, ACallbackThatClearsItselfIsNotCalledAgain) {
+    LoadAndSelect(IMAGE);
+    EXPECT_EQ(m_table->SetProgressCallback(m_table, OnlyOnce), 0U);
+    EXPECT_EQ(CommitIt(), 0U);
+    EXPECT_EQ(g_progress, std::vector<std::wstring>{Text(64, Identifier({}).c_str())});
+}
+
 } // namespace

@@ -1,6 +1,8 @@
 // Loading damaged and hostile images: statuses, messages, and where the reading stops.
 #include "tests/system/support.h"
 
+#include "frudata/debug.h"
+
 #include <algorithm>
 #include <map>
 
@@ -120,6 +122,29 @@ TEST_F(Loading, StatusesAndMessages) {
         EXPECT_EQ(Requests(), Reads(address, ACCESS::FRU, 0, 8));
         EXPECT_EQ(NumberOfFrus(), good);
     }
+}
+
+// A failure is traced before its message, which names the FRU, is composed.
+TEST_F(Loading, TracesComeBeforeMessages) {
+    const auto expect = [this](const std::string& failure) {
+        EXPECT_THAT(TakeLog(), testing::HasSubstr(failure + "\r\nCFru::GetFriendlyFruIdentifier [ENTRY]\r\n"));
+    };
+    LIBDBG_DEBUG_LEVEL = 3;
+    for (const auto& [image, failure] :
+         {std::pair(BYTES{1}, "ReadFRUHeader - Invalid Header Area"),
+          {With(IMAGE, 7, {0x5A}), "GetCommonHeader - Invalid Header Area"},
+          {Length(BOARD, 0), "GetBoardArea - Invalid Board Area"},
+          {Length(CHASSIS, 0), "GetChassisArea - Invalid Chassis Area"},
+          {With(IMAGE, 1, {UINT8(IMAGE[CHASSIS] + 1)}), "GetInternalArea - Invalid Internal Area"},
+          {With(IMAGE, RECORD + 3, {0}), "GetMultiRecArea - Invalid MultiRec Area"}}) {
+        EXPECT_NE(LoadImage(image), 0U);
+        expect(std::string("CFru::") + failure);
+    }
+    EXPECT_EQ(LoadImage(IMAGE), 0U);
+    Select(0);
+    m_bmc.AddFault({.action = FAULT_ACTION::TRANSPORT_ERROR, .value = 9, .cmd = 0x12});
+    EXPECT_NE(CommitIt(), 0U);
+    expect("CFru::WriteToSystem - Error Writing System");
 }
 
 TEST_F(Loading, ARecordWithoutDataIsNotKept) {

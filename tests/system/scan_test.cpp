@@ -140,11 +140,16 @@ TEST_F(Scan, ErrorsAndChains) {
         {{.action = SHORT_ANSWER, .value = 99, .cmd = GET_SDR}, 0, ""},
         {{.action = SHORT_ANSWER, .value = 3, .cmd = GET_SDR, .occurrence = 6}, 1, ""},
         {{.action = LONG_ANSWER, .value = 900, .cmd = GET_SDR}, 3, ""},
+        // The rest in two answers; an answer without any of it.
+        {{.action = SHORT_ANSWER, .value = 3, .cmd = GET_SDR, .occurrence = 5, .times = 1}, 3, "", 16},
+        {{.action = SHORT_ANSWER, .value = 16, .cmd = GET_SDR, .occurrence = 5}, 0, "ReadRecFromBMC - Error Reading"},
+        {{.action = SHORT_ANSWER, .value = 99, .cmd = GET_SDR, .occurrence = 7}, 1, "ReadRecFromBMC - Error Reading"},
         // Chains: to itself, to the start, to the first record by its own id (at once and last), nowhere, to the end.
-        {{.action = NEXT_RECORD, .value = 2, .cmd = GET_SDR, .occurrence = 2}, 2, ""},
-        {{.action = NEXT_RECORD, .value = 0, .cmd = GET_SDR}, 1, "", 5},
-        {{.action = NEXT_RECORD, .value = 1, .cmd = GET_SDR}, 1, "", 5},
-        {{.action = NEXT_RECORD, .value = 1, .cmd = GET_SDR, .occurrence = 8}, 3, "", 15},
+        {{.action = NEXT_RECORD, .value = 2, .cmd = GET_SDR, .occurrence = 2}, 2, "GetAllSDRRecs - Repeated SDR"},
+        {{.action = NEXT_RECORD, .value = 0, .cmd = GET_SDR}, 1, "CountIPMI15SDRTypes - Repeated SDR", 5},
+        {{.action = NEXT_RECORD, .value = 0, .cmd = GET_SDR, .occurrence = 4}, 1, "GetAllSDRRecs - Repeated SDR"},
+        {{.action = NEXT_RECORD, .value = 1, .cmd = GET_SDR}, 2, "CountIPMI15SDRTypes - Repeated SDR", 10},
+        {{.action = NEXT_RECORD, .value = 1, .cmd = GET_SDR, .occurrence = 8}, 3, "More SDRs than counted", 18},
         {{.action = NEXT_RECORD, .value = 9, .cmd = GET_SDR}, 0, "Error Reading SDR"},
         {{.action = NEXT_RECORD, .value = 0xFFFF, .cmd = GET_SDR}, 1, ""},
     };

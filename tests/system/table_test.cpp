@@ -1,6 +1,10 @@
 // The whole way of a host: load, walk, edit, commit, load again; and the system properties.
 #include "tests/system/support.h"
 
+#include "frudata/debug.h"
+
+#include <sstream>
+
 using namespace Frudata_Tests;
 
 namespace {
@@ -117,6 +121,21 @@ TEST_F(Table, Properties) {
         m_bmc.SetIdentity({.ipmiVersion = version});
         expect(id);
     }
+    LIBDBG_DEBUG_LEVEL = 3;
+    TakeLog();
+    expect(33);
+    std::string expected;
+    for (const char* const operation : {"SetNumberOfFrus", "SetNumberOfIpmiFrus", "SetIpmiVersion", "SetNumberOfFrus",
+                                        "SetNumberOfIpmiFrus", "GetIpmiVersion", "SetIpmiVersionString",
+                                        "GetIpmiVersionString", "GetNumberOfFrusString", "GetNumberOfIpmiFrusString"})
+        for (const char* const end : {" [ENTRY]\r\n", " [EXIT]\r\n"})
+            expected += std::string("CFruProperties::") + operation + end;
+    std::istringstream log(TakeLog());
+    std::string traced;
+    for (std::string line; std::getline(log, line);)
+        traced += line.starts_with("CFruProperties") ? line + "\n" : "";
+    EXPECT_EQ(traced, expected);
+    LIBDBG_DEBUG_LEVEL = 1;
     // Neither the status nor the completion code counts, only what came as the fifth byte.
     for (const FAULT_ACTION action : {FAULT_ACTION::TRANSPORT_ERROR, FAULT_ACTION::SHORT_ANSWER}) {
         m_bmc.ClearFaults();

@@ -5,6 +5,7 @@
 namespace {
 
 const Fructl::IMB_DRIVER* gp_driver = nullptr;
+bool g_isLost = false;
 
 /// The library's function, in front of which this program's stands.
 template <typename FUNCTION> FUNCTION* Next(const char* name) {
@@ -26,6 +27,10 @@ int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* re
 }
 #pragma GCC visibility pop
 
+bool Fructl::IsAnswerLost() {
+    return g_isLost;
+}
+
 int open_imb(void) {
     return gp_driver ? gp_driver->Open() : 0;
 }
@@ -36,7 +41,9 @@ int close_imb(void) {
 
 int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
                          UINT8* completionCode) {
-    return gp_driver ? gp_driver->Send(request, timeout, responseData, responseLength, completionCode) : 1;
+    const int result = gp_driver ? gp_driver->Send(request, timeout, responseData, responseLength, completionCode) : 1;
+    g_isLost = result != 0;
+    return result;
 }
 
 // Beside a driver the ports are someone else's. As 0xFF a status port also shows the attention flag, for which a

@@ -16,5 +16,7 @@ struct IMB_DRIVER {
 /// From the next start of the library on it takes this driver, and ports read 0xFF and keep what they have. With null
 /// it takes the ports, for what it does not send through the session library. Not owned.
 void UseImbDriver(const IMB_DRIVER* driver);
+/// Whether the last request over the driver got no answer.
+bool IsAnswerLost();
 
 } // namespace Fructl

@@ -1,5 +1,6 @@
 #include "tools/fructl/library.h"
 
+#include "tools/fructl/imbseam.h"
 #include "tools/fructl/languages.h"
 #include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
@@ -58,7 +59,7 @@ unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, 
 } // namespace
 
 std::string TransportText(int status) {
-    const std::string reason = CurrentWay().Failure();
+    const std::string reason = IsAnswerLost() ? CurrentWay().Failure() : "";
     return reason.empty() ? fmt::format("no answer (transport status {})", status) : "no answer: " + reason;
 }
 
@@ -160,6 +161,9 @@ void CLibrary::CheckBmc() const {
 void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {
     if (status == FRU_STATUS_SUCCESS)
         return;
+    // Whatever the library took it for: without an answer nothing is known about the device's contents.
+    if (IsAnswerLost() && !CurrentWay().Failure().empty())
+        throw CToolError(EXIT_DEVICE, what, "no answer: " + CurrentWay().Failure());
     const WCHAR* message = nullptr;
     m_table->GetLastErrorMessage(m_table, message);
     throw CToolError(exitStatus, what, message ? Utf8(message) : StatusText(status));

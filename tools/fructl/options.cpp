@@ -102,6 +102,8 @@ void TakeLanOptions() {
     const bool named = settings.interface == "lan";
     if (named && lan.host.empty())
         throw CToolError(EXIT_USAGE, "--interface lan", "--host NAME is missing");
+    if (!settings.simDirectory.empty() && !settings.interface.empty())
+        throw CToolError(EXIT_USAGE, "--interface " + settings.interface, "is no way to the simulated BMC of --sim");
     if (lan.host.empty())
         return;
     if (!settings.interface.empty() && !named)

@@ -1,5 +1,6 @@
 #include "tools/fructl/session.h"
 
+#include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
 
 #include <nlohmann/json.hpp>
@@ -17,6 +18,7 @@ constexpr struct {
                   {"length >= 5", "the _SEE_MULTIREC block has less than the 5 bytes of a record header"},
                   {"index != 512", "an area block has 512 bytes, one more than a text file can hold"},
                   {"padding >= 0", "the fields of the board area are longer than the area"},
+                  {"assertion failed: text", "a header line has no quoted value"},
                   {"IsValid()", "the checksum of an info area is wrong"}};
 
 std::string DeathReason(const CChildDied& death) {
@@ -25,7 +27,9 @@ std::string DeathReason(const CChildDied& death) {
             return reason;
     std::string text = death.m_output;
     text.erase(text.find_last_not_of("\r\n") + 1);
-    return text.empty() ? "the library stopped" : "a header line has no quoted value, or: " + text;
+    if (Settings().debugLevel > 0 && !text.empty())
+        return text;
+    return "the library cannot make sense of it (--debug 1 tells where)";
 }
 
 } // namespace

@@ -39,7 +39,7 @@ std::string BackupName(const SOURCE& device, const std::string& given) {
     if (given.empty() || fs::is_directory(given, ignored))
         stem = (fs::path(given) / BackupStem(device)).string();
     std::string name = stem;
-    for (int number = 2; fs::exists(name); ++number)
+    for (int number = 2; fs::is_regular_file(name, ignored); ++number)
         name = fmt::format("{}.{}", stem, number);
     return name;
 }
@@ -119,7 +119,6 @@ CONTENTS OpenWhole(const SOURCE& device) {
 /// Writes what was agreed upon, keeps the old contents, reads back.
 void WriteVerified(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library,
                    const std::string& backup) {
-    const CFinish untilVerified;
     try {
         WritePlan(contents, plan, library);
         CompareWritten(contents.source, plan.bytes, contents.bytes);
@@ -201,6 +200,7 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
     const std::string backup = options.noBackup ? "" : KeepBackup(device, contents.bytes, options.backup);
     if (!backup.empty())
         report["backup"] = backup;
+    const CFinish untilSaid;
     WriteVerified(contents, plan, library, backup);
     report["written"] = true;
     finish(Colored(COLOR::GREEN, "Written and verified.") + "\n");
