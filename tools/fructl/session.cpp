@@ -7,7 +7,7 @@
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
 
-#include "sim/fruimagebuilder.h"
+#include "fruimage/imagebuilder.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -64,7 +64,7 @@ void CompareView(const json& view, CONTENTS& contents) {
 
 json TitlesInChild() {
     using namespace Frudata_Sim;
-    const CLibrary library(CFruImageBuilder()
+    const CLibrary library(FruImage::CImageBuilder()
                                .InternalUse(BYTES(7))
                                .Chassis({.chassisType = 1, .customFields = {"--"}})
                                .Board({.customFields = {"--"}})
