@@ -45,19 +45,22 @@ BYTES Part(const BYTES& bytes, std::size_t start, std::size_t size) {
 const BYTES EDITS = {0x83, 'a', 'b', 'c', 0, 0x80, 0, 0x41, 0, 0x85, '1', '2', '3', '4', '5', 0, 0x01};
 
 std::vector<BYTES> Images() {
-    return {
-        CFruImageBuilder().Board({.manufacturer = "Mk", .productName = "PN"}, 8).Build(),
-        CFruImageBuilder()
-            .Chassis({.chassisType = 0x11, .partNumber = "CP", .customFields = {"c1", "c22"}}, 16)
-            .Build(),
-        CFruImageBuilder().Product({.manufacturer = "PM", .assetTag = "A1"}, 8).MultiRecord(0xC0, {1, 2, 3}).Build(),
-        CFruImageBuilder()
-            .InternalUse({0xAB, 0x02, 0x81})
-            .Board({.partNumber = {FIELD_TYPE::BCD_PLUS, "\x12\x34"}, .customFields = {"one", "two", "three"}})
-            .MultiRecord(0xC0, {1, 2})
-            .MultiRecord(0xC1, {3, 4})
-            .Build(),
-        SamplePsuFru(1)};
+    return {FruImage::CImageBuilder().Board({.manufacturer = "Mk", .productName = "PN"}, 8).Build(),
+            FruImage::CImageBuilder()
+                .Chassis({.chassisType = 0x11, .partNumber = "CP", .customFields = {"c1", "c22"}}, 16)
+                .Build(),
+            FruImage::CImageBuilder()
+                .Product({.manufacturer = "PM", .assetTag = "A1"}, 8)
+                .MultiRecord(0xC0, {1, 2, 3})
+                .Build(),
+            FruImage::CImageBuilder()
+                .InternalUse({0xAB, 0x02, 0x81})
+                .Board({.partNumber = {FruImage::ENCODING::BCD_PLUS, {0x12, 0x34}},
+                        .customFields = {"one", "two", "three"}})
+                .MultiRecord(0xC0, {1, 2})
+                .MultiRecord(0xC1, {3, 4})
+                .Build(),
+            SamplePsuFru(1)};
 }
 
 void WriteImageSeeds(const BYTES& image) {

@@ -204,7 +204,7 @@ TEST_F(CDeviceTest, RestoreRefusesWhatIsNoSoundImage) {
 TEST_F(CDeviceTest, AreasKeepTheirPlacesWhateverTheirOrder) {
     // Board before chassis, with unknown bytes between and behind them: the library would write them packed.
     const BYTES packed =
-        CFruImageBuilder().Chassis({.serialNumber = "CH-1"}, 8).Board({.serialNumber = "BO-1"}, 8).Build();
+        FruImage::CImageBuilder().Chassis({.serialNumber = "CH-1"}, 8).Board({.serialNumber = "BO-1"}, 8).Build();
     const std::size_t chassis = packed[2] * 8U, board = packed[3] * 8U;
     BYTES image(256, 0xEE);
     std::copy(packed.begin(), packed.begin() + 8, image.begin());

@@ -9,15 +9,16 @@ using CFileTest = CFructlTest;
 
 namespace {
 
-ProductArea ProductWith(std::vector<FruField> custom) {
+FruImage::PRODUCT_VALUES ProductWith(std::vector<FruImage::FIELD_DESCRIPTION> custom) {
     return {
         .manufacturer = "Maker", .productName = "Thing", .serialNumber = "S1234", .customFields = std::move(custom)};
 }
 
 /// Chassis, board and product with three custom fields each.
-BYTES ThreeCustoms(const std::vector<FruField>& chassis, const std::vector<FruField>& board,
-                   const std::vector<FruField>& product) {
-    return CFruImageBuilder()
+BYTES ThreeCustoms(const std::vector<FruImage::FIELD_DESCRIPTION>& chassis,
+                   const std::vector<FruImage::FIELD_DESCRIPTION>& board,
+                   const std::vector<FruImage::FIELD_DESCRIPTION>& product) {
+    return FruImage::CImageBuilder()
         .Chassis({.partNumber = "CP", .customFields = chassis}, 16)
         .Board({.minutes = 1, .manufacturer = "Maker", .customFields = board}, 16)
         .Product(ProductWith(product), 16)
@@ -26,11 +27,11 @@ BYTES ThreeCustoms(const std::vector<FruField>& chassis, const std::vector<FruFi
 
 /// Every type of field: 6-bit "IPMI!!" (as in the standard's example, then more), BCD plus, binary, Latin-1.
 BYTES EveryType() {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .Board({.minutes = 0xCBFAC0,
-                .manufacturer = {FIELD_TYPE::PACKED_ASCII, "\x29\xDC\xA6"},
-                .productName = {FIELD_TYPE::BCD_PLUS, "\x12\x3B\xC9"},
-                .serialNumber = {FIELD_TYPE::BINARY, std::string("\x00\xFE", 2)},
+                .manufacturer = {FruImage::ENCODING::SIX_BIT, {0x29, 0xDC, 0xA6}},
+                .productName = {FruImage::ENCODING::BCD_PLUS, {0x12, 0x3B, 0xC9}},
+                .serialNumber = {FruImage::ENCODING::BINARY, {0x00, 0xFE}},
                 .partNumber = "Gr\xFC\xDF"
                               "e",
                 .fileId = "f.fru"},
@@ -86,9 +87,9 @@ TEST_F(CFileTest, TextAndBinaryHoldTheSame) {
 }
 
 TEST_F(CFileTest, CustomFieldsAreTheSameShownSetAndSaved) {
-    const std::vector<FruField> before = {"one-1", "two-2", "three"};
+    const std::vector<FruImage::FIELD_DESCRIPTION> before = {"one-1", "two-2", "three"};
     for (int position = 0; position < 3; ++position) {
-        std::vector<FruField> after = before;
+        std::vector<FruImage::FIELD_DESCRIPTION> after = before;
         after[static_cast<std::size_t>(position)] = "NEW-X";
         const std::string number = std::to_string(position + 1);
         for (const char* area : {"chassis", "board", "product"}) {
