@@ -351,10 +351,10 @@ TEST_F(CModelTest, RecordsHaveFields) {
     EXPECT_THAT(Fructl("show r.bin").output, HasSubstr("750 W\n"));
     EXPECT_THAT(Fructl("set r.bin multirecord.1.rated-capacity=800 --dry-run").output,
                 HasSubstr("multirecord.1.rated-capacity  \"750 W\" -> \"800 W\"\n"));
-    const RESULT json =
+    const RESULT built =
         Shell(FRUCTL_PROGRAM " show --json r.bin | sed '/\"rated-capacity\"/,/}/s/: 750/: 800/' | " FRUCTL_PROGRAM
                              " new --from - -o j.bin");
-    ASSERT_EQ(json.status, 0) << json.errors;
+    ASSERT_EQ(built.status, 0) << built.errors;
     ASSERT_EQ(Fructl("set r.bin multirecord.1.rated-capacity=800").status, 0);
     EXPECT_EQ(ReadFile("j.bin"), ReadFile("r.bin"));
     ASSERT_EQ(Fructl("set r.bin multirecord.1- -o s.bin").status, 0);

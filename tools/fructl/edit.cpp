@@ -208,8 +208,9 @@ void Refuse(const FruImage::ERROR& error, const std::string& source) {
 PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits) {
     std::vector<EDIT> edits = RecordEdits(changes.records, contents.fru);
     edits.insert(edits.end(), changes.edits.begin(), changes.edits.end());
-    if (limits.deviceSize == 0)
-        limits.deviceSize = contents.SizeLimit();
+    const std::size_t known = contents.SizeLimit();
+    if (limits.deviceSize == 0 || (contents.sizeKnown && known != 0))
+        limits.deviceSize = known;
     auto plan = FruImage::Apply(contents.fru, edits, limits);
     if (!plan)
         Refuse(plan.Error(), contents.source.label);

@@ -51,8 +51,9 @@ void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIO
     if (!options.write.backup.empty())
         KeepBackup(source, contents.bytes, options.write.backup);
     SaveFru(contents, after, {output, {}, options.binary || source.kind == SOURCE::IMAGE});
-    for (const std::string& note : plan.notes)
-        Note(note);
+    if (source.kind == SOURCE::IMAGE && plan.bytes.size() > contents.bytes.size())
+        Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
+                         Counted(contents.bytes.size(), "byte"), plan.bytes.size()));
     Note(fmt::format("changed {}\n{}", output, difference));
 }
 
