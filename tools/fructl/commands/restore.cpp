@@ -73,12 +73,24 @@ std::string DifferenceText(const FRU& present, const FRU& image) {
     return rows.empty() ? "  every field has its value already\n" : Table(rows);
 }
 
-void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
+FRU ReadBackup(const std::string& backup) {
     const BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
     if (!LooksLikeImage(bytes))
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
-    const FRU image = FruImage::Parse(bytes);
+    return FruImage::Parse(bytes);
+}
+
+void Print(const nlohmann::json& report, const std::string& text) {
+    if (Settings().json)
+        PrintJson(report);
+    else
+        PrintText(text);
+    std::fflush(stdout);
+}
+
+void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
+    const FRU image = ReadBackup(backup);
     std::optional<CDeviceLock> lock;
     if (!options.dryRun)
         lock.emplace(device);
@@ -86,24 +98,21 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
     nlohmann::json report = {{"device", JsonSource(device)},
                              {"changes", JsonChanges(present.fru, image)},
                              {"written", false},
-                             {"size", bytes.size()}};
-    const auto print = [&](const std::string& text) { Settings().json ? void() : PrintText(text); };
-    print(fmt::format("{}:\n{}", device.label, DifferenceText(present.fru, image)));
-    if (!options.dryRun) {
-        CheckRestore(backup, image, present);
-        Confirm("write " + device.label, options);
-        if (!options.noBackup && !present.bytes.empty())
-            report["backup"] = KeepBackup(device, present.bytes, options.backup);
-        std::fflush(stdout);
-        const CFinish untilVerified;
-        WriteImage(device, bytes, {});
-        CompareWritten(device, bytes, present.bytes);
-        report["written"] = true;
-    }
-    print(options.dryRun ? std::string("Nothing was written.\n")
-                         : fmt::format("{} written and verified.\n", Counted(bytes.size(), "byte")));
-    if (Settings().json)
-        PrintJson(report);
+                             {"size", image.bytes.size()}};
+    if (!Settings().json)
+        PrintText(fmt::format("{}:\n{}", device.label, DifferenceText(present.fru, image)));
+    if (options.dryRun)
+        return Print(report, "Nothing was written.\n");
+    CheckRestore(backup, image, present);
+    std::fflush(stdout);
+    Confirm("write " + device.label, options);
+    if (!options.noBackup && !present.bytes.empty())
+        report["backup"] = KeepBackup(device, present.bytes, options.backup);
+    const CFinish untilSaid;
+    WriteImage(device, image.bytes, {});
+    CompareWritten(device, image.bytes, present.bytes);
+    report["written"] = true;
+    Print(report, fmt::format("{} written and verified.\n", Counted(image.bytes.size(), "byte")));
 }
 
 } // namespace
