@@ -168,7 +168,7 @@ TEST_F(CModelTest, AnAreaGrowsAndNothingElseChanges) {
                 Fructl(std::string("set a.bin ") + area + ".custom+=" + value + " -o b.bin --size 4096");
             // Where the internal use area leaves no room, nothing may be written.
             if (result.status != 0) {
-                EXPECT_THAT(result.errors, HasSubstr("needed"));
+                EXPECT_THAT(result.errors, HasSubstr("need"));
                 continue;
             }
             const FRU after = ParsedFile("b.bin");
@@ -225,8 +225,8 @@ TEST_F(CModelTest, WhatDoesNotFitIsRefusedInNumbers) {
     const std::string value(63, 'x');
     const RESULT refused = Fructl("set a.bin board.custom+=" + value + " --size " + std::to_string(full.size()));
     EXPECT_EQ(refused.status, 2);
-    EXPECT_THAT(refused.errors, HasSubstr(std::to_string(full.size() + 64) + " bytes are needed, " +
-                                          std::to_string(full.size()) + " are there"));
+    EXPECT_THAT(refused.errors, HasSubstr("need " + std::to_string(full.size() + 64) + " bytes, the device has " +
+                                          std::to_string(full.size())));
     EXPECT_EQ(ReadFile("a.bin"), full);
     const RESULT plan = Fructl("set a.bin board.custom+=" + value + " --dry-run");
     EXPECT_EQ(plan.status, 0);

@@ -198,10 +198,7 @@ void Refuse(const FruImage::ERROR& error, const std::string& source) {
     std::string what = !error.field.empty()            ? error.field
                        : error.area == AREA_ID::HEADER ? source
                                                        : std::string(AreaName(error.area));
-    std::string why = error.text;
-    if (error.code == REFUSAL::NO_ROOM)
-        why += fmt::format(": {} bytes are needed, {} are there", error.needed, error.available);
-    throw CToolError(error.code == REFUSAL::DAMAGED ? EXIT_DAMAGED : EXIT_REFUSED, std::move(what), std::move(why),
+    throw CToolError(error.code == REFUSAL::DAMAGED ? EXIT_DAMAGED : EXIT_REFUSED, std::move(what), error.text,
                      error.hint);
 }
 

@@ -58,7 +58,8 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
         throw CToolError(
             EXIT_REFUSED, present.source.label,
             fmt::format("the image has {}, the device {}", Counted(image.bytes.size(), "byte"), present.bytes.size()));
-    if (IsOtherProduct(present.fru, image) && !Settings().force)
+    // What an interrupted write leaves tells nothing about the product.
+    if (present.fru.IsSound() && IsOtherProduct(present.fru, image) && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
                          "--dry-run shows what differs, --force writes it nevertheless");
 }
