@@ -98,7 +98,9 @@ TEST_F(CFileTest, CustomFieldsAreTheSameShownSetAndSaved) {
             WriteFile("x.bin", ThreeCustoms(before, before, before));
             ASSERT_EQ(Fructl("save x.bin -o x.fru").status, 0);
             EXPECT_EQ(Fructl("get x.bin " + name).output,
-                      std::string(before[static_cast<std::size_t>(position)].bytes) + "\n");
+                      std::string(before[static_cast<std::size_t>(position)].bytes.begin(),
+                                  before[static_cast<std::size_t>(position)].bytes.end()) +
+                          "\n");
             ASSERT_EQ(Fructl("set x.bin " + name + "=NEW-X").status, 0);
             EXPECT_EQ(ReadFile("x.bin"), expected);
             ASSERT_EQ(Fructl("set x.fru " + name + "=NEW-X").status, 0);
