@@ -7,6 +7,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
+#include "tools/fructl/report.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -60,24 +61,46 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
             fmt::format("the image has {}, the device {}", Counted(image.bytes.size(), "byte"), present.bytes.size()));
     if (IsOtherProduct(present.fru, image) && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
-                         "--dry-run shows what differs, --force writes it nevertheless");
+                         "--force writes it nevertheless");
 }
 
-std::string DifferenceText(const FRU& present, const FRU& image) {
+/// Field by field, and which of the two says it is what.
+std::string DifferenceText(const CONTENTS& present, const std::string& backup, const FRU& image) {
+    const auto product = [](const FRU& fru) {
+        const std::string text = Printable(ProductText(fru));
+        return text.empty() ? std::string("does not tell what it is") : "says it is " + text;
+    };
     std::vector<std::vector<std::string>> rows;
     const auto side = [](const std::optional<ENTRY>& entry) {
         return entry ? "\"" + Printable(entry->value) + "\"" : std::string("(not there)");
     };
-    for (const DIFFERENCE& one : Compare(present, image))
+    for (const DIFFERENCE& one : Compare(present.fru, image))
         rows.push_back({one.Name(), side(one.left) + " -> " + side(one.right)});
-    return rows.empty() ? "  every field has its value already\n" : Table(rows);
+    return fmt::format("{} {}\n{} {}\n{}", present.source.label, product(present.fru), backup, product(image),
+                       rows.empty() ? "  every field has its value already\n" : Table(rows));
 }
 
-void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
-    const BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
+/// The image as it is to be written. @throws CToolError for a text file
+BYTES ImageOf(const std::string& backup) {
+    BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
     if (!LooksLikeImage(bytes))
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
+    return bytes;
+}
+
+/// Writes the image over what is there. @return the backup of that; empty: none
+std::string WriteOver(const CONTENTS& present, const BYTES& image, const WRITE_OPTIONS& options) {
+    Confirm("write " + present.source.label, options, Oddity(present));
+    const bool isKept = !options.noBackup && !present.bytes.empty();
+    std::string backup = isKept ? KeepBackup(present.source, present.bytes, options.backup) : "";
+    std::fflush(stdout);
+    WriteVerified(present, image, backup, [&](const PROGRESS& sink) { WriteDevice(present.source, image, {}, sink); });
+    return backup;
+}
+
+void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
+    const BYTES bytes = ImageOf(backup);
     const FRU image = FruImage::Parse(bytes);
     std::optional<CDeviceLock> lock;
     if (!options.dryRun)
@@ -87,23 +110,22 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
                              {"changes", JsonChanges(present.fru, image)},
                              {"written", false},
                              {"size", bytes.size()}};
-    const auto print = [&](const std::string& text) { Settings().json ? void() : PrintText(text); };
-    print(fmt::format("{}:\n{}", device.label, DifferenceText(present.fru, image)));
-    if (!options.dryRun) {
-        CheckRestore(backup, image, present);
-        Confirm("write " + device.label, options);
-        if (!options.noBackup && !present.bytes.empty())
-            report["backup"] = KeepBackup(device, present.bytes, options.backup);
-        std::fflush(stdout);
-        const CFinish untilVerified;
-        WriteImage(device, bytes, {});
-        CompareWritten(device, bytes, present.bytes);
-        report["written"] = true;
-    }
-    print(options.dryRun ? std::string("Nothing was written.\n")
-                         : fmt::format("{} written and verified.\n", Counted(bytes.size(), "byte")));
-    if (Settings().json)
+    const bool json = Settings().json;
+    if (!json)
+        PrintText(DifferenceText(present, backup, image));
+    if (json && options.dryRun)
         PrintJson(report);
+    CheckRestore(backup, image, present);
+    if (options.dryRun)
+        return json ? void() : PrintText("Nothing was written.\n");
+    const std::string kept = WriteOver(present, bytes, options);
+    if (!kept.empty())
+        report["backup"] = kept;
+    report["written"] = true;
+    if (json)
+        PrintJson(report);
+    else
+        PrintText(fmt::format("{} written and verified.\n", Counted(bytes.size(), "byte")));
 }
 
 } // namespace
@@ -112,8 +134,10 @@ void AddRestore(CLI::App& app) {
     CLI::App& command = NewCommand(app, "restore", "Write a backup image back to a device, byte for byte",
                                    "  fructl restore backup.bin --to system\n"
                                    "  fructl restore backup.bin --to type=imb,id=1\n"
-                                   "It writes a device too whose present contents are damaged. --force insists on an\n"
-                                   "image that is damaged, or of another product.");
+                                   "  fructl restore backup.bin --to 'PSU 1' --dry-run    what would become of it\n"
+                                   "The difference comes first, then a question; the old contents are kept. An image\n"
+                                   "that is damaged, or of another product, is refused without --force. Without a\n"
+                                   "terminal, --yes is needed where the device's contents are blank or damaged.");
     SetUsage(command, "BACKUP --to DEVICE");
     struct OPTIONS {
         std::string backup;
