@@ -87,7 +87,8 @@ TEST_F(CFileTest, TextAndBinaryHoldTheSame) {
 }
 
 TEST_F(CFileTest, CustomFieldsAreTheSameShownSetAndSaved) {
-    const std::vector<FruImage::FIELD_DESCRIPTION> before = {"one-1", "two-2", "three"};
+    const std::vector<const char*> texts = {"one-1", "two-2", "three"};
+    const std::vector<FruImage::FIELD_DESCRIPTION> before(texts.begin(), texts.end());
     for (int position = 0; position < 3; ++position) {
         std::vector<FruImage::FIELD_DESCRIPTION> after = before;
         after[static_cast<std::size_t>(position)] = "NEW-X";
@@ -100,7 +101,7 @@ TEST_F(CFileTest, CustomFieldsAreTheSameShownSetAndSaved) {
             WriteFile("x.bin", ThreeCustoms(before, before, before));
             ASSERT_EQ(Fructl("save x.bin -o x.fru").status, 0);
             EXPECT_EQ(Fructl("get x.bin " + name).output,
-                      std::string(before[static_cast<std::size_t>(position)].bytes) + "\n");
+                      texts[static_cast<std::size_t>(position)] + std::string("\n"));
             ASSERT_EQ(Fructl("set x.bin " + name + "=NEW-X").status, 0);
             EXPECT_EQ(ReadFile("x.bin"), expected);
             ASSERT_EQ(Fructl("set x.fru " + name + "=NEW-X").status, 0);

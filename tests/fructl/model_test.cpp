@@ -168,7 +168,7 @@ TEST_F(CModelTest, AnAreaGrowsAndNothingElseChanges) {
                 Fructl(std::string("set a.bin ") + area + ".custom+=" + value + " -o b.bin --size 4096");
             // Where the internal use area leaves no room, nothing may be written.
             if (result.status != 0) {
-                EXPECT_THAT(result.errors, HasSubstr("needed"));
+                EXPECT_THAT(result.errors, HasSubstr("need"));
                 continue;
             }
             const FRU after = ParsedFile("b.bin");
@@ -225,8 +225,8 @@ TEST_F(CModelTest, WhatDoesNotFitIsRefusedInNumbers) {
     const std::string value(63, 'x');
     const RESULT refused = Fructl("set a.bin board.custom+=" + value + " --size " + std::to_string(full.size()));
     EXPECT_EQ(refused.status, 2);
-    EXPECT_THAT(refused.errors, HasSubstr(std::to_string(full.size() + 64) + " bytes are needed, " +
-                                          std::to_string(full.size()) + " are there"));
+    EXPECT_THAT(refused.errors, HasSubstr("need " + std::to_string(full.size() + 64) + " bytes, the device has " +
+                                          std::to_string(full.size())));
     EXPECT_EQ(ReadFile("a.bin"), full);
     const RESULT plan = Fructl("set a.bin board.custom+=" + value + " --dry-run");
     EXPECT_EQ(plan.status, 0);
@@ -351,10 +351,10 @@ TEST_F(CModelTest, RecordsHaveFields) {
     EXPECT_THAT(Fructl("show r.bin").output, HasSubstr("750 W\n"));
     EXPECT_THAT(Fructl("set r.bin multirecord.1.rated-capacity=800 --dry-run").output,
                 HasSubstr("multirecord.1.rated-capacity  \"750 W\" -> \"800 W\"\n"));
-    const RESULT json =
+    const RESULT built =
         Shell(FRUCTL_PROGRAM " show --json r.bin | sed '/\"rated-capacity\"/,/}/s/: 750/: 800/' | " FRUCTL_PROGRAM
                              " new --from - -o j.bin");
-    ASSERT_EQ(json.status, 0) << json.errors;
+    ASSERT_EQ(built.status, 0) << built.errors;
     ASSERT_EQ(Fructl("set r.bin multirecord.1.rated-capacity=800").status, 0);
     EXPECT_EQ(ReadFile("j.bin"), ReadFile("r.bin"));
     ASSERT_EQ(Fructl("set r.bin multirecord.1- -o s.bin").status, 0);

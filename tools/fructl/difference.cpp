@@ -81,6 +81,8 @@ std::string DescribePlan(const PLAN& plan, const FRU& before, const FRU& after) 
     }
     for (const MOVE& move : plan.moves)
         text += fmt::format("  {}\n", MoveText(move));
+    for (const std::string& note : plan.notes)
+        text += fmt::format("  note: {}\n", note);
     return text;
 }
 

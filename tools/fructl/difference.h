@@ -11,7 +11,8 @@
 
 namespace Fructl {
 
-/// One line a change: name, old and new value; then the areas that move or change their size.
+/// One line a change: name, old and new value; then the areas that move or change their size, and
+/// what people should know about it.
 std::string DescribePlan(const FruImage::PLAN& plan, const FRU& before, const FRU& after);
 /// Moves, and bytes written in how many steps.
 nlohmann::json JsonMoves(const FruImage::PLAN& plan);

@@ -198,18 +198,16 @@ void Refuse(const FruImage::ERROR& error, const std::string& source) {
     std::string what = !error.field.empty()            ? error.field
                        : error.area == AREA_ID::HEADER ? source
                                                        : std::string(AreaName(error.area));
-    std::string why = error.text;
-    if (error.code == REFUSAL::NO_ROOM)
-        why += fmt::format(": {} bytes are needed, {} are there", error.needed, error.available);
-    throw CToolError(error.code == REFUSAL::DAMAGED ? EXIT_DAMAGED : EXIT_REFUSED, std::move(what), std::move(why),
+    throw CToolError(error.code == REFUSAL::DAMAGED ? EXIT_DAMAGED : EXIT_REFUSED, std::move(what), error.text,
                      error.hint);
 }
 
 PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits) {
     std::vector<EDIT> edits = RecordEdits(changes.records, contents.fru);
     edits.insert(edits.end(), changes.edits.begin(), changes.edits.end());
-    if (limits.deviceSize == 0)
-        limits.deviceSize = contents.SizeLimit();
+    const std::size_t known = contents.SizeLimit();
+    if (limits.deviceSize == 0 || (contents.sizeKnown && known != 0))
+        limits.deviceSize = known;
     auto plan = FruImage::Apply(contents.fru, edits, limits);
     if (!plan)
         Refuse(plan.Error(), contents.source.label);

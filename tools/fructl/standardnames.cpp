@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cctype>
+#include <string_view>
 #include <utility>
 
 namespace Fructl {

@@ -51,8 +51,9 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     if (!options.write.backup.empty())
         KeepBackup(source, change.contents.bytes, options.write.backup);
     SaveFru(change.contents, change.after, {change.output, {}, options.binary || source.kind == SOURCE::IMAGE});
-    for (const std::string& note : change.plan.notes)
-        Note(note);
+    if (source.kind == SOURCE::IMAGE && change.plan.bytes.size() > change.contents.bytes.size())
+        Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
+                         Counted(change.contents.bytes.size(), "byte"), change.plan.bytes.size()));
     Note(fmt::format("changed {}\n{}", change.output, change.difference));
 }
 
@@ -111,6 +112,7 @@ void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options) {
 }
 
 void Confirm(const std::string& question, const WRITE_OPTIONS& options, const std::string& odd) {
+    std::fflush(stdout);
     if (options.yes)
         return;
     if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
@@ -118,7 +120,6 @@ void Confirm(const std::string& question, const WRITE_OPTIONS& options, const st
             throw CToolError(EXIT_REFUSED, question, odd, "without a terminal to ask, --yes insists on it");
         return;
     }
-    std::fflush(stdout);
     fmt::print(stderr, "{}{}{}? [y/N] ", odd, odd.empty() ? "" : "\n", question);
     std::string answer;
     std::getline(std::cin, answer);

@@ -184,6 +184,7 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
             PrintJson(report);
         else
             PrintText(text);
+        std::fflush(stdout);
     };
     if (plan.IsEmpty())
         return finish("Nothing to change: every field has its value already.\n");

@@ -25,8 +25,11 @@ std::string Reason(const CToolError& error, const std::string& name) {
 }
 
 PLAN PlanOf(const CONTENTS& contents, const WORDS& words, const EDIT_OPTIONS& options) {
-    if (words.empty())
-        return {contents.fru.bytes, {}, {}, {}, {}, {}};
+    if (words.empty()) {
+        PLAN plan;
+        plan.bytes = contents.fru.bytes;
+        return plan;
+    }
     return MakePlan(contents, ParseEdits(words, options), options.limits);
 }
 

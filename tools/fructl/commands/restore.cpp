@@ -59,7 +59,8 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
         throw CToolError(
             EXIT_REFUSED, present.source.label,
             fmt::format("the image has {}, the device {}", Counted(image.bytes.size(), "byte"), present.bytes.size()));
-    if (IsOtherProduct(present.fru, image) && !Settings().force)
+    // What an interrupted write leaves tells nothing about the product.
+    if (present.fru.IsSound() && IsOtherProduct(present.fru, image) && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
                          "--force writes it nevertheless");
 }
@@ -80,28 +81,32 @@ std::string DifferenceText(const CONTENTS& present, const std::string& backup, c
                        rows.empty() ? "  every field has its value already\n" : Table(rows));
 }
 
-/// The image as it is to be written. @throws CToolError for a text file
-BYTES ImageOf(const std::string& backup) {
-    BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
+FRU ReadBackup(const std::string& backup) {
+    const BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
     if (!LooksLikeImage(bytes))
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
-    return bytes;
+    return FruImage::Parse(bytes);
 }
 
 /// Writes the image over what is there. @return the backup of that; empty: none
 std::string WriteOver(const CONTENTS& present, const BYTES& image, const WRITE_OPTIONS& options) {
-    Confirm("write " + present.source.label, options, Oddity(present));
     const bool isKept = !options.noBackup && !present.bytes.empty();
     std::string backup = isKept ? KeepBackup(present.source, present.bytes, options.backup) : "";
-    std::fflush(stdout);
     WriteVerified(present, image, backup, [&](const PROGRESS& sink) { WriteDevice(present.source, image, {}, sink); });
     return backup;
 }
 
+void Print(const nlohmann::json& report, const std::string& text) {
+    if (Settings().json)
+        PrintJson(report);
+    else
+        PrintText(text);
+    std::fflush(stdout);
+}
+
 void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
-    const BYTES bytes = ImageOf(backup);
-    const FRU image = FruImage::Parse(bytes);
+    const FRU image = ReadBackup(backup);
     std::optional<CDeviceLock> lock;
     if (!options.dryRun)
         lock.emplace(device);
@@ -109,23 +114,20 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
     nlohmann::json report = {{"device", JsonSource(device)},
                              {"changes", JsonChanges(present.fru, image)},
                              {"written", false},
-                             {"size", bytes.size()}};
-    const bool json = Settings().json;
-    if (!json)
+                             {"size", image.bytes.size()}};
+    if (!Settings().json)
         PrintText(DifferenceText(present, backup, image));
-    if (json && options.dryRun)
-        PrintJson(report);
+    if (options.dryRun)
+        Print(report, "Nothing was written.\n");
     CheckRestore(backup, image, present);
     if (options.dryRun)
-        return json ? void() : PrintText("Nothing was written.\n");
-    const std::string kept = WriteOver(present, bytes, options);
-    if (!kept.empty())
+        return;
+    Confirm("write " + device.label, options, Oddity(present));
+    const CFinish untilSaid;
+    if (const std::string kept = WriteOver(present, image.bytes, options); !kept.empty())
         report["backup"] = kept;
     report["written"] = true;
-    if (json)
-        PrintJson(report);
-    else
-        PrintText(fmt::format("{} written and verified.\n", Counted(bytes.size(), "byte")));
+    Print(report, fmt::format("{} written and verified.\n", Counted(image.bytes.size(), "byte")));
 }
 
 } // namespace
