@@ -33,6 +33,11 @@ void CheckOptions(const SOURCE& source, const CHANGE_OPTIONS& options) {
         throw CToolError(EXIT_USAGE, "--backup", "standard input stays as it is");
 }
 
+/// Whether there is somebody to ask, and need to.
+bool IsAsked(const WRITE_OPTIONS& options) {
+    return !options.yes && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
+}
+
 /// A file's new contents, as the options say what becomes of them.
 struct FILE_CHANGE {
     const CONTENTS& contents;
@@ -44,7 +49,7 @@ struct FILE_CHANGE {
 
 void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     const SOURCE& source = change.contents.source;
-    if (options.asks && !change.plan.IsEmpty() && !options.write.yes) {
+    if (options.asks && !change.plan.IsEmpty() && IsAsked(options.write)) {
         Note(fmt::format("{}:\n{}", source.label, change.difference));
         Confirm("write " + change.output, options.write);
     }
@@ -115,7 +120,7 @@ void Confirm(const std::string& question, const WRITE_OPTIONS& options, const st
     std::fflush(stdout);
     if (options.yes)
         return;
-    if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) {
+    if (!IsAsked(options)) {
         if (!odd.empty() && !Settings().force)
             throw CToolError(EXIT_REFUSED, question, odd, "without a terminal to ask, --yes insists on it");
         return;

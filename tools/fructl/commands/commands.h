@@ -51,6 +51,11 @@ class CSources {
     SOURCE TakeOne(bool optional = false) { return Take(1, optional)[0]; }
     /// The same where no words may remain.
     std::vector<SOURCE> TakeAll(std::size_t count, bool optional = false);
+    /// All devices that are named, and the words in front of the first that `isOther` knows; without a device, the
+    /// first word in any case. The remaining words stay for Words(). @throws CToolError where there is none
+    std::vector<SOURCE> TakeWhile(const std::function<bool(const std::string&)>& isOther);
+    /// Whether the command line names any.
+    bool IsEmpty() const { return !m_system && m_at.empty() && m_words.empty(); }
     /// The one device. @throws CToolError for a file
     SOURCE TakeDevice();
     const std::vector<std::string>& Words() const { return m_words; }
