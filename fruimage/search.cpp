@@ -98,7 +98,7 @@ const AREA* FindOnly(const std::vector<PLACE>& places) {
             return other.fits.size() == 1 && other.fits[0].id == place.fits[0].id;
         };
         if (place.fits.size() == 1 && std::count_if(places.begin(), places.end(), same) == 1)
-            return &place.fits[0];
+            return &place.fits.front();
     }
     return nullptr;
 }
@@ -121,19 +121,25 @@ const AREA* FindVouched(const FRU& fru, const std::vector<PLACE>& places) {
     return vouched;
 }
 
+/// "008h", and what else could be there.
+std::string PlaceAndRivals(const PLACE& place, AREA_ID id) {
+    std::string text = PlaceText(place.offset);
+    for (const AREA& other : place.fits)
+        if (other.id != id)
+            text += Text(" (where the ", AreaName(other.id), " area fits, too)");
+    return text;
+}
+
 void ReportAmbiguous(FRU& fru, const std::vector<PLACE>& places) {
     for (const AREA_ROW& row : Areas()) {
         std::string where;
         std::size_t first = 0;
-        for (const PLACE& place : places)
-            for (const AREA& area : place.fits) {
-                if (area.id != row.id)
-                    continue;
-                first = where.empty() ? place.offset : first;
-                where += Text(where.empty() ? "" : " or ", PlaceText(place.offset));
-                for (const AREA& other : place.fits)
-                    where += other.id == row.id ? "" : Text(" (where the ", AreaName(other.id), " area fits, too)");
-            }
+        for (const PLACE& place : places) {
+            if (std::none_of(place.fits.begin(), place.fits.end(), [&](const AREA& area) { return area.id == row.id; }))
+                continue;
+            first = where.empty() ? place.offset : first;
+            where += (where.empty() ? "" : " or ") + PlaceAndRivals(place, row.id);
+        }
         if (!where.empty())
             Damage(fru.findings, "area-ambiguous", row.id, first, "it may be at " + where);
     }

@@ -80,7 +80,7 @@ bool CDevice::IsOwn() const {
 void CDevice::ExplainRefusal(const char* path) {
     const int error = errno;
     struct stat status {};
-    if ((error != EACCES && error != EPERM) || stat(path, &status) != 0) {
+    if (error != EACCES || stat(path, &status) != 0) {
         SetFailure("%s: %s", path, strerror(error));
         return;
     }

@@ -55,41 +55,40 @@ struct PLAIN {
     const char* name;
     std::deque<STEP> script;
     int status;
-    int code = UNTOUCHED;
-    BYTES data = {};
+    BYTES answer = {}; // completion code and data
     int milliseconds = 0;
     int room = 255;
-    bool isEndless = false;
 };
 
 TEST_F(Driver, PlainRequests) {
     const PLAIN rows[] = {
-        {"answer", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_OK, 0, {1, 2}},
-        {"code alone", {{ARRIVES, {0xC1}}}, OPENIPMI_OK, 0xC1},
+        {"answer", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_OK, {0, 1, 2}},
+        {"code alone", {{ARRIVES, {0xC1}}}, OPENIPMI_OK, {0xC1}},
         {"no code", {{ARRIVES}}, OPENIPMI_ERR_BAD_ANSWER},
-        {"room full", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_OK, 0, {1, 2}, 0, 2},
-        {"one byte too long", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, {}, 0, 1},
-        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, {}, 0, 65535},
-        {"silence", {}, OPENIPMI_ERR_TIMEOUT, UNTOUCHED, {}, 5000},
-        {"late", {{PAUSE}, {PAUSE}, {ARRIVES, {0}}}, OPENIPMI_OK, 0, {}, 1000},
-        {"interrupted", {{POLL_INTERRUPTED}, {TAKE_INTERRUPTED}, {ARRIVES, {0, 3}}}, OPENIPMI_OK, 0, {3}, 500},
-        {"always interrupted", {{POLL_INTERRUPTED}}, OPENIPMI_ERR_TIMEOUT, UNTOUCHED, {}, 5000, 255, true},
-        {"taken by another process", {{TAKEN_BY_OTHERS}}, OPENIPMI_ERR_TIMEOUT, UNTOUCHED, {}, 5000},
-        {"closed", {{PAUSE}, {DEVICE_CLOSED}}, OPENIPMI_ERR_DEVICE, UNTOUCHED, {}, 1000},
+        {"room full", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_OK, {0, 1, 2}, 0, 2},
+        {"one byte too long", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_ERR_BAD_ANSWER, {}, 0, 1},
+        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER, {}, 0, 65535},
+        {"silence", {}, OPENIPMI_ERR_TIMEOUT, {}, 5000},
+        {"late", {{PAUSE}, {PAUSE}, {ARRIVES, {0}}}, OPENIPMI_OK, {0}, 1000},
+        {"interrupted", {{POLL_INTERRUPTED}, {TAKE_INTERRUPTED}, {ARRIVES, {0, 3}}}, OPENIPMI_OK, {0, 3}, 500},
+        {"always interrupted", {{POLL_INTERRUPTED, {}, true}}, OPENIPMI_ERR_TIMEOUT, {}, 5000},
+        {"taken by another process", {{TAKEN_BY_OTHERS}}, OPENIPMI_ERR_TIMEOUT, {}, 5000},
+        {"closed", {{PAUSE}, {DEVICE_CLOSED}}, OPENIPMI_ERR_DEVICE, {}, 1000},
         {"gone", {{DEVICE_GONE}}, OPENIPMI_ERR_DEVICE},
-        {"stale answer before", {{ARRIVES_FOR_PREVIOUS, {0xC3}}, {ARRIVES, {0, 4}}}, OPENIPMI_OK, 0, {4}},
-        {"stale answer alone", {{ARRIVES_FOR_PREVIOUS, {0}}}, OPENIPMI_ERR_TIMEOUT, UNTOUCHED, {}, 5000},
-        {"event", {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0, 5}}}, OPENIPMI_OK, 0, {5}},
+        {"stale answer before", {{ARRIVES_FOR_PREVIOUS, {0xC3}}, {ARRIVES, {0, 4}}}, OPENIPMI_OK, {0, 4}},
+        {"stale answer alone", {{ARRIVES_FOR_PREVIOUS, {0}}}, OPENIPMI_ERR_TIMEOUT, {}, 5000},
+        {"stale answers without end", {{ARRIVES_FOR_PREVIOUS, {0}, true}}, OPENIPMI_ERR_TIMEOUT, {}, 5000},
+        {"event", {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0, 5}}}, OPENIPMI_OK, {0, 5}},
     };
     EXPECT_EQ(Send(0x02), OPENIPMI_ERR_TIMEOUT); // whose answer may come later
     for (const PLAIN& row : rows) {
         SCOPED_TRACE(row.name);
         g_kernel.script = row.script;
-        g_kernel.isEndless = row.isEndless;
         g_kernel.milliseconds = 0;
         EXPECT_EQ(Send(0x11, {0, 8}, row.room, 0x0A), row.status) << OpenIpmiFailure();
-        EXPECT_EQ(m_code, row.code);
-        EXPECT_EQ(row.status == OPENIPMI_OK ? m_answer : BYTES{}, row.data);
+        m_answer.insert(m_answer.begin(), m_code);
+        EXPECT_EQ(row.status == OPENIPMI_OK ? m_answer : BYTES{}, row.answer);
+        EXPECT_EQ(m_code == UNTOUCHED, row.status != OPENIPMI_OK);
         EXPECT_EQ(g_kernel.milliseconds, row.milliseconds);
         EXPECT_EQ(g_kernel.sent.back(),
                   (SENT{IPMI_SYSTEM_INTERFACE_ADDR_TYPE, IPMI_BMC_CHANNEL, 0, 0, 0x0A, 0x11, {0, 8}}));
@@ -100,8 +99,10 @@ TEST_F(Driver, PlainRequests) {
 }
 
 TEST_F(Driver, BridgedRequest) {
+    g_kernel.script = {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0}}};
+    EXPECT_EQ(Send(0x01), OPENIPMI_OK);
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
-    EXPECT_EQ(m_code, 0x80) << "nothing was sent";
+    EXPECT_EQ(m_code, 0x80) << "nothing was bridged";
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0);
     EXPECT_EQ(g_kernel.sent.back(), (SENT{IPMI_IPMB_ADDR_TYPE, 0, 0x30, 0, 0x06, 0x01, {}}));
@@ -118,12 +119,12 @@ TEST_F(Driver, BridgedRequest) {
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80) << "given once";
 
-    // LUN 1 and two data bytes, on channel 6, which is to be tracked.
-    EXPECT_EQ(SendMessage({0x46, 0x2C, 0x29, 0xAB, 0x20, 0xFE, 0x42, 0x03, 0x04, 0x99}), OPENIPMI_OK);
+    // From LUN 3 to LUN 1 with two data bytes, on channel 6, which is to be tracked.
+    EXPECT_EQ(SendMessage({0x46, 0x2C, 0x29, 0xAB, 0x20, 0xFF, 0x42, 0x03, 0x04, 0x98}), OPENIPMI_OK);
     EXPECT_EQ(g_kernel.sent.back(), (SENT{IPMI_IPMB_ADDR_TYPE, 6, 0x2C, 1, 0x0A, 0x42, {3, 4}}));
     g_kernel.script = {{ARRIVES, {0xC9}}};
     EXPECT_EQ(GetMessage(8), OPENIPMI_OK);
-    EXPECT_EQ(m_answer, (BYTES{0x06, 0x2E, 0xB2, 0x2C, 0xFD, 0x42, 0xC9, 0xCC}));
+    EXPECT_EQ(m_answer, (BYTES{0x06, 0x2F, 0xB1, 0x2C, 0xFD, 0x42, 0xC9, 0xCC}));
 }
 
 TEST_F(Driver, BridgedFailures) {
@@ -140,7 +141,7 @@ TEST_F(Driver, BridgedFailures) {
         {"given up by the kernel", {{ARRIVES, {0xC3}}}, OPENIPMI_OK, 0, 8},
         {"stale answer", {{ARRIVES_FOR_PREVIOUS, {0, 1}}}, OPENIPMI_OK, 0x80, 0},
         {"no code", {{ARRIVES}}, OPENIPMI_ERR_BAD_ANSWER},
-        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER},
+        {"longer than any message", {{ARRIVES, BYTES(5000)}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, 65536, 65535},
         {"one byte too long", {{ARRIVES, {0, 0x11, 0x22}}}, OPENIPMI_ERR_BAD_ANSWER, UNTOUCHED, 10, 9},
         {"closed", {{DEVICE_CLOSED}}, OPENIPMI_ERR_DEVICE},
         {"gone", {{DEVICE_GONE}}, OPENIPMI_ERR_DEVICE},
@@ -168,6 +169,7 @@ TEST_F(Driver, BridgedFailures) {
     g_kernel.sendError = EINVAL;
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0xCC) << "not an IPMB channel";
+    g_kernel.script = {{ARRIVES, {0}}}; // to the request before
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80);
     g_kernel.sendError = ENODEV;
@@ -194,6 +196,7 @@ TEST_F(Driver, ForkedProcessOpensItsOwn) {
     EXPECT_EQ(g_kernel.opened, 1);
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     g_kernel.process = 2;
+    g_kernel.script = {{ARRIVES, {0}}};
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0x80) << "the parent's request";
     EXPECT_EQ(g_kernel.opened, 2);

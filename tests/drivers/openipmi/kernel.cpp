@@ -46,13 +46,14 @@ int Send(const ipmi_req_settime& request) {
 }
 
 void EndStep() {
-    if (!g_kernel.isEndless || g_kernel.script.size() > 1)
+    if (!g_kernel.script.front().isEndless)
         g_kernel.script.pop_front();
 }
 
 int Take(ipmi_recv& message) {
     const STEP step = g_kernel.script.front();
     EndStep();
+    g_kernel.milliseconds += step.isEndless ? 500 : 0;
     if (step.what == TAKE_INTERRUPTED || step.what == TAKEN_BY_OTHERS)
         return Refuse(step.what == TAKE_INTERRUPTED ? EINTR : EAGAIN);
     if (step.what == DEVICE_GONE)

@@ -27,6 +27,7 @@ enum ARRIVAL {
 struct STEP {
     ARRIVAL what;
     BYTES bytes = {};
+    bool isEndless = false; // half a second each time
 };
 
 struct SENT {
@@ -48,8 +49,7 @@ struct KERNEL {
     int flags = 0; // of the last open
     int opened = 0;
     int sendError = 0;
-    std::deque<STEP> script; // the last step is repeated where isEndless
-    bool isEndless = false;
+    std::deque<STEP> script;
     std::vector<SENT> sent;
     std::vector<long> ids;
     unsigned int patience = 0; // of the last request, all its tries together
