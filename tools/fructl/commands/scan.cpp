@@ -81,7 +81,7 @@ std::string ScanTable(const std::vector<SCANNED>& frus) {
     for (const SCANNED& one : frus)
         rows.push_back(Row(one));
     if (const auto width = TerminalWidth())
-        FitTable(rows, *width, {0, 2, 3, 4, STATUS_COLUMN});
+        FitTable(rows, *width, {0, 1, 2, 3, 4, STATUS_COLUMN});
     for (std::size_t row = 1; row < rows.size(); ++row)
         rows[row][STATUS_COLUMN] =
             Colored(frus[row - 1].IsReadable() ? COLOR::GREEN : COLOR::RED, rows[row][STATUS_COLUMN]);
