@@ -33,8 +33,12 @@ std::wstring Wide(const std::string& text) {
 bool Start() {
     const char* const given = std::getenv("FRUDATA_DATADIR");
     const std::wstring texts = Wide(given ? given : "/usr/share/frudata");
-    return fru->Initialize(nullptr, 0) == FRU_STATUS_SUCCESS &&
-           fru->SetLanguageLocale(fru, (texts + L"/en").c_str(), L"us") == FRU_STATUS_SUCCESS;
+    if (fru->Initialize(nullptr, 0) != FRU_STATUS_SUCCESS)
+        return false;
+    if (fru->SetLanguageLocale(fru, (texts + L"/en").c_str(), L"us") == FRU_STATUS_SUCCESS)
+        return true;
+    std::wprintf(L"no texts below %ls; FRUDATA_DATADIR names the directory that holds enus\n", texts.c_str());
+    return false;
 }
 
 int Fail(const wchar_t* what) {

@@ -2,7 +2,7 @@
 """Prints every field of FRU text files as JSON: inventory.py FILE...
 
 Needs the library of Python's own word size (usually the 64-bit one). FRUDATA_DATADIR names the directory of the
-library's texts where it is not /usr/share/frudata.
+library's texts where it is not /usr/share/frudata. Dates are the library's, one day before the standard's.
 """
 import ctypes
 import json
@@ -28,6 +28,7 @@ SLOTS = {
 }
 AREAS = range(2, 7)  # internal use to multi-record
 CHASSIS = 3
+FIXED_FIELDS = {CHASSIS: 3, 4: 6, 5: 7}  # of chassis, board and product: those behind them are custom fields
 # The library has names for these alone; asking for another's stops the process.
 NAMED_CHASSIS_TYPES = {*range(1, 10), *range(16, 23)}
 REVISION = 0x00020000
@@ -72,7 +73,10 @@ class Fru:
         return self.ask("GetFieldStringValue", c_wchar_p)
 
     def inventory(self, path):
-        """Area names, each with the titles and values of its fields, in the file's order."""
+        """Area names, each with the titles and values of its fields, in the file's order.
+
+        The library counts custom fields from the last one backwards: they are turned round here.
+        """
         self.call("LoadConfigurationFromFile", path, None)
         areas = {}
         for area in AREAS:
@@ -81,7 +85,9 @@ class Fru:
                 fields = areas[self.ask("GetAreaName", c_wchar_p)] = []
             except FruError:
                 continue  # this FRU does not have the area
-            for field in range(self.ask("GetNumberOfFields", c_uint)):
+            count = self.ask("GetNumberOfFields", c_uint)
+            fixed = min(count, FIXED_FIELDS.get(area, count))
+            for field in [*range(fixed), *reversed(range(fixed, count))]:
                 self.call("SelectFieldInteger", field)
                 fields.append({"title": self.ask("GetFieldTitle", c_wchar_p),
                                "value": self.value(is_chassis_type=area == CHASSIS and field == 0)})
@@ -94,7 +100,10 @@ def main():
     fru = Fru()
     fru.call("Initialize", 0, this=False)
     texts = os.environ.get("FRUDATA_DATADIR", "/usr/share/frudata")
-    fru.call("SetLanguageLocale", texts + "/en", "us")
+    try:
+        fru.call("SetLanguageLocale", texts + "/en", "us")
+    except FruError:
+        raise FruError(f"no texts below {texts}; FRUDATA_DATADIR names the directory that holds enus") from None
     print(json.dumps({path: fru.inventory(path) for path in sys.argv[1:]}, indent=2, ensure_ascii=False))
     fru.call("DeInitialize")
 

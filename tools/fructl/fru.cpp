@@ -38,6 +38,27 @@ std::string BareValue(const FIELD& field) {
     return name.empty() ? std::to_string(field.bytes[0]) : std::string(name);
 }
 
+std::string ProductText(const FRU& fru) {
+    std::string text;
+    for (const std::string_view area : {"product", "board"}) {
+        const std::string maker = FirstText(fru, {fmt::format("{}.manufacturer", area)});
+        const std::string name =
+            FirstText(fru, {fmt::format("{}.{}", area, area == "board" ? "product-name" : "name")});
+        text = maker + (maker.empty() || name.empty() ? "" : " ") + name;
+        if (!text.empty())
+            break;
+    }
+    return text;
+}
+
+std::string FirstText(const FRU& fru, std::initializer_list<std::string_view> names) {
+    for (const std::string_view name : names)
+        if (const auto known = FruImage::ParseFieldName(name))
+            if (const FIELD* field = fru.Find(*known); field && !field->text.empty())
+                return field->text;
+    return {};
+}
+
 std::string_view StatusName(const FRU& fru) {
     if (fru.state == STATE::BLANK)
         return "blank";

@@ -6,6 +6,7 @@
 
 #include "tools/fructl/bytes.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,10 @@ std::string_view TypeName(const FIELD& field);
 /// The value as `set` takes it back: a chassis type by its name alone, or by its number where it has none.
 std::string BareValue(const FIELD& field);
 
+/// What a FRU is, in a few words: manufacturer and name of its product, or of its board; empty where it does not tell.
+std::string ProductText(const FRU& fru);
+/// The text of the first of these fields that has one.
+std::string FirstText(const FRU& fru, std::initializer_list<std::string_view> names);
 /// "ok", "blank" or "damaged".
 std::string_view StatusName(const FRU& fru);
 /// Every damage, or that the FRU is blank, in one line; empty where it is sound.

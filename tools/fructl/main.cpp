@@ -23,6 +23,7 @@ constexpr const char* EXAMPLES =
     "  fructl show board.fru                           every area and field of a file\n"
     "  fructl get board.fru board.serial-number        one bare value, for scripts\n"
     "  fructl set board.fru product.asset-tag=12345    change a file\n"
+    "  fructl edit board.fru                           the same in your editor\n"
     "  fructl commit --system product.asset-tag=12345  change the BMC's own FRU\n"
     "  fructl scan --load                              all FRU devices of this server\n"
     "\n"
@@ -35,10 +36,10 @@ constexpr const char* EXAMPLES =
 /// Adds the command `name`, or all where it is none: help and errors tell of all.
 void AddCommands(CLI::App& app, std::string_view name) {
     static constexpr std::pair<std::string_view, void (*)(CLI::App&)> COMMANDS[] = {
-        {"show", AddShow},     {"get", AddGet},  {"set", AddSet},       {"fields", AddFields},   {"save", AddSave},
-        {"commit", AddCommit}, {"new", AddNew},  {"repair", AddRepair}, {"restore", AddRestore}, {"apply", AddApply},
-        {"diff", AddDiff},     {"map", AddMap},  {"dump", AddDump},     {"load", AddLoad},       {"scan", AddScan},
-        {"probe", AddProbe},   {"info", AddInfo}};
+        {"show", AddShow},   {"get", AddGet},       {"set", AddSet},  {"edit", AddEdit},     {"fields", AddFields},
+        {"save", AddSave},   {"commit", AddCommit}, {"new", AddNew},  {"repair", AddRepair}, {"restore", AddRestore},
+        {"apply", AddApply}, {"diff", AddDiff},     {"map", AddMap},  {"dump", AddDump},     {"load", AddLoad},
+        {"scan", AddScan},   {"probe", AddProbe},   {"info", AddInfo}};
     const bool isKnown =
         std::any_of(std::begin(COMMANDS), std::end(COMMANDS), [&](const auto& row) { return row.first == name; });
     for (const auto& [known, add] : COMMANDS)

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace Fructl {
@@ -69,9 +68,7 @@ std::string Indented(const std::string& text) {
 /// Columns for a line: those of the terminal, where there is one.
 std::size_t LineWidth() {
     constexpr std::size_t USUAL = 100;
-    winsize size{};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
-    return isKnown ? size.ws_col : USUAL;
+    return TerminalWidth().value_or(USUAL);
 }
 
 /// `text` on lines of at most `width` columns, broken at blanks; further lines begin with `indent` blanks.

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace Fructl {
@@ -97,13 +98,60 @@ void Note(const std::string& text) {
         fmt::print(stderr, "fructl: {}{}", text, text.ends_with('\n') ? "" : "\n");
 }
 
-std::string Table(const std::vector<std::vector<std::string>>& rows) {
+namespace {
+
+std::vector<std::size_t> Widths(const std::vector<std::vector<std::string>>& rows) {
     std::vector<std::size_t> widths;
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t column = 0; column < row.size(); ++column)
             widths[column] = std::max(widths[column], Width(row[column]));
     }
+    return widths;
+}
+
+/// `text` without colours, cut to `width` columns, the last of which says so.
+std::string Shortened(const std::string& text, std::size_t width) {
+    if (Width(text) <= width)
+        return text;
+    std::string cut;
+    for (std::size_t at = 0; at < text.size() && Width(cut) < width; ++at)
+        cut += text[at];
+    // The last character may be a part of one, and gives its place to the sign.
+    while (!cut.empty() && (static_cast<UINT8>(cut.back()) & 0xC0) == 0x80)
+        cut.pop_back();
+    cut.pop_back();
+    return cut + "\u2026";
+}
+
+} // namespace
+
+void FitTable(std::vector<std::vector<std::string>>& rows, std::size_t width, const std::vector<std::size_t>& columns) {
+    constexpr std::size_t LEAST = 8;
+    std::vector<std::size_t> widths = Widths(rows);
+    std::size_t sum = 2 * widths.size();
+    for (const std::size_t one : widths)
+        sum += one;
+    const auto longest = [&] {
+        return *std::max_element(columns.begin(), columns.end(),
+                                 [&](std::size_t a, std::size_t b) { return widths[a] < widths[b]; });
+    };
+    for (; sum > width && widths[longest()] > LEAST; --sum)
+        --widths[longest()];
+    for (auto& row : rows)
+        for (const std::size_t column : columns)
+            if (column < row.size())
+                row[column] = Shortened(row[column], widths[column]);
+}
+
+std::optional<std::size_t> TerminalWidth() {
+    winsize size{};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return isKnown ? std::optional<std::size_t>(size.ws_col) : std::nullopt;
+}
+
+std::string Table(const std::vector<std::vector<std::string>>& rows) {
+    const std::vector<std::size_t> widths = Widths(rows);
     std::string text;
     for (const auto& row : rows) {
         std::string line;

@@ -3,6 +3,7 @@
 
 #include "tools/fructl/child.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,10 @@ std::string Padded(std::string_view text, std::size_t width);
 void Note(const std::string& text);
 /// Rows with aligned columns, two blanks between them and in front.
 std::string Table(const std::vector<std::vector<std::string>>& rows);
+/// Shortens texts of the `columns`, the longest first, until a table of `rows` has lines of at most `width`.
+void FitTable(std::vector<std::vector<std::string>>& rows, std::size_t width, const std::vector<std::size_t>& columns);
+/// Columns of the terminal; nothing where standard output is none.
+std::optional<std::size_t> TerminalWidth();
 
 /// Shows the steps of a long work on standard error: a bar on a terminal, a line for each new step
 /// otherwise, nothing with --quiet. One that has drawn a bar ends its line when it goes.

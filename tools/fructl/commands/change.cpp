@@ -23,48 +23,77 @@ void CheckOptions(const SOURCE& source, const CHANGE_OPTIONS& options) {
                          "--commit writes it, -o FILE writes the changed FRU to a file");
     if (toFile && options.commit)
         throw CToolError(EXIT_USAGE, "--commit", "writes a device, and here a file is to be written");
+    if (toFile && options.write.noBackup)
+        throw CToolError(EXIT_USAGE, "--no-backup", "is for devices: of a file, only --backup keeps one");
+    if (!toFile && options.binary)
+        throw CToolError(EXIT_USAGE, "--binary", "is for files: a device always has a binary image");
     if (!options.output.empty() && !options.write.backup.empty())
         throw CToolError(EXIT_USAGE, "--backup", "with -o the source stays as it is");
+    if (source.label == STANDARD_STREAM && !options.write.backup.empty())
+        throw CToolError(EXIT_USAGE, "--backup", "standard input stays as it is");
+}
+
+/// Whether there is somebody to ask, and need to.
+bool IsAsked(const WRITE_OPTIONS& options) {
+    return !options.yes && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
+}
+
+/// A file's new contents, as the options say what becomes of them.
+struct FILE_CHANGE {
+    const CONTENTS& contents;
+    const PLAN& plan;
+    const FRU after;
+    const std::string difference;
+    const std::string& output;
+};
+
+void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
+    const SOURCE& source = change.contents.source;
+    if (options.asks && !change.plan.IsEmpty() && IsAsked(options.write)) {
+        Note(fmt::format("{}:\n{}", source.label, change.difference));
+        Confirm("write " + change.output, options.write);
+    }
+    if (!options.write.backup.empty())
+        KeepBackup(source, change.contents.bytes, options.write.backup);
+    SaveFru(change.contents, change.after, {change.output, {}, options.binary || source.kind == SOURCE::IMAGE});
+    if (source.kind == SOURCE::IMAGE && change.plan.bytes.size() > change.contents.bytes.size())
+        Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
+                         Counted(change.contents.bytes.size(), "byte"), change.plan.bytes.size()));
+    Note(fmt::format("changed {}\n{}", change.output, change.difference));
 }
 
 void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
     const CONTENTS contents = Open(source, READING::WHOLE);
     const PLAN plan = planner(contents);
     const FRU after = FruImage::Parse(plan.bytes);
+    const FILE_CHANGE change{contents, plan, after, DescribePlan(plan, contents.fru, after),
+                             options.output.empty() ? source.label : options.output};
     NoteDamage(source.label, after);
-    const std::string& output = options.output.empty() ? source.label : options.output;
-    const bool changesNothing = plan.IsEmpty();
-    const std::string difference = DescribePlan(plan, contents.fru, after);
-    if (changesNothing)
+    if (plan.IsEmpty())
         Note("nothing to change: every field has its value already");
-    const bool writes = !options.write.dryRun && !(changesNothing && options.output.empty());
-    if (Settings().json && output != STANDARD_STREAM)
+    const bool writes = !options.write.dryRun && !(plan.IsEmpty() && options.output.empty());
+    if (writes)
+        WriteChange(change, options);
+    else if (options.write.dryRun && !Settings().json)
+        PrintText(fmt::format("{}:\n{}Nothing was written.\n", source.label, change.difference));
+    if (Settings().json && change.output != STANDARD_STREAM)
         PrintJson({{"source", JsonSource(source)},
                    {"changes", JsonChanges(contents.fru, after)},
                    {"moves", JsonMoves(plan)},
-                   {"output", output},
+                   {"output", change.output},
                    {"written", writes}});
-    else if (options.write.dryRun)
-        PrintText(fmt::format("{}:\n{}Nothing was written.\n", source.label, difference));
-    if (!writes)
-        return;
-    if (!options.write.backup.empty())
-        KeepBackup(source, contents.bytes, options.write.backup);
-    SaveFru(contents, after, {output, {}, options.binary || source.kind == SOURCE::IMAGE});
-    if (source.kind == SOURCE::IMAGE && plan.bytes.size() > contents.bytes.size())
-        Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
-                         Counted(contents.bytes.size(), "byte"), plan.bytes.size()));
-    Note(fmt::format("changed {}\n{}", output, difference));
 }
 
 } // namespace
 
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options) {
-    command.add_option("--backup", options.backup, "Name of the backup image, or a directory for it")
-        ->type_name("FILE");
-    command.add_flag("--no-backup", options.noBackup, "Keep no backup of a device");
+    CLI::Option* backup = command
+                              .add_option("--backup", options.backup,
+                                          "Name of the backup, or a directory for it; a device has one always")
+                              ->type_name("FILE");
+    command.add_flag("--no-backup", options.noBackup, "Keep no backup of a device")->excludes(backup);
     command.add_flag("--dry-run", options.dryRun, "Show the difference, write nothing");
-    command.add_flag("--yes", options.yes, "Do not ask before a device is written");
+    command.add_flag("--yes", options.yes, "Do not ask before anything is written");
 }
 
 void AddChangeOptions(CLI::App& command, CHANGE_OPTIONS& options) {
@@ -73,24 +102,41 @@ void AddChangeOptions(CLI::App& command, CHANGE_OPTIONS& options) {
     AddWriteOptions(command, options.write);
 }
 
-void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options) {
-    command.add_option("--remove", options.remove, "Custom field, or area, to remove")
-        ->allow_extra_args(false)
-        ->type_name("NAME");
+void AddLayoutOptions(CLI::App& command, EDIT_OPTIONS& options) {
     command.add_option("--size", options.limits.deviceSize, "Bytes of the device, for areas that grow")
         ->type_name("BYTES");
     command.add_option("--spare", options.limits.spare, "Free bytes in each new area")->type_name("BYTES");
     command.add_flag("--resize-internal", options.resizeInternal, "Let the internal use area have another length");
 }
 
-void Confirm(const std::string& question, const WRITE_OPTIONS& options) {
-    if (options.yes || isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0)
+void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options) {
+    command.add_option("--remove", options.remove, "Custom field, or area, to remove")
+        ->allow_extra_args(false)
+        ->type_name("NAME");
+    AddLayoutOptions(command, options);
+}
+
+void Confirm(const std::string& question, const WRITE_OPTIONS& options, const std::string& odd) {
+    std::fflush(stdout);
+    if (options.yes)
         return;
-    fmt::print(stderr, "{}? [y/N] ", question);
+    if (!IsAsked(options)) {
+        if (!odd.empty() && !Settings().force)
+            throw CToolError(EXIT_REFUSED, question, odd, "without a terminal to ask, --yes insists on it");
+        return;
+    }
+    fmt::print(stderr, "{}{}{}? [y/N] ", odd, odd.empty() ? "" : "\n", question);
     std::string answer;
     std::getline(std::cin, answer);
     if (answer != "y" && answer != "yes")
-        throw CToolError(EXIT_REFUSED, "answer", "nothing was written");
+        throw CToolError(EXIT_REFUSED, question, "the answer is no: nothing was written");
+}
+
+std::string Oddity(const CONTENTS& present) {
+    if (present.fru.IsSound())
+        return {};
+    const std::string problem = present.failure.empty() ? ProblemText(present.fru) : present.failure;
+    return "what is there now does not tell what it is: " + problem;
 }
 
 void Change(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options) {

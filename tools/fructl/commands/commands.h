@@ -23,6 +23,7 @@ namespace Fructl {
 void AddShow(CLI::App& app);
 void AddGet(CLI::App& app);
 void AddSet(CLI::App& app);
+void AddEdit(CLI::App& app);
 void AddFields(CLI::App& app);
 void AddSave(CLI::App& app);
 void AddNew(CLI::App& app);
@@ -50,6 +51,11 @@ class CSources {
     SOURCE TakeOne(bool optional = false) { return Take(1, optional)[0]; }
     /// The same where no words may remain.
     std::vector<SOURCE> TakeAll(std::size_t count, bool optional = false);
+    /// All devices that are named, and the words in front of the first that `isOther` knows; without a device, the
+    /// first word in any case. The remaining words stay for Words(). @throws CToolError where there is none
+    std::vector<SOURCE> TakeWhile(const std::function<bool(const std::string&)>& isOther);
+    /// Whether the command line names any.
+    bool IsEmpty() const { return !m_system && m_at.empty() && m_words.empty(); }
     /// The one device. @throws CToolError for a file
     SOURCE TakeDevice();
     const std::vector<std::string>& Words() const { return m_words; }
@@ -69,21 +75,29 @@ struct WRITE_OPTIONS {
     bool noBackup = false;
     bool dryRun = false;
     bool yes = false;
+    bool mends = false; ///< contents that are damaged are what it is for
 };
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options);
-/// Asks on a terminal, unless `options` answer. @throws CToolError where the answer is no
-void Confirm(const std::string& question, const WRITE_OPTIONS& options);
+/// Asks on a terminal, unless `options` answer. Without one, nothing is asked; then `odd`, something that a person
+/// should know of before anything is written, must be answered by --yes or --force. @throws CToolError where the
+/// answer is no, or missing
+void Confirm(const std::string& question, const WRITE_OPTIONS& options, const std::string& odd = {});
+/// What is odd about contents that something is to be written over: nothing in them tells what the device is.
+std::string Oddity(const CONTENTS& present);
 
 /// Options of what changes a file, or a device.
 struct CHANGE_OPTIONS {
     std::string output; ///< empty: the source itself
     bool binary = false;
     bool commit = false;
+    bool asks = false; ///< before a file is written, too
     WRITE_OPTIONS write;
 };
 void AddChangeOptions(CLI::App& command, CHANGE_OPTIONS& options);
 
-/// Options of what takes AREA.FIELD=VALUE.
+/// Options of what may let areas grow.
+void AddLayoutOptions(CLI::App& command, EDIT_OPTIONS& options);
+/// The same of what takes AREA.FIELD=VALUE.
 void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options);
 
 /// What is to be written of what a source holds. @throws CToolError where it is refused
@@ -97,11 +111,12 @@ std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string&
 /// What brings the contents of a device back of which `backup` is a copy, for a person to type.
 std::string RestoreHint(const std::string& backup, const CONTENTS& before);
 
-/// Writes bytes to a device from its start on, except where `known` says that they are there already.
-void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known);
-/// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`, with what `before`,
-/// its contents until then as far as they are known, tells about the reason
-void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before);
+/// Writes a device to the end, whatever the terminal says, reads it back and compares it with `expected`.
+/// @param before its contents until then, as far as they are known
+/// @param backup the file that holds them; empty: none
+/// @throws CToolError EXIT_UNVERIFIED where it holds something else
+void WriteVerified(const CONTENTS& before, BYTE_VIEW expected, const std::string& backup,
+                   const std::function<void(const PROGRESS&)>& write);
 
 /// The areas of FIELD words that are damaged, or not to be found behind a damaged header: a note of what is wrong with
 /// the FRU and, where one of `areas` is concerned, the failure to end with.

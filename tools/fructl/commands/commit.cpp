@@ -28,7 +28,7 @@ std::string BackupStem(const SOURCE& device) {
     const std::time_t now = std::time(nullptr);
     char stamp[32] = "";
     std::strftime(stamp, sizeof stamp, "%Y%m%dT%H%M%SZ", std::gmtime(&now));
-    return fmt::format("fru-backup-{}-{}.bin", stem, stamp);
+    return fmt::format("fru-backup-{}-{}.{}", stem, stamp, device.kind == SOURCE::TEXT ? "fru" : "bin");
 }
 
 /// One that is not taken: an older backup must survive.
@@ -102,8 +102,9 @@ void Write(const SOURCE& device, const std::function<void(const PROGRESS&)>& wor
     }
 }
 
-void WritePlan(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library) {
-    Write(contents.source, [&](const PROGRESS& sink) {
+void WritePlan(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library,
+               const std::string& backup) {
+    WriteVerified(contents, plan.bytes, backup, [&](const PROGRESS& sink) {
         if (library)
             CommitDevice(contents, *library, sink);
         else
@@ -116,37 +117,8 @@ CONTENTS OpenWhole(const SOURCE& device) {
     return Open(device, READING::WHOLE, bar.Sink());
 }
 
-/// Writes what was agreed upon, keeps the old contents, reads back.
-void WriteVerified(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library,
-                   const std::string& backup) {
-    try {
-        WritePlan(contents, plan, library);
-        CompareWritten(contents.source, plan.bytes, contents.bytes);
-    } catch (CToolError& error) {
-        if (!backup.empty())
-            error.m_hint += (error.m_hint.empty() ? "" : "\n  ") + RestoreHint(backup, contents);
-        throw;
-    }
-}
-
-} // namespace
-
-std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given) {
-    const std::string name = BackupName(source, given);
-    WriteFile(name, bytes);
-    Note("the old contents are kept in " + name);
-    return name;
-}
-
-std::string RestoreHint(const std::string& backup, const CONTENTS& before) {
-    return fmt::format("to bring the old contents back: fructl restore {} --to {}{}", Quoted(backup),
-                       DeviceArgument(before.source), before.fru.IsSound() ? "" : " --force");
-}
-
-void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known) {
-    Write(device, [&](const PROGRESS& sink) { WriteDevice(device, bytes, known, sink); });
-}
-
+/// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`, with what `before`,
+/// its contents until then as far as they are known, tells about the reason
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) {
     const BYTES after = ReadDevice(device, READING::AREAS, expected.size()).bytes;
     std::optional<std::size_t> first;
@@ -166,6 +138,33 @@ void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) 
                                  expected[*first]),
                      dropped ? "the device dropped the write: is it write-protected?"
                              : "neither the old nor the new bytes are there: someone else wrote meanwhile");
+}
+
+} // namespace
+
+std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given) {
+    const std::string name = BackupName(source, given);
+    WriteFile(name, bytes);
+    Note("the old contents are kept in " + name);
+    return name;
+}
+
+std::string RestoreHint(const std::string& backup, const CONTENTS& before) {
+    return fmt::format("to bring the old contents back: fructl restore {} --to {}{}", Quoted(backup),
+                       DeviceArgument(before.source), before.fru.IsSound() ? "" : " --force");
+}
+
+void WriteVerified(const CONTENTS& before, BYTE_VIEW expected, const std::string& backup,
+                   const std::function<void(const PROGRESS&)>& write) {
+    const CFinish untilVerified;
+    try {
+        Write(before.source, write);
+        CompareWritten(before.source, expected, before.bytes);
+    } catch (CToolError& error) {
+        if (!backup.empty())
+            error.m_hint += (error.m_hint.empty() ? "" : "\n  ") + RestoreHint(backup, before);
+        throw;
+    }
 }
 
 void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& options) {
@@ -196,13 +195,12 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
                               library ? "" : StepsText(plan)));
     if (options.dryRun)
         return finish("Nothing was written.\n");
-    std::fflush(stdout);
-    Confirm("write " + device.label, options);
+    Confirm("write " + device.label, options, options.mends ? "" : Oddity(contents));
     const std::string backup = options.noBackup ? "" : KeepBackup(device, contents.bytes, options.backup);
     if (!backup.empty())
         report["backup"] = backup;
     const CFinish untilSaid;
-    WriteVerified(contents, plan, library, backup);
+    WritePlan(contents, plan, library, backup);
     report["written"] = true;
     finish(Colored(COLOR::GREEN, "Written and verified.") + "\n");
 }

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace Fructl {
 
 CSources::CSources(CLI::App& command, const std::string& positional, const std::string& description)
@@ -47,6 +49,14 @@ std::vector<SOURCE> CSources::TakeAll(std::size_t count, bool optional) {
     if (!m_words.empty())
         throw CToolError(EXIT_USAGE, m_words.front(), "one argument too many");
     return sources;
+}
+
+std::vector<SOURCE> CSources::TakeWhile(const std::function<bool(const std::string&)>& isOther) {
+    const std::size_t devices = m_at.size() + (m_system ? 1 : 0);
+    std::size_t files = 0;
+    while (files < m_words.size() && ((files == 0 && devices == 0) || !isOther(m_words[files])))
+        ++files;
+    return Take(std::max<std::size_t>(devices + files, 1));
 }
 
 SOURCE CSources::TakeDevice() {

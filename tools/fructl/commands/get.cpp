@@ -4,56 +4,115 @@
 #include "tools/fructl/fieldname.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include <fnmatch.h>
 
 namespace Fructl {
 
 namespace {
 
-void Get(CSources& sources, bool raw) {
-    const SOURCE source = sources.TakeOne();
-    std::vector<std::string> names;
+struct GET_OPTIONS {
+    bool raw = false;
+    bool withNames = false;
+};
+
+bool IsPattern(const std::string& word) {
+    return word.find_first_of("*?[") != std::string::npos;
+}
+
+/// Whether the word names fields; one that begins as a name does is none of a file that is not there.
+bool IsFieldWord(const std::string& word) {
+    if (IsPattern(word) || FruImage::ParseFieldName(word) || ParseRecordName(word))
+        return true;
+    const bool beginsAsName = FruImage::AreaFromName(word.substr(0, word.find('.'))).has_value();
+    std::error_code ignored;
+    return beginsAsName && !std::filesystem::exists(word, ignored);
+}
+
+std::vector<AREA_ID> AreasOf(const std::vector<std::string>& words) {
     std::vector<AREA_ID> areas;
-    for (const std::string& word : sources.Words()) {
+    for (const std::string& word : words)
+        if (!IsPattern(word))
+            areas.push_back(ParseRecordName(word) ? AREA_ID::MULTIRECORD : NamedField(word).area);
+    return areas;
+}
+
+/// What a word asks for, in the order of the FRU. @throws CToolError for nothing
+std::vector<ENTRY> Wanted(const CONTENTS& contents, const std::string& word) {
+    std::vector<ENTRY> wanted;
+    if (IsPattern(word)) {
+        for (ENTRY& entry : Entries(contents.fru))
+            if (fnmatch(word.c_str(), entry.name.c_str(), 0) == 0)
+                wanted.push_back(std::move(entry));
+    } else {
         const auto record = ParseRecordName(word);
-        names.push_back(record ? RecordNameText(record->index, record->key) : word);
-        areas.push_back(record ? AREA_ID::MULTIRECORD : NamedField(word).area);
+        if (auto entry = FindEntry(contents.fru, record ? RecordNameText(record->index, record->key) : word))
+            wanted.push_back(std::move(*entry));
+        else
+            RequireAreas(contents, AreasOf({word}));
     }
-    if (names.empty())
-        throw CToolError(EXIT_USAGE, "get", "a field is missing",
-                         "for example: fructl get board.fru board.serial-number");
-    const CONTENTS contents = Open(source);
+    if (wanted.empty())
+        throw CToolError(EXIT_REFUSED, word, fmt::format("{} has no such field", contents.source.label),
+                         "'fructl show' lists the fields that it has");
+    return wanted;
+}
+
+/// One source: its values, a line each behind `prefix`, and as JSON.
+nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& words, const GET_OPTIONS& options,
+                      const std::string& prefix) {
     nlohmann::json values = nlohmann::json::object();
     std::string text;
-    for (std::size_t index = 0; index < names.size(); ++index) {
-        const auto entry = FindEntry(contents.fru, names[index]);
-        if (!entry)
-            RequireAreas(contents, {areas[index]});
-        if (!entry)
-            throw CToolError(EXIT_REFUSED, names[index], fmt::format("{} has no such field", source.label),
-                             "'fructl show' lists the fields that it has");
-        text += (raw ? Hex(entry->raw) : entry->bare) + "\n";
-        values[entry->name] = {{"value", entry->bare}, {"type", entry->type}, {"raw", Hex(entry->raw)}};
+    for (const std::string& word : words) {
+        for (const ENTRY& entry : Wanted(contents, word)) {
+            const std::string name = options.withNames ? entry.name + "=" : std::string();
+            text += prefix + name + (options.raw ? Hex(entry.raw) : entry.bare) + "\n";
+            values[entry.name] = {{"value", entry.bare}, {"type", entry.type}, {"raw", Hex(entry.raw)}};
+        }
+    }
+    if (!Settings().json)
+        PrintText(text);
+    return {{"source", JsonSource(contents.source)}, {"values", std::move(values)}};
+}
+
+void Get(CSources& arguments, const GET_OPTIONS& options) {
+    const std::vector<SOURCE> sources = arguments.TakeWhile(IsFieldWord);
+    const std::vector<std::string>& words = arguments.Words();
+    if (words.empty())
+        throw CToolError(EXIT_USAGE, "get", "a field is missing",
+                         "for example: fructl get board.fru board.serial-number");
+    const std::vector<AREA_ID> areas = AreasOf(words);
+    const bool isOne = sources.size() == 1;
+    nlohmann::json all = nlohmann::json::array();
+    std::vector<CONTENTS> opened;
+    for (const SOURCE& source : sources) {
+        opened.push_back(Open(source));
+        all.push_back(GetOne(opened.back(), words, options, isOne ? "" : source.label + ":"));
     }
     if (Settings().json)
-        PrintJson({{"source", JsonSource(source)}, {"values", std::move(values)}});
-    else
-        PrintText(text);
-    RequireAreas(contents, areas);
+        PrintJson(isOne ? all[0] : nlohmann::json{{"sources", std::move(all)}});
+    for (const CONTENTS& contents : opened)
+        RequireAreas(contents, areas);
 }
 
 } // namespace
 
 void AddGet(CLI::App& app) {
-    CLI::App& command = NewCommand(app, "get", "Print the bare values of fields, one a line",
-                                   "  fructl get board.fru board.serial-number\n"
-                                   "  fructl get --system product.asset-tag chassis.custom1\n"
-                                   "  fructl get image.bin board.mfg-date --json");
-    const auto sources = std::make_shared<CSources>(command, "SOURCE AREA.FIELD...", "File, then names of fields");
-    const auto raw = std::make_shared<bool>(false);
-    command.add_flag("--raw", *raw, "The fields' bytes in hexadecimal");
-    command.callback([sources, raw] { Get(*sources, *raw); });
+    CLI::App& command =
+        NewCommand(app, "get", "Print the bare values of fields, one a line",
+                   "  fructl get board.fru board.serial-number\n"
+                   "  fructl get --system product.asset-tag chassis.custom1\n"
+                   "  fructl get image.bin '*.serial-number' --with-names     as 'fructl set' takes them\n"
+                   "  fructl get *.fru 'board.[ps]*-number'                   each line behind its file's name\n"
+                   "  fructl get image.bin board.mfg-date --json\n"
+                   "In a name, * stands for any characters, ? for one, [abc] for one of these.");
+    const auto sources = std::make_shared<CSources>(command, "SOURCE... AREA.FIELD...", "Files, then names of fields");
+    const auto options = std::make_shared<GET_OPTIONS>();
+    command.add_flag("--raw", options->raw, "The fields' bytes in hexadecimal");
+    command.add_flag("--with-names", options->withNames, "NAME=VALUE");
+    command.callback([sources, options] { Get(*sources, *options); });
 }
 
 } // namespace Fructl

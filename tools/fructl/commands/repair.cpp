@@ -29,6 +29,8 @@ void AddRepair(CLI::App& app) {
                                    "Where two repairs are possible, both are named and nothing is changed.");
     const auto sources = std::make_shared<CSources>(command, "SOURCE", "File to repair");
     const auto options = std::make_shared<CHANGE_OPTIONS>();
+    options->write.mends = true;
+    command.add_flag("--binary", options->binary, "Write a binary image");
     AddChangeOptions(command, *options);
     command.callback([sources, options] { Change(sources->TakeAll(1)[0], RepairPlan, *options); });
 }

@@ -7,6 +7,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
+#include "tools/fructl/report.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -61,17 +62,23 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
     // What an interrupted write leaves tells nothing about the product.
     if (present.fru.IsSound() && IsOtherProduct(present.fru, image) && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
-                         "--dry-run shows what differs, --force writes it nevertheless");
+                         "--force writes it nevertheless");
 }
 
-std::string DifferenceText(const FRU& present, const FRU& image) {
+/// Field by field, and which of the two says it is what.
+std::string DifferenceText(const CONTENTS& present, const std::string& backup, const FRU& image) {
+    const auto product = [](const FRU& fru) {
+        const std::string text = Printable(ProductText(fru));
+        return text.empty() ? std::string("does not tell what it is") : "says it is " + text;
+    };
     std::vector<std::vector<std::string>> rows;
     const auto side = [](const std::optional<ENTRY>& entry) {
         return entry ? "\"" + Printable(entry->value) + "\"" : std::string("(not there)");
     };
-    for (const DIFFERENCE& one : Compare(present, image))
+    for (const DIFFERENCE& one : Compare(present.fru, image))
         rows.push_back({one.Name(), side(one.left) + " -> " + side(one.right)});
-    return rows.empty() ? "  every field has its value already\n" : Table(rows);
+    return fmt::format("{} {}\n{} {}\n{}", present.source.label, product(present.fru), backup, product(image),
+                       rows.empty() ? "  every field has its value already\n" : Table(rows));
 }
 
 FRU ReadBackup(const std::string& backup) {
@@ -80,6 +87,14 @@ FRU ReadBackup(const std::string& backup) {
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
     return FruImage::Parse(bytes);
+}
+
+/// Writes the image over what is there. @return the backup of that; empty: none
+std::string WriteOver(const CONTENTS& present, const BYTES& image, const WRITE_OPTIONS& options) {
+    const bool isKept = !options.noBackup && !present.bytes.empty();
+    std::string backup = isKept ? KeepBackup(present.source, present.bytes, options.backup) : "";
+    WriteVerified(present, image, backup, [&](const PROGRESS& sink) { WriteDevice(present.source, image, {}, sink); });
+    return backup;
 }
 
 void Print(const nlohmann::json& report, const std::string& text) {
@@ -101,17 +116,16 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
                              {"written", false},
                              {"size", image.bytes.size()}};
     if (!Settings().json)
-        PrintText(fmt::format("{}:\n{}", device.label, DifferenceText(present.fru, image)));
+        PrintText(DifferenceText(present, backup, image));
     if (options.dryRun)
-        return Print(report, "Nothing was written.\n");
+        Print(report, "Nothing was written.\n");
     CheckRestore(backup, image, present);
-    std::fflush(stdout);
-    Confirm("write " + device.label, options);
-    if (!options.noBackup && !present.bytes.empty())
-        report["backup"] = KeepBackup(device, present.bytes, options.backup);
+    if (options.dryRun)
+        return;
+    Confirm("write " + device.label, options, Oddity(present));
     const CFinish untilSaid;
-    WriteImage(device, image.bytes, {});
-    CompareWritten(device, image.bytes, present.bytes);
+    if (const std::string kept = WriteOver(present, image.bytes, options); !kept.empty())
+        report["backup"] = kept;
     report["written"] = true;
     Print(report, fmt::format("{} written and verified.\n", Counted(image.bytes.size(), "byte")));
 }
@@ -122,8 +136,10 @@ void AddRestore(CLI::App& app) {
     CLI::App& command = NewCommand(app, "restore", "Write a backup image back to a device, byte for byte",
                                    "  fructl restore backup.bin --to system\n"
                                    "  fructl restore backup.bin --to type=imb,id=1\n"
-                                   "It writes a device too whose present contents are damaged. --force insists on an\n"
-                                   "image that is damaged, or of another product.");
+                                   "  fructl restore backup.bin --to 'PSU 1' --dry-run    what would become of it\n"
+                                   "The difference comes first, then a question; the old contents are kept. An image\n"
+                                   "that is damaged, or of another product, is refused without --force. Without a\n"
+                                   "terminal, --yes is needed where the device's contents are blank or damaged.");
     SetUsage(command, "BACKUP --to DEVICE");
     struct OPTIONS {
         std::string backup;

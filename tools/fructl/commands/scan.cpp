@@ -45,62 +45,112 @@ json JsonOne(const SCANNED& one) {
     return result;
 }
 
-/// What a FRU is, in a few words: manufacturer, name and serial number of its product or board.
-std::string Summary(const FRU& fru) {
-    std::string text;
-    for (const auto& names :
-         {std::vector<const char*>{"product.manufacturer", "product.name", "product.serial-number"},
-          std::vector<const char*>{"board.manufacturer", "board.product-name", "board.serial-number"}}) {
-        for (const char* name : names)
-            if (const FIELD* field = fru.Find(NamedField(name)); field && !field->text.empty())
-                text += (text.empty() ? "" : " ") + field->text;
-        if (!text.empty())
-            return text;
-    }
-    return "(no product or board name)";
+std::string Serial(const FRU& fru) {
+    return FirstText(fru, {"product.serial-number", "board.serial-number", "chassis.serial-number"});
 }
 
+std::string AssetTag(const FRU& fru) {
+    return FirstText(fru, {"product.asset-tag"});
+}
+
+std::string Status(const SCANNED& one) {
+    return one.error.empty() ? std::string(StatusName(one.contents.fru)) : "unreadable";
+}
+
+std::string Problem(const SCANNED& one) {
+    return one.error.empty() ? ProblemText(one.contents.fru) : one.error;
+}
+
+/// Name, address, what it is, serial number, asset tag; the status behind them may be longer than the line.
 std::vector<std::string> Row(const SCANNED& one) {
+    const FRU& fru = one.contents.fru;
     const SOURCE& source = one.contents.source;
-    std::vector<std::string> row = {source.label, AddressText(source.address)};
-    if (one.IsReadable()) {
-        row.push_back(Colored(COLOR::GREEN, "ok"));
-        row.push_back(Summary(one.contents.fru));
-    } else {
-        row.push_back(Colored(COLOR::RED, one.error.empty() ? StatusName(one.contents.fru) : "unreadable"));
-        row.push_back(one.error.empty() ? ProblemText(one.contents.fru) : one.error);
-    }
-    return row;
+    const std::string product = ProductText(fru);
+    return {source.label,
+            AddressText(source.address),
+            product.empty() ? "-" : Printable(product),
+            Serial(fru).empty() ? "-" : Printable(Serial(fru)),
+            AssetTag(fru).empty() ? "-" : Printable(AssetTag(fru)),
+            one.IsReadable() ? "ok" : Status(one) + ": " + Problem(one)};
 }
 
-void ScanAndLoad(const std::vector<SOURCE>& sources) {
+constexpr std::size_t STATUS_COLUMN = 5;
+
+std::string ScanTable(const std::vector<SCANNED>& frus) {
+    std::vector<std::vector<std::string>> rows = {{"NAME", "ADDRESS", "PRODUCT", "SERIAL", "ASSET TAG", "STATUS"}};
+    for (const SCANNED& one : frus)
+        rows.push_back(Row(one));
+    if (const auto width = TerminalWidth())
+        FitTable(rows, *width, {0, 1, 2, 3, 4, STATUS_COLUMN});
+    for (std::size_t row = 1; row < rows.size(); ++row)
+        rows[row][STATUS_COLUMN] =
+            Colored(frus[row - 1].IsReadable() ? COLOR::GREEN : COLOR::RED, rows[row][STATUS_COLUMN]);
+    return Table(rows);
+}
+
+/// RFC 4180: in quotes where it has a comma, a quote or a line end.
+std::string CsvLine(const std::vector<std::string>& cells) {
+    std::string line;
+    for (const std::string& cell : cells) {
+        std::string quoted = "\"";
+        for (const char character : cell)
+            quoted += character == '"' ? std::string("\"\"") : std::string(1, character);
+        const bool isPlain = cell.find_first_of(",\"\r\n") == std::string::npos;
+        line += (line.empty() ? "" : ",") + (isPlain ? cell : quoted + "\"");
+    }
+    return line + "\r\n";
+}
+
+std::string ScanCsv(const std::vector<SCANNED>& frus) {
+    std::string text = CsvLine({"name", "address", "status", "manufacturer", "product", "part-number", "serial-number",
+                                "asset-tag", "problem"});
+    for (const SCANNED& one : frus) {
+        const FRU& fru = one.contents.fru;
+        text += CsvLine({one.contents.source.label, AddressText(one.contents.source.address), Status(one),
+                         FirstText(fru, {"product.manufacturer", "board.manufacturer"}),
+                         FirstText(fru, {"product.name", "board.product-name"}),
+                         FirstText(fru, {"product.part-number", "board.part-number"}), Serial(fru), AssetTag(fru),
+                         Problem(one)});
+    }
+    return text;
+}
+
+void ScanAndLoad(const std::vector<SOURCE>& sources, bool csv) {
+    std::vector<SCANNED> all;
     json frus = json::array();
-    std::vector<std::vector<std::string>> rows;
     std::size_t readable = 0;
     for (const SOURCE& source : sources) {
-        const SCANNED one = LoadOne(source);
-        readable += one.IsReadable() ? 1 : 0;
+        all.push_back(LoadOne(source));
+        readable += all.back().IsReadable() ? 1 : 0;
         if (Settings().json)
-            frus.push_back(JsonOne(one));
-        else
-            rows.push_back(Row(one));
+            frus.push_back(JsonOne(all.back()));
     }
     if (Settings().json)
         PrintJson({{"frus", std::move(frus)}, {"total", sources.size()}, {"readable", readable}});
     else
-        PrintText(Table(rows));
+        PrintText(csv ? ScanCsv(all) : ScanTable(all));
     if (readable != sources.size())
         throw CToolError(EXIT_PARTIAL, "scan",
                          fmt::format("{} of {} FRUs could not be read", sources.size() - readable, sources.size()));
 }
 
-void Scan(bool load) {
+struct SCAN_OPTIONS {
+    bool load = false;
+    bool csv = false;
+    bool last = false;
+};
+
+void Scan(const SCAN_OPTIONS& options) {
+    if (options.csv && (!options.load || Settings().json))
+        throw CToolError(EXIT_USAGE, "--csv", "is a form of --load, beside --json");
+    if (options.last)
+        return PrintText(KeptDeviceNames());
     const std::vector<SOURCE> sources = ScanDevices();
     KeepDeviceNames(sources);
     if (sources.empty())
         Note("the SDR repository names no FRU device (one record of an unknown type hides them all)");
-    if (load)
-        return ScanAndLoad(sources);
+    if (options.load)
+        return ScanAndLoad(sources, options.csv);
     json frus = json::array();
     std::vector<std::vector<std::string>> rows;
     for (const SOURCE& source : sources) {
@@ -187,15 +237,18 @@ void Info() {
 } // namespace
 
 void AddScan(CLI::App& app) {
-    CLI::App& command = NewCommand(app, "scan", "List the FRU devices that the SDR repository names",
-                                   "  fructl scan                  names and addresses, for --at\n"
-                                   "  fructl scan --load           read each one: one line each\n"
-                                   "  fructl scan --load --json    everything, for programs");
-    const auto load = std::make_shared<bool>(false);
-    const auto last = std::make_shared<bool>(false);
-    command.add_flag("--load", *load, "Read each device");
-    command.add_flag("--last", *last, "Only the names that the last scan found: nothing is asked");
-    command.callback([load, last] { *last ? PrintText(KeptDeviceNames()) : Scan(*load); });
+    CLI::App& command =
+        NewCommand(app, "scan", "List the FRU devices that the SDR repository names",
+                   "  fructl scan                  names and addresses, for --at\n"
+                   "  fructl scan --load           read each one: what it is, serial number, asset tag\n"
+                   "  fructl scan --load --csv     the same for a spreadsheet\n"
+                   "  fructl scan --load --json    everything, for programs");
+    const auto options = std::make_shared<SCAN_OPTIONS>();
+    CLI::Option* load = command.add_flag("--load", options->load, "Read each device");
+    command.add_flag("--csv", options->csv, "With --load: comma-separated values with a heading, for spreadsheets");
+    command.add_flag("--last", options->last, "Only the names that the last scan found: nothing is asked")
+        ->excludes(load);
+    command.callback([options] { Scan(*options); });
 }
 
 void AddProbe(CLI::App& app) {
