@@ -57,7 +57,7 @@ std::string PortOwner(UINT16 port) {
     return owner;
 }
 
-std::string PortProblem(UINT16 port, bool insist) {
+std::string PortRefusal(UINT16 port, bool insist) {
     if (iopl(3) != 0)
         return fmt::format("the kernel refuses access to the KCS ports: {}",
                            geteuid() == 0 ? "a container, or a locked kernel?" : "that needs root");
@@ -65,6 +65,10 @@ std::string PortProblem(UINT16 port, bool insist) {
         return fmt::format("the kernel's driver {} owns the KCS ports at {:X}h (its device is /dev/ipmi0, of the "
                            "module ipmi_devintf; --force uses the ports nevertheless)",
                            owner, port);
+    return {};
+}
+
+std::string KcsProblem(UINT16 port) {
     KCSAddress = port;
     return IsKCS() != 0 ? "" : fmt::format("no KCS interface answers at port {:X}h", port);
 }

@@ -2,6 +2,7 @@
 
 #include "tools/fructl/imbseam.h"
 #include "tools/fructl/lanway.h"
+#include "tools/fructl/lock.h"
 #include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace Fructl {
 
@@ -49,9 +51,19 @@ std::string KernelFailure() {
     return OpenIpmiFailure();
 }
 
+std::optional<CPortLock> g_portLock;
+
 std::string OpenPorts() {
     UseImbDriver(nullptr);
-    return PortProblem(KcsPort(), Settings().force);
+    if (const std::string reason = PortRefusal(KcsPort(), Settings().force); !reason.empty())
+        return reason;
+    if (!g_portLock)
+        g_portLock.emplace(KcsPort());
+    return KcsProblem(KcsPort());
+}
+
+void ClosePorts() {
+    g_portLock.reset();
 }
 
 std::string DescribePorts() {
@@ -77,11 +89,11 @@ std::string DescribeLargeSession() {
 
 constexpr WAY WAYS[] = {
     {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, CloseKernel, LOCAL_READ_CHUNK},
-    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, NothingToClose, LOCAL_READ_CHUNK},
+    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, ClosePorts, LOCAL_READ_CHUNK},
     {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, NothingToClose,
      LOCAL_READ_CHUNK},
-    {"session-large", false, OpenSession, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
-     NothingToClose, LOCAL_READ_CHUNK},
+    {"session-large", false, OpenPorts, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
+     ClosePorts, LOCAL_READ_CHUNK},
     {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, CloseLan, LAN_READ_CHUNK}};
 
 int OpenSimulated() {
