@@ -26,9 +26,9 @@ namespace {
 constexpr UINT16 USUAL_PORT = 0x0CA2;
 
 /// Regions that a bus or the firmware has set aside, or that belong to a device by its place ("0000:00:1f.0",
-/// "IPI0001:00"): nobody drives the ports in them.
+/// "IPI0001:00") or by what the firmware's tables say ("IPMI Address 1"): nobody drives the ports in them.
 bool IsReservation(std::string_view name) {
-    static constexpr std::array<std::string_view, 4> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-"};
+    static constexpr std::array<std::string_view, 5> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-", "IPMI Address "};
     return name.find(':') != std::string_view::npos ||
            std::any_of(RESERVATIONS.begin(), RESERVATIONS.end(),
                        [&](std::string_view start) { return name.starts_with(start); });
