@@ -1,7 +1,7 @@
 #include "bench/host.h"
 
+#include "fruimage/imagebuilder.h"
 #include "sim/fronts.h"
-#include "sim/fruimagebuilder.h"
 #include "sim/sdrrecords.h"
 
 #include <cstdio>
@@ -33,8 +33,8 @@ constexpr std::size_t CUSTOM_FIELD = 30;
 constexpr char ASSET_TAG[] = "AT-0123456789";
 
 // Texts that fill an area of `size` bytes, of which `used` are taken, to its last byte.
-std::vector<FruField> Filling(std::size_t used, std::size_t size) {
-    std::vector<FruField> fields;
+std::vector<FruImage::FIELD_DESCRIPTION> Filling(std::size_t used, std::size_t size) {
+    std::vector<FruImage::FIELD_DESCRIPTION> fields;
     while (used + END_AND_CHECKSUM < size) {
         std::size_t length = size - used - END_AND_CHECKSUM - 1;
         if (length > 2 * CUSTOM_FIELD)
@@ -53,24 +53,24 @@ BYTES FruImage(std::size_t size) {
     const bool isSmall = size == FRU_SIZES[0];
     const std::size_t internalUse = size == LARGEST_FRU ? 504 : 248;
     const std::size_t area = size == LARGEST_FRU ? 512 : 256;
-    ChassisArea chassis{.chassisType = 0x11, .partNumber = "CH-2U-0815", .serialNumber = "SN-4711"};
+    FruImage::CHASSIS_VALUES chassis{.chassisType = 0x11, .partNumber = "CH-2U-0815", .serialNumber = "SN-4711"};
     chassis.customFields = Filling(3 + 11 + 8, isSmall ? 32 : area);
-    BoardArea board{.minutes = 0xF1295F,
-                    .manufacturer = "Acme Servers",
-                    .productName = "Twin Socket Board",
-                    .serialNumber = "BSN000123456",
-                    .partNumber = "A12345-678",
-                    .fileId = "board.fru"};
+    FruImage::BOARD_VALUES board{.minutes = 0xF1295F,
+                                 .manufacturer = "Acme Servers",
+                                 .productName = "Twin Socket Board",
+                                 .serialNumber = "BSN000123456",
+                                 .partNumber = "A12345-678",
+                                 .fileId = "board.fru"};
     board.customFields = Filling(6 + 13 + 18 + 13 + 11 + 10, isSmall ? 96 : area);
-    ProductArea product{.manufacturer = "Acme Servers",
-                        .productName = "Rack Server 2U",
-                        .partNumber = "RS2U-12",
-                        .version = "1.02",
-                        .serialNumber = "PSN000123456",
-                        .assetTag = "AT-0000000000",
-                        .fileId = "product.fru"};
+    FruImage::PRODUCT_VALUES product{.manufacturer = "Acme Servers",
+                                     .productName = "Rack Server 2U",
+                                     .partNumber = "RS2U-12",
+                                     .version = "1.02",
+                                     .serialNumber = "PSN000123456",
+                                     .assetTag = "AT-0000000000",
+                                     .fileId = "product.fru"};
     product.customFields = Filling(3 + 13 + 15 + 8 + 5 + 13 + 14 + 12, isSmall ? 120 : area);
-    CFruImageBuilder builder;
+    FruImage::CImageBuilder builder;
     if (!isSmall)
         builder.InternalUse(BYTES(internalUse - 1, 0x5A));
     BYTES image = builder.Chassis(chassis).Board(board).Product(product).Build();
@@ -90,7 +90,7 @@ BYTES InfoArea(const BYTES& image, unsigned int area) {
 
 BYTES MultiRecords() {
     const BYTES image =
-        CFruImageBuilder().MultiRecord(0x00, BYTES(24, 0x11)).MultiRecord(0xC0, BYTES(200, 0x22)).Build();
+        FruImage::CImageBuilder().MultiRecord(0x00, BYTES(24, 0x11)).MultiRecord(0xC0, BYTES(200, 0x22)).Build();
     return BYTES(image.begin() + static_cast<std::ptrdiff_t>(AreaStart(image, 5)), image.end());
 }
 

@@ -87,7 +87,7 @@ EDIT NextEdit(CBytes& input) {
     }
 }
 
-void Check(const FRU& before, const PLAN& plan) {
+void Check(const FRU& before, std::span<const EDIT> edits, const PLAN& plan) {
     BYTES written = before.bytes;
     written.resize(plan.bytes.size());
     for (const STEP& step : plan.steps)
@@ -98,7 +98,9 @@ void Check(const FRU& before, const PLAN& plan) {
     Require(!before.IsSound() || after.IsSound());
     const AREA* internal = before.Find(AREA_ID::INTERNAL_USE);
     const AREA* now = after.Find(AREA_ID::INTERNAL_USE);
-    Require(!internal || !now || internal->damaged || now->offset == internal->offset);
+    const bool removes = std::any_of(edits.begin(), edits.end(),
+                                     [](const EDIT& edit) { return std::holds_alternative<REMOVE_AREA>(edit); });
+    Require(!internal || !now || internal->damaged || removes || now->offset == internal->offset);
 }
 
 } // namespace
@@ -117,8 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const LIMITS limits{(control & EXACT_SIZE) != 0 ? image.size() : 0, static_cast<std::size_t>(control >> 2)};
     for (const EDIT& edit : edits)
         if (const Result<PLAN> plan = Apply(fru, {&edit, 1}, limits))
-            Check(fru, *plan);
+            Check(fru, {&edit, 1}, *plan);
     if (const Result<PLAN> plan = Apply(fru, edits, limits))
-        Check(fru, *plan);
+        Check(fru, edits, *plan);
     return 0;
 }

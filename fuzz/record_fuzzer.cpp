@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace FruImage;
+using namespace FruRecords;
 using BYTES = std::vector<std::uint8_t>;
 
 void Require(bool holds, const std::string& promise, const std::string& key) {

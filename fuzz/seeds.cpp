@@ -45,19 +45,22 @@ BYTES Part(const BYTES& bytes, std::size_t start, std::size_t size) {
 const BYTES EDITS = {0x83, 'a', 'b', 'c', 0, 0x80, 0, 0x41, 0, 0x85, '1', '2', '3', '4', '5', 0, 0x01};
 
 std::vector<BYTES> Images() {
-    return {
-        CFruImageBuilder().Board({.manufacturer = "Mk", .productName = "PN"}, 8).Build(),
-        CFruImageBuilder()
-            .Chassis({.chassisType = 0x11, .partNumber = "CP", .customFields = {"c1", "c22"}}, 16)
-            .Build(),
-        CFruImageBuilder().Product({.manufacturer = "PM", .assetTag = "A1"}, 8).MultiRecord(0xC0, {1, 2, 3}).Build(),
-        CFruImageBuilder()
-            .InternalUse({0xAB, 0x02, 0x81})
-            .Board({.partNumber = {FIELD_TYPE::BCD_PLUS, "\x12\x34"}, .customFields = {"one", "two", "three"}})
-            .MultiRecord(0xC0, {1, 2})
-            .MultiRecord(0xC1, {3, 4})
-            .Build(),
-        SamplePsuFru(1)};
+    return {FruImage::CImageBuilder().Board({.manufacturer = "Mk", .productName = "PN"}, 8).Build(),
+            FruImage::CImageBuilder()
+                .Chassis({.chassisType = 0x11, .partNumber = "CP", .customFields = {"c1", "c22"}}, 16)
+                .Build(),
+            FruImage::CImageBuilder()
+                .Product({.manufacturer = "PM", .assetTag = "A1"}, 8)
+                .MultiRecord(0xC0, {1, 2, 3})
+                .Build(),
+            FruImage::CImageBuilder()
+                .InternalUse({0xAB, 0x02, 0x81})
+                .Board({.partNumber = {FruImage::ENCODING::BCD_PLUS, {0x12, 0x34}},
+                        .customFields = {"one", "two", "three"}})
+                .MultiRecord(0xC0, {1, 2})
+                .MultiRecord(0xC1, {3, 4})
+                .Build(),
+            SamplePsuFru(1)};
 }
 
 void WriteImageSeeds(const BYTES& image) {
@@ -112,8 +115,8 @@ void WriteTableSeeds(UINT8 count) {
 
 /// A record of each form, without a text to set.
 void WriteRecordSeeds() {
-    for (const FruImage::RECORD_DESCRIPTION& form : FruImage::DescribeAllRecords())
-        WriteSeed("record", BYTES{form.firstType, 0, 0} + FruImage::NewRecord(form.firstType));
+    for (const FruImage::RECORD_DESCRIPTION& form : FruRecords::DescribeAllRecords())
+        WriteSeed("record", BYTES{form.firstType, 0, 0} + FruRecords::NewRecord(form.firstType));
     for (UINT8 subType = 1; subType <= 8; ++subType)
         WriteSeed("record", BYTES{0x03, 0, 0, subType} + BYTES(16, 'A'));
     for (const UINT8 id : BYTES{0x16, 0x19, 0x27, 0x2D, 0x30, 0x32})

@@ -44,7 +44,7 @@ std::string Numbered(const char* start, unsigned int number) {
 }
 
 BYTES BackplaneFru() {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .Board({.minutes = BUILD_DATE,
                 .manufacturer = "Northwind",
                 .productName = "Hot-swap Backplane",
@@ -58,7 +58,7 @@ BYTES BackplaneFru() {
 } // namespace
 
 BYTES SampleBmcFru() {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .InternalUse({0x10, 0x20, 0x30, 0x40, 0x50, 0x60, 0x70, 0x80, 0x90, 0xA0, 0xB0})
         .Chassis({.partNumber = "CH-2U-8BAY", .serialNumber = "CHS1234567", .customFields = {"Rack 12", "Slot 30"}},
                  SPARE)
@@ -85,7 +85,7 @@ BYTES SampleBmcFru() {
 }
 
 BYTES SamplePsuFru(unsigned int number) {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .Board({.minutes = BUILD_DATE,
                 .manufacturer = "Volta",
                 .productName = "PSU-800 Board",
@@ -105,7 +105,7 @@ BYTES SamplePsuFru(unsigned int number) {
 }
 
 BYTES SampleRiserFru() {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .Board({.minutes = BUILD_DATE,
                 .manufacturer = "Northwind",
                 .productName = "Riser 1U",

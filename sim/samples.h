@@ -1,7 +1,8 @@
 // Sample servers for tests, the demonstration and benchmarks, written as directories.
 #pragma once
 
-#include "sim/fruimagebuilder.h"
+#include "fruimage/imagebuilder.h"
+#include "sim/damage.h"
 
 #include <filesystem>
 

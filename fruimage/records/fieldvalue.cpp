@@ -4,7 +4,7 @@
 
 #include <charconv>
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -225,4 +225,4 @@ std::string AcceptedValues(const FIELD_ROW& row) {
     }
 }
 
-} // namespace FruImage
+} // namespace FruRecords

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace FruImage {
+namespace FruRecords {
 
 /// The number at a place of at most 32 bits, which must lie within `data`.
 std::uint32_t ReadNumber(PLACE place, BYTE_VIEW data);
@@ -21,4 +21,4 @@ bool WriteField(const FIELD_ROW& row, std::string_view text, BYTE_VECTOR& data);
 /// Which values the field takes: "0 to 4095 W".
 std::string AcceptedValues(const FIELD_ROW& row);
 
-} // namespace FruImage
+} // namespace FruRecords

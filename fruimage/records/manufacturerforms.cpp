@@ -2,7 +2,7 @@
 // (section 18.7). Of the well-known ones, what their standards leave no doubt about.
 #include "fruimage/records/recordform.h"
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -86,4 +86,4 @@ std::span<const RECORD_FORM> ManufacturerForms() {
     return MANUFACTURER_FORMS;
 }
 
-} // namespace FruImage
+} // namespace FruRecords

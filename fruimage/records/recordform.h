@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace FruImage {
+namespace FruRecords {
 
 using BYTE_VIEW = std::span<const std::uint8_t>;
 using BYTE_VECTOR = std::vector<std::uint8_t>;
@@ -105,4 +105,4 @@ std::span<const RECORD_FORM> ManufacturerForms();
 /// Of a type that nothing else describes.
 const RECORD_FORM& UnknownForm();
 
-} // namespace FruImage
+} // namespace FruRecords

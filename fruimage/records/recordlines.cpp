@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -57,4 +57,4 @@ std::vector<RECORD_LINE> MakeLines(std::span<const LINE_ROW> rows, const std::ve
     return lines;
 }
 
-} // namespace FruImage
+} // namespace FruRecords

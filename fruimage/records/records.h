@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-namespace FruImage {
+namespace FruRecords {
 
 /// The length of a record's data is one byte of its header.
 inline constexpr std::size_t RECORD_DATA_LIMIT = 255;
@@ -97,4 +97,4 @@ RECORD_DESCRIPTION DescribeRecord(std::uint8_t type, std::span<const std::uint8_
 /// Every form that is known, by type; within a type the general one is last.
 std::vector<RECORD_DESCRIPTION> DescribeAllRecords();
 
-} // namespace FruImage
+} // namespace FruRecords

@@ -2,7 +2,7 @@
 #include "fruimage/records/fieldvalue.h"
 #include "fruimage/records/recordlines.h"
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -160,4 +160,4 @@ std::vector<RECORD_DESCRIPTION> DescribeAllRecords() {
     return descriptions;
 }
 
-} // namespace FruImage
+} // namespace FruRecords

@@ -1,7 +1,7 @@
 // Record types 00h to 0Dh. Sections are those of the IPMI FRU Information Storage Definition v1.0 rev 1.3.
 #include "fruimage/records/recordform.h"
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -189,4 +189,4 @@ const RECORD_FORM& UnknownForm() {
     return UNKNOWN;
 }
 
-} // namespace FruImage
+} // namespace FruRecords

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-namespace FruImage {
+namespace FruRecords {
 
 namespace {
 
@@ -174,4 +174,4 @@ bool IsSameWord(std::string_view left, std::string_view right) {
     return std::ranges::equal(left, right, {}, lower, lower);
 }
 
-} // namespace FruImage
+} // namespace FruRecords

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace FruImage {
+namespace FruRecords {
 
 /// Pairs of upper-case digits, `separator` between them.
 std::string HexText(BYTE_VIEW bytes, std::string_view separator);
@@ -35,4 +35,4 @@ std::string_view TrimSpaces(std::string_view text);
 /// Regardless of the case of ASCII letters.
 bool IsSameWord(std::string_view left, std::string_view right);
 
-} // namespace FruImage
+} // namespace FruRecords

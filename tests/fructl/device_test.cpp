@@ -1,6 +1,8 @@
 // Devices of a simulated server: committed, verified, restored.
 #include "tests/fructl/support.h"
 
+#include <numeric>
+
 #include <atomic>
 #include <fstream>
 #include <thread>
@@ -44,7 +46,7 @@ TEST_F(CDeviceTest, CommitChangesWhatItSaysAndRestoreBringsItBack) {
         EXPECT_EQ(backup, Part(before, 0, backup.size()));
         // To a device whose contents no longer load.
         BYTES broken = ReadFile(FileOf(one.file));
-        DamageFruImage(broken, FRU_DAMAGE::NOT_FRU);
+        DamageFruImage(broken, FRU_DAMAGE::HEADER_CHECKSUM);
         WriteFile(FileOf(one.file), broken);
         EXPECT_EQ(Fructl("commit" + at + "board.serial-number=NEW-43").status, 4);
         ASSERT_EQ(Fructl(std::string("restore backup.bin --sim server --to ") + one.device).status, 0);
@@ -108,50 +110,79 @@ TEST_F(CDeviceTest, VerificationTellsTheTruth) {
 }
 
 TEST_F(CDeviceTest, APowerCutAtAnyWriteIsRepaired) {
-    const std::string change = " --system --sim server chassis.serial-number=C-1 board.serial-number=B-42 --backup ";
+    const std::string text(60, 'z');
+    const struct {
+        std::string words;
+        const char* shown; ///< in the difference
+    } CHANGES[] = {{"commit board.serial-number=B-42 chassis.serial-number=C-1", "-> \"B-42\""},
+                   {"commit chassis.custom+=" + text, "board area: moves"},
+                   {"commit board.custom+=" + text, "product area: moves"},
+                   {"commit product- board.custom2-", "product area: removed"},
+                   {"set --commit product.name:6-bit=NW-2 product.asset-tag=" + text, "multirecord area: moves"}};
     const BYTES before = ReadFile("server/bmc.bin");
-    std::map<int, int> reloads;
-    int status = 3;
-    for (int cut = 0; status != 0; ++cut) {
-        SCOPED_TRACE(cut);
-        ASSERT_LT(cut, 100);
-        const std::string backup = "cut" + std::to_string(cut) + ".bin";
-        SetFaults("server", R"([{"cmd":"0x12","action":"cut","value":)" + std::to_string(cut) + "}]");
-        status = Fructl("commit" + change + backup).status;
-        EXPECT_TRUE(status == 0 || status == 3) << status;
-        SetFaults("server", "[]");
-        ++reloads[Fructl("show --sim server").status];
-        ASSERT_EQ(Fructl("restore " + backup + " --to system --sim server").status, 0);
-        EXPECT_EQ(ReadFile("server/bmc.bin"), before);
+    for (const auto& change : CHANGES) {
+        std::map<int, int> reloads;
+        int status = 3;
+        for (int cut = 0; status != 0; ++cut) {
+            SCOPED_TRACE(change.words + " " + std::to_string(cut));
+            ASSERT_LT(cut, 100);
+            std::filesystem::remove("cut.bin");
+            SetFaults("server", R"([{"cmd":"0x12","action":"cut","value":)" + std::to_string(cut) + "}]");
+            const RESULT commit = Fructl(change.words + " --system --sim server --backup cut.bin");
+            status = commit.status;
+            EXPECT_TRUE(status == 0 || status == 3) << commit.errors;
+            EXPECT_THAT(commit.output, HasSubstr(change.shown));
+            SetFaults("server", "[]");
+            ++reloads[Fructl("show --sim server").status];
+            ASSERT_EQ(Fructl("restore cut.bin --to system --sim server --no-backup").status, 0);
+            EXPECT_EQ(ReadFile("server/bmc.bin"), before);
+        }
+        // What a cut leaves is whole or known to be damaged.
+        EXPECT_EQ(reloads[0] + reloads[4], std::accumulate(reloads.begin(), reloads.end(), 0,
+                                                           [](int sum, auto& one) { return sum + one.second; }));
+        EXPECT_GT(reloads[0], 1);
     }
-    // What a cut leaves is whole or known to be damaged.
-    EXPECT_EQ(reloads.size(), 2U);
-    EXPECT_GT(reloads[0], 2);
-    EXPECT_GT(reloads[4], 2);
-    RecordProperty("loadable", reloads[0]);
-    RecordProperty("damaged", reloads[4]);
 }
 
-TEST_F(CDeviceTest, AnotherWriterIsToldFromADeviceThatDropsTheWrite) {
-    const BYTES image = ReadFile("server/bmc.bin");
-    WriteFile("eeprom", image);
-    std::atomic<bool> isDone = false;
-    std::thread other([&isDone] {
-        std::fstream file("eeprom", std::ios::binary | std::ios::in | std::ios::out);
-        for (unsigned int value = 0; !isDone; ++value) {
-            file.seekp(100);
-            file.put(static_cast<char>(value)).flush();
-        }
-    });
-    RESULT restore{};
-    // The other one may happen to leave the byte as it was, or as it should be.
-    for (int attempt = 0; attempt < 10 && restore.errors.find("someone else wrote") == std::string::npos; ++attempt)
-        restore = Fructl("restore server/bmc.bin --to eeprom=eeprom");
-    isDone = true;
-    other.join();
-    EXPECT_EQ(restore.status, 5);
-    EXPECT_THAT(restore.errors, HasSubstr("at 064h"));
-    EXPECT_THAT(restore.errors, HasSubstr("neither the old nor the new bytes are there: someone else wrote"));
+TEST_F(CDeviceTest, RepairsAndRescuesDevices) {
+    const BYTES sound = ReadFile("server/psu.bin");
+    BYTES damaged = sound;
+    DamageFruImage(damaged, FRU_DAMAGE::AREA_CHECKSUM);
+    WriteFile("server/psu.bin", damaged);
+    const std::string at = " --at 'PSU 1' --sim server ";
+    EXPECT_EQ(Fructl("save" + at + "--binary -o copy.bin").status, 0);
+    EXPECT_EQ(ReadFile("copy.bin"), damaged);
+    EXPECT_EQ(Fructl("repair" + at).status, 1) << "only with --commit";
+    ASSERT_EQ(Fructl("repair --commit" + at + "--backup old.bin").status, 0);
+    EXPECT_EQ(ReadFile("old.bin"), damaged);
+    EXPECT_EQ(Fructl("show" + at).status, 0);
+    // One that can be read only in part is kept in part, and blank ones are what they are.
+    SetFaults("server", R"([{"cmd":"0x11","action":"completionCode","value":"0xC3","occurrence":9}])");
+    const RESULT part = Fructl("save" + at + "--binary -o part.bin");
+    EXPECT_EQ(part.status, 3);
+    const BYTES read = ReadFile("part.bin");
+    EXPECT_GT(read.size(), 0U);
+    EXPECT_EQ(read, Part(ReadFile("server/psu.bin"), 0, read.size()));
+    SetFaults("server", "[]");
+    WriteFile("server/psu.bin", BYTES(512, 0xFF));
+    EXPECT_THAT(Fructl("scan --load --sim server").output, HasSubstr("blank"));
+    EXPECT_EQ(Fructl("commit" + at + "board.serial-number=AB123 --no-backup").status, 0);
+    EXPECT_EQ(Fructl("get" + at + "board.serial-number").output, "AB123\n");
+}
+
+TEST_F(CDeviceTest, RestoreShowsWhatItWritesAndKeepsWhatWasThere) {
+    const BYTES old = ReadFile("server/bmc.bin");
+    ASSERT_EQ(Fructl("set server/bmc.bin product.asset-tag=Other -o other.bin").status, 0);
+    const RESULT dry = Fructl("restore other.bin --to system --sim server --dry-run");
+    EXPECT_THAT(dry.output, HasSubstr("product.asset-tag  \"ASSET-0042\" -> \"Other\""));
+    EXPECT_EQ(ReadFile("server/bmc.bin"), old);
+    ASSERT_EQ(Fructl("restore other.bin --to system --sim server --backup kept.bin").status, 0);
+    EXPECT_EQ(ReadFile("kept.bin"), old);
+    EXPECT_EQ(ReadFile("server/bmc.bin"), ReadFile("other.bin"));
+    const RESULT foreign = Fructl("restore server/psu.bin --to system --sim server");
+    EXPECT_EQ(foreign.status, 2);
+    EXPECT_THAT(foreign.errors, HasSubstr("another product"));
+    EXPECT_EQ(ReadFile("server/bmc.bin"), ReadFile("other.bin"));
 }
 
 TEST_F(CDeviceTest, RestoreRefusesWhatIsNoSoundImage) {
@@ -173,7 +204,7 @@ TEST_F(CDeviceTest, RestoreRefusesWhatIsNoSoundImage) {
 TEST_F(CDeviceTest, AreasKeepTheirPlacesWhateverTheirOrder) {
     // Board before chassis, with unknown bytes between and behind them: the library would write them packed.
     const BYTES packed =
-        CFruImageBuilder().Chassis({.serialNumber = "CH-1"}, 8).Board({.serialNumber = "BO-1"}, 8).Build();
+        FruImage::CImageBuilder().Chassis({.serialNumber = "CH-1"}, 8).Board({.serialNumber = "BO-1"}, 8).Build();
     const std::size_t chassis = packed[2] * 8U, board = packed[3] * 8U;
     BYTES image(256, 0xEE);
     std::copy(packed.begin(), packed.begin() + 8, image.begin());

@@ -77,7 +77,9 @@ unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, 
 }
 
 BYTES BoardImage() {
-    return CFruImageBuilder().Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1"}}, 8).Build();
+    return FruImage::CImageBuilder()
+        .Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1"}}, 8)
+        .Build();
 }
 
 } // namespace
@@ -123,7 +125,7 @@ void RunInChildren(const std::string& title, unsigned int count, const std::func
 }
 
 BYTES FullImage() {
-    return CFruImageBuilder()
+    return FruImage::CImageBuilder()
         .InternalUse({0xAB, 0x02, 0x81})
         .Chassis({.chassisType = 0x11, .serialNumber = "CS", .customFields = {"cc"}}, 8)
         .Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1", "c2"}}, 8)

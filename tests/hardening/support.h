@@ -3,8 +3,8 @@
 #pragma once
 
 #include "frudata/frudata.h"
+#include "fruimage/imagebuilder.h"
 #include "sim/fronts.h"
-#include "sim/fruimagebuilder.h"
 #include "sim/sdrrecords.h"
 
 #include <gtest/gtest.h>

@@ -12,7 +12,7 @@ constexpr ADDRESS EEPROM{.type = FRU_TYPE_AT24CO2, .lun = 2, .deviceAddress = 0x
 constexpr ADDRESS THERMOMETER{.type = FRU_TYPE_DS1624S, .lun = 1, .deviceAddress = 0x90, .bus = 5};
 constexpr ADDRESS MBMC{.type = FRU_TYPE_MBMC_FRU, .lun = 1, .deviceAddress = 0xA4, .bus = 3, .deviceId = 6};
 /// The header of a FRU without areas.
-const BYTES HEADER = CFruImageBuilder().Build(64);
+const BYTES HEADER = FruImage::CImageBuilder().Build(64);
 
 class Access : public CSystemTest {
   protected:
@@ -140,7 +140,7 @@ TEST_F(Access, Counts) {
 
 TEST_F(Access, RestsOfReads) {
     // A multi-record of 13 bytes: its size first, then 8 and 5.
-    m_bmc.AddFruDevice(0, CFruImageBuilder().MultiRecord(0xC0, {1, 2, 3, 4, 5, 6, 7, 8}).Build());
+    m_bmc.AddFruDevice(0, FruImage::CImageBuilder().MultiRecord(0xC0, {1, 2, 3, 4, 5, 6, 7, 8}).Build());
     for (const auto& [codes, counts] :
          {std::pair(std::vector<int>{}, std::vector<int>{8, 3, 8, 5}),
           {{OWN_ANSWER, OWN_ANSWER, OWN_ANSWER, 0xC8}, {8, 3, 8, 5, 1, 1, 1, 1, 1}},

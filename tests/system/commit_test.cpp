@@ -102,7 +102,7 @@ TEST_F(Commit, AreasArePackedAndMayBeAbsent) {
     const BYTES riser = SampleRiserFru();
     const BYTES board = InfoArea(riser, BOARD);
     const BYTES moved = With(With(riser, 3, {3}), 24, board);
-    const BYTES bare = CFruImageBuilder().Build(64);
+    const BYTES bare = FruImage::CImageBuilder().Build(64);
     const BYTES empty = With(riser, 1, {1});
     EXPECT_EQ(m_table->SetProgressCallback(m_table, nullptr), 0U);
     for (const auto& [image, written] : {std::pair(moved, With(moved, 8, board)), // the gap before the board closes

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "frudata/frudata.h"
-#include "sim/fruimagebuilder.h"
+#include "fruimage/imagebuilder.h"
 #include "sim/kcsmodel.h"
 #include "sim/samples.h"
 

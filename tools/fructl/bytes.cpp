@@ -5,20 +5,17 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <numeric>
 
 namespace Fructl {
 
-UINT8 ZeroChecksum(BYTE_VIEW bytes) {
-    return static_cast<UINT8>(-std::accumulate(bytes.begin(), bytes.end(), 0));
-}
-
 std::string Hex(BYTE_VIEW bytes, std::string_view separator) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
     std::string text;
     for (const UINT8 byte : bytes) {
         if (!text.empty())
             text += separator;
-        text += fmt::format("{:02X}", byte);
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 0x0F];
     }
     return text;
 }

@@ -1,4 +1,4 @@
-// Runs of bytes and their hexadecimal and checksum forms.
+// Runs of bytes and their hexadecimal forms.
 #pragma once
 
 #include "frudata/types.h"
@@ -14,9 +14,6 @@ namespace Fructl {
 
 using BYTES = std::vector<UINT8>;
 using BYTE_VIEW = std::span<const UINT8>;
-
-/// The byte that makes `bytes` and itself sum to 0 modulo 256.
-UINT8 ZeroChecksum(BYTE_VIEW bytes);
 
 /// Upper-case pairs, `separator` between them.
 std::string Hex(BYTE_VIEW bytes, std::string_view separator = {});

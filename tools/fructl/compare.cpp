@@ -1,9 +1,6 @@
 #include "tools/fructl/compare.h"
 
-#include "tools/fructl/standardnames.h"
-#include "tools/fructl/value.h"
-
-#include <fmt/format.h>
+#include "tools/fructl/recordwords.h"
 
 #include <algorithm>
 
@@ -17,7 +14,36 @@ const ENTRY* Find(const std::vector<ENTRY>& entries, const std::string& name) {
 }
 
 bool IsSame(const ENTRY& left, const ENTRY& right) {
+    // Fields of a record share bytes.
+    if (left.type == "record")
+        return left.value == right.value;
     return left.raw == right.raw && (left.raw.empty() || left.type == right.type);
+}
+
+void AddInfoArea(const AREA& area, std::vector<ENTRY>& entries) {
+    const std::string name(AreaName(area.id));
+    if (area.Row().hasLanguage) {
+        const std::string language(FruImage::LanguageName(area.language));
+        entries.push_back({name + ".language", language, "language", {area.language}, area.id, language});
+    }
+    for (std::size_t position = 0; position < area.fields.size(); ++position) {
+        const FIELD& field = area.fields[position];
+        entries.push_back({FieldNameText(FruImage::FieldAt(area.id, position)), field.text, TypeName(field),
+                           field.bytes, area.id, BareValue(field)});
+    }
+}
+
+ENTRY BytesEntry(AREA_ID area, BYTE_VIEW bytes) {
+    const std::string text = Hex(bytes, " ");
+    return {std::string(AreaName(area)) + ".data", text, "binary", BYTES(bytes.begin(), bytes.end()), area, text};
+}
+
+/// The bytes of the multi-record area say nothing more where fields of its records differ.
+std::vector<DIFFERENCE> WithoutExplained(std::vector<DIFFERENCE> differences) {
+    const auto isRecord = [](const DIFFERENCE& one) { return ParseRecordName(one.Name()).has_value(); };
+    if (std::any_of(differences.begin(), differences.end(), isRecord))
+        std::erase_if(differences, [](const DIFFERENCE& one) { return one.Name() == "multirecord.data"; });
+    return differences;
 }
 
 } // namespace
@@ -25,25 +51,21 @@ bool IsSame(const ENTRY& left, const ENTRY& right) {
 std::vector<ENTRY> Entries(const FRU& fru) {
     std::vector<ENTRY> entries;
     for (const AREA& area : fru.areas) {
-        const std::string name(AreaName(area.id));
-        if (!area.IsInfo())
-            entries.push_back({name + ".data", Hex(area.bytes, " "), "binary", area.bytes});
-        if (area.IsInfo() && area.id != FRU_AREA_CHASSIS)
-            entries.push_back(
-                {name + ".language", std::string(LanguageName(area.language)), "language", {area.language}});
-        for (std::size_t position = 0; position < area.fields.size(); ++position) {
-            const FIELD& field = area.fields[position];
-            entries.push_back({FieldName(area.Row(), position), DecodeValue(field), TypeName(field), field.data});
-        }
+        if (area.IsInfo())
+            AddInfoArea(area, entries);
+        else
+            entries.push_back(BytesEntry(area.id, fru.View(area.Range())));
+        const std::vector<ENTRY> records = RecordEntries(area);
+        entries.insert(entries.end(), records.begin(), records.end());
     }
     return entries;
 }
 
-std::optional<ENTRY> FindEntry(const FRU& fru, const FIELD_NAME& name) {
-    if (name.area == FRU_AREA_COMMON_HEADER)
-        return ENTRY{name.text, Hex(fru.header, " "), "binary", fru.header};
+std::optional<ENTRY> FindEntry(const FRU& fru, const std::string& name) {
+    if (name == "header.data")
+        return BytesEntry(AREA_ID::HEADER, fru.header);
     const std::vector<ENTRY> entries = Entries(fru);
-    const ENTRY* found = Find(entries, name.text);
+    const ENTRY* found = Find(entries, name);
     return found ? std::optional<ENTRY>(*found) : std::nullopt;
 }
 
@@ -61,25 +83,7 @@ std::vector<DIFFERENCE> Compare(const FRU& left, const FRU& right) {
     for (const ENTRY& entry : rightEntries)
         if (!Find(leftEntries, entry.name))
             differences.push_back({std::nullopt, entry});
-    return differences;
-}
-
-FRU Edited(FRU fru, const EDITS& edits) {
-    for (AREA& area : fru.areas) {
-        for (const ASSIGNMENT& one : edits.fields) {
-            const std::size_t first = one.name.part == FIELD_NAME::CUSTOM ? area.Row().fields.size() : 0;
-            if (one.name.area == area.id) {
-                FIELD& field = area.fields[first + one.name.index];
-                field.typeLength = static_cast<UINT8>(FIELD_8_BIT | one.data.size());
-                field.data = one.data;
-            }
-        }
-        if (area.id == FRU_AREA_INTERNAL_USE && edits.internalUse)
-            area.bytes = *edits.internalUse;
-        if (area.id == FRU_AREA_MULTIRECORD && edits.multiRecord)
-            area.bytes = *edits.multiRecord;
-    }
-    return fru;
+    return WithoutExplained(std::move(differences));
 }
 
 } // namespace Fructl

@@ -1,10 +1,11 @@
 // Two FRUs compared, entry by entry.
 #pragma once
 
-#include "tools/fructl/edit.h"
+#include "tools/fructl/fru.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Fructl {
@@ -15,10 +16,13 @@ struct ENTRY {
     std::string value;
     std::string_view type;
     BYTES raw;
+    AREA_ID area = AREA_ID::HEADER;
+    std::string bare = {}; ///< as `set` takes it back
 };
+/// Everything that has a name, in the order of the header's offsets.
 std::vector<ENTRY> Entries(const FRU& fru);
-/// The entry of a name, if the FRU has it.
-std::optional<ENTRY> FindEntry(const FRU& fru, const FIELD_NAME& name);
+/// The entry of a name, if the FRU has it: that of a field, of an area's data, or of a field of a record.
+std::optional<ENTRY> FindEntry(const FRU& fru, const std::string& name);
 
 struct DIFFERENCE {
     std::optional<ENTRY> left;
@@ -27,8 +31,5 @@ struct DIFFERENCE {
     const std::string& Name() const { return left ? left->name : right->name; }
 };
 std::vector<DIFFERENCE> Compare(const FRU& left, const FRU& right);
-
-/// `fru` as it is after `edits`.
-FRU Edited(FRU fru, const EDITS& edits);
 
 } // namespace Fructl

@@ -1,6 +1,5 @@
 #include "tools/fructl/device.h"
 
-#include "tools/fructl/fru.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/toolerror.h"
@@ -29,6 +28,8 @@ constexpr std::size_t DS1624_SIZE = 256;
 constexpr unsigned TIMEOUT = 5000;
 constexpr useconds_t BUSY_PAUSE = 5'000;
 constexpr std::size_t DEVICE_LIMIT = 0x10000;
+/// Where a device does not tell its size, it is taken for the smallest EEPROM that holds what the header names.
+constexpr std::size_t SMALLEST_EEPROM = 256;
 /// An EEPROM page: a write must not cross its end.
 constexpr std::size_t EEPROM_PAGE = 8;
 constexpr std::size_t FRU_DEVICE_CHUNK = 16;
@@ -45,17 +46,8 @@ bool IsTooLong(UINT8 code) {
     return code == 0xC7 || code == 0xC8 || code == 0xCA;
 }
 
-/// Where the multi-record area ends, as far as `image` shows: the end of the last record header known.
-std::size_t RecordsEnd(BYTE_VIEW image, std::size_t offset, bool& known) {
-    known = false;
-    while (offset + RECORD_HEADER_SIZE <= image.size()) {
-        const std::size_t length = image[offset + 2];
-        known = length == 0 || (image[offset + 1] & 0x80) != 0;
-        offset += RECORD_HEADER_SIZE + length;
-        if (known)
-            return offset;
-    }
-    return offset + RECORD_HEADER_SIZE;
+bool IsSoundHeader(BYTE_VIEW header) {
+    return (header[0] & 0x0F) == 1 && FruImage::ZeroChecksum(header) == 0;
 }
 
 } // namespace
@@ -181,46 +173,72 @@ std::size_t CDevice::WriteSome(std::size_t offset, BYTE_VIEW data) {
     }
 }
 
-void CDevice::ReadTo(std::size_t end, BYTES& image, const PROGRESS& progress) {
-    end = std::min(end, Size().value_or(DEVICE_LIMIT));
-    while (image.size() < end) {
-        ReadSome(image.size(), end - image.size(), image);
+void CDevice::ReadRange(const FruImage::RANGE& range, DEVICE_BYTES& device, const PROGRESS& progress) {
+    BYTES bytes;
+    device.read.push_back({range.offset, 0});
+    while (bytes.size() < range.length) {
+        ReadSome(range.offset + bytes.size(), range.length - bytes.size(), bytes);
+        device.read.back().length = bytes.size();
+        device.bytes.resize(std::max(device.bytes.size(), device.read.back().End()));
+        std::copy(bytes.begin(), bytes.end(), device.bytes.begin() + static_cast<std::ptrdiff_t>(range.offset));
         if (progress)
-            progress(image.size(), end, "");
+            progress(device.read.back().End(), std::max(device.bytes.size(), range.End()), "");
     }
 }
 
-BYTES CDevice::ReadContents(std::size_t atLeast, const PROGRESS& progress) {
-    BYTES image;
-    const std::size_t first = atLeast == WHOLE ? Size().value_or(HEADER_SIZE) : std::max(atLeast, HEADER_SIZE);
-    ReadTo(first, image, progress);
-    FRU fru;
-    if (!CheckHeader(image, fru))
-        return image;
-    std::size_t end = HEADER_SIZE;
-    for (const AREA_ROW& row : Areas()) {
-        const std::size_t offset = image[row.headerByte] * OFFSET_UNIT;
-        if (offset == 0)
-            continue;
-        if (row.headerLength != 0) {
-            ReadTo(offset + 2, image, progress);
-            end = std::max(end, offset + (offset + 1 < image.size() ? image[offset + 1] * OFFSET_UNIT : 0));
-        } else if (row.area == FRU_AREA_INTERNAL_USE) {
-            end = std::max(end, offset + InternalUseLength(image));
-        } else {
-            bool known = false;
-            std::size_t size = 0;
-            while (!known && size != image.size()) {
-                size = image.size();
-                const std::size_t next = RecordsEnd(image, offset, known);
-                ReadTo(next, image, progress);
-                end = std::max(end, known ? next : end);
-                known = known && image.size() >= next;
-            }
+void CDevice::ReadAreas(DEVICE_BYTES& device, const PROGRESS& progress) {
+    for (auto wanted = FruImage::WantedRanges(device.bytes, device.read); !wanted.empty();
+         wanted = FruImage::WantedRanges(device.bytes, device.read))
+        for (const FruImage::RANGE& range : wanted)
+            ReadRange(range, device, progress);
+}
+
+void CDevice::ReadAreasOfUnknownSize(DEVICE_BYTES& device, const PROGRESS& progress) {
+    const auto passesEnd = [](const FruImage::FINDING& finding) { return finding.code == "area-past-end"; };
+    try {
+        for (std::size_t size = SMALLEST_EEPROM; size <= DEVICE_LIMIT; size *= 2) {
+            device.bytes.resize(std::max(size, device.bytes.size()));
+            ReadAreas(device, progress);
+            const FruImage::FRU fru = FruImage::Parse(device.bytes, device.read);
+            if (std::none_of(fru.findings.begin(), fru.findings.end(), passesEnd))
+                break;
         }
+    } catch (const CToolError&) {
+        // The search behind a damaged header comes past the end of a small part; a sound one names nothing there.
+        const BYTE_VIEW header = Slice(device.bytes, 0, device.read.front().length);
+        if (header.size() < FruImage::HEADER_SIZE || IsSoundHeader(header.first(FruImage::HEADER_SIZE)))
+            throw;
     }
-    ReadTo(end, image, progress);
-    return image;
+    std::size_t end = 0;
+    for (const FruImage::RANGE& range : device.read)
+        end = std::max(end, range.End());
+    device.bytes.resize(end);
+}
+
+DEVICE_BYTES CDevice::ReadContents(READING reading, std::size_t atLeast, const PROGRESS& progress) {
+    DEVICE_BYTES device;
+    const auto size = Size();
+    device.sizeKnown = size.has_value();
+    device.bytes.resize(size.value_or(0));
+    try {
+        if (size && (atLeast != 0 || reading != READING::AREAS))
+            ReadRange({0, reading == READING::AREAS ? std::min(atLeast, *size) : *size}, device, progress);
+        else if (atLeast != 0)
+            ReadRange({0, atLeast}, device, progress);
+        if (size) {
+            ReadAreas(device, progress);
+        } else {
+            ReadAreasOfUnknownSize(device, progress);
+            if (reading != READING::AREAS)
+                ReadRange({0, device.bytes.size()}, device, progress);
+        }
+    } catch (const CToolError& error) {
+        if (reading != READING::RESCUE || device.read.empty() || device.read.back().length == 0)
+            throw;
+        device.failure = error.m_why;
+        device.bytes.resize(device.read.back().End());
+    }
+    return device;
 }
 
 void CDevice::Write(BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {

@@ -5,15 +5,30 @@
 #include "tools/fructl/child.h"
 #include "tools/fructl/library.h"
 
+#include "fruimage/image.h"
+
 #include "frudata/bmclib.h"
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Fructl {
 
-/// For ReadContents: all that the device has.
-inline constexpr std::size_t WHOLE = ~std::size_t{0};
+/// How much of a device is read.
+enum class READING {
+    AREAS, ///< what its header and its areas need
+    WHOLE, ///< all of it
+    RESCUE ///< all of it, as far as it goes: what fails is told in DEVICE_BYTES::failure
+};
+
+struct DEVICE_BYTES {
+    BYTES bytes; ///< as many as the device has or, where it does not tell, as were read
+    std::vector<FruImage::RANGE> read;
+    bool sizeKnown = false;
+    std::string failure; ///< RESCUE: why reading ended; empty where it came to the end
+};
 
 class CDevice {
   public:
@@ -22,8 +37,8 @@ class CDevice {
 
     /// Bytes of the whole device; nothing where it does not tell.
     std::optional<std::size_t> Size();
-    /// What the header and the areas cover, and at least `atLeast` bytes, WHOLE being all of the device.
-    BYTES ReadContents(std::size_t atLeast, const PROGRESS& progress = {});
+    /// Reads it, and at least `atLeast` bytes from its start.
+    DEVICE_BYTES ReadContents(READING reading, std::size_t atLeast, const PROGRESS& progress = {});
     /// Writes `bytes` from the start of the device on, except where `known` has the same.
     void Write(BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress = {});
 
@@ -43,8 +58,12 @@ class CDevice {
     /// One read or write of at most `count` bytes. @return how many it moved
     std::size_t ReadSome(std::size_t offset, std::size_t count, BYTES& bytes);
     std::size_t WriteSome(std::size_t offset, BYTE_VIEW data);
-    /// Extends `image` to `end`, as far as the device goes.
-    void ReadTo(std::size_t end, BYTES& image, const PROGRESS& progress);
+    /// Reads `range` into its place.
+    void ReadRange(const FruImage::RANGE& range, DEVICE_BYTES& device, const PROGRESS& progress);
+    /// Reads what the areas need, as far as `device.bytes` go.
+    void ReadAreas(DEVICE_BYTES& device, const PROGRESS& progress);
+    /// The same where the device does not tell its size.
+    void ReadAreasOfUnknownSize(DEVICE_BYTES& device, const PROGRESS& progress);
     void Fail(const std::string& why) const;
 
     ADDRESS m_address;

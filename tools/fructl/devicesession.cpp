@@ -7,11 +7,13 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <functional>
 
 namespace Fructl {
 
 namespace {
 
+using FruImage::STEP;
 using nlohmann::json;
 
 /// What the library reports while it writes: one call when it begins, then one before the header is
@@ -31,31 +33,68 @@ unsigned int ReportStep(PROGRESS_CALLBACK_TYPE type, const WCHAR* message, unsig
     return 0;
 }
 
-void PrepareSteps(const FRU& fru, const EDITS& edits, const PROGRESS& report) {
-    g_steps = {report, {0, HEADER_SIZE}, HEADER_SIZE, 0};
-    for (const FRU_AREA id :
-         {FRU_AREA_INTERNAL_USE, FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT, FRU_AREA_MULTIRECORD}) {
+void PrepareSteps(const FRU& fru, const LIBRARY_CHANGES& changes, const PROGRESS& report) {
+    g_steps = {report, {0, FruImage::HEADER_SIZE}, FruImage::HEADER_SIZE, 0};
+    for (const AREA_ROW& row : Areas()) {
         // The board area is always written.
-        if (const AREA* area = fru.Find(id); area && (edits.Touches(id) || id == FRU_AREA_BOARD))
-            g_steps.total += id == FRU_AREA_MULTIRECORD ? edits.multiRecord->size() : area->bytes.size();
-        if (id != FRU_AREA_MULTIRECORD)
+        if (const AREA* area = fru.Find(row.id); area && (changes.Touches(row.id) || row.id == AREA_ID::BOARD))
+            g_steps.total += row.id == AREA_ID::MULTIRECORD ? changes.multiRecord->size() : area->length;
+        if (row.id != AREA_ID::MULTIRECORD)
             g_steps.done.push_back(g_steps.total);
     }
 }
 
+json JsonDevice(const DEVICE_BYTES& device) {
+    json ranges = json::array();
+    for (const RANGE& range : device.read)
+        ranges.push_back({range.offset, range.length});
+    return {{"bytes", json::binary(device.bytes)},
+            {"read", std::move(ranges)},
+            {"sizeKnown", device.sizeKnown},
+            {"failure", device.failure}};
+}
+
+DEVICE_BYTES DeviceOfJson(const json& result) {
+    DEVICE_BYTES device{result.at("bytes").get_binary(), {}, result.at("sizeKnown"), result.at("failure")};
+    for (const json& range : result.at("read"))
+        device.read.push_back({range[0], range[1]});
+    return device;
+}
+
+/// Each step is a write of the whole image of which only the step's bytes are new.
+void MakeSteps(const std::vector<STEP>& steps, BYTES before,
+               const std::function<void(BYTE_VIEW after, BYTE_VIEW known)>& write, const PROGRESS& report) {
+    std::size_t total = 0;
+    for (const STEP& step : steps)
+        total += step.bytes.size();
+    std::size_t done = 0;
+    BYTES after = before;
+    for (const STEP& step : steps) {
+        report(done, total, step.what);
+        after.resize(std::max(after.size(), step.offset + step.bytes.size()));
+        std::copy(step.bytes.begin(), step.bytes.end(), after.begin() + static_cast<std::ptrdiff_t>(step.offset));
+        write(after, before);
+        before = after;
+        done += step.bytes.size();
+    }
+    report(total, total, "done");
+}
+
 } // namespace
 
-BYTES ReadDevice(const SOURCE& source, std::size_t atLeast, const PROGRESS& progress) {
-    if (source.isEeprom)
-        return CEeprom(source.label).Read();
-    return RunSession(
-               source.label,
-               [&](const PROGRESS& report) {
-                   const CLibrary library(CLibrary::SYSTEM_BMC);
-                   return json::binary(CDevice(source.address, source.label).ReadContents(atLeast, report));
-               },
-               progress)
-        .get_binary();
+DEVICE_BYTES ReadDevice(const SOURCE& source, READING reading, std::size_t atLeast, const PROGRESS& progress) {
+    if (source.isEeprom) {
+        BYTES bytes = CEeprom(source.label).Read();
+        const std::vector<RANGE> all = {{0, bytes.size()}};
+        return {std::move(bytes), all, true, {}};
+    }
+    return DeviceOfJson(RunSession(
+        source.label,
+        [&](const PROGRESS& report) {
+            const CLibrary library(CLibrary::SYSTEM_BMC);
+            return JsonDevice(CDevice(source.address, source.label).ReadContents(reading, atLeast, report));
+        },
+        progress));
 }
 
 void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {
@@ -71,14 +110,47 @@ void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const P
         progress);
 }
 
-void CommitDevice(const CONTENTS& contents, const EDITS& edits, const PROGRESS& progress) {
+void WriteSteps(const SOURCE& source, const std::vector<FruImage::STEP>& steps, const BYTES& before,
+                const PROGRESS& progress) {
+    if (source.isEeprom) {
+        const CEeprom eeprom(source.label);
+        return MakeSteps(
+            steps, before, [&](BYTE_VIEW after, BYTE_VIEW known) { eeprom.Write(after, known, {}); }, progress);
+    }
+    RunSession(
+        source.label,
+        [&](const PROGRESS& report) {
+            const CLibrary library(CLibrary::SYSTEM_BMC);
+            CDevice device(source.address, source.label);
+            MakeSteps(
+                steps, before, [&](BYTE_VIEW after, BYTE_VIEW known) { device.Write(after, known); }, report);
+            return json();
+        },
+        progress);
+}
+
+bool LibraryWrites(const CONTENTS& contents, const LIBRARY_CHANGES& changes, const BYTES& expected) {
+    const std::string& name = contents.source.label;
+    try {
+        return RunSession(name, [&](const PROGRESS&) {
+            const auto library = ImageLibrary(contents);
+            ApplyChanges(*library, contents.fru, changes);
+            library->Check((*library)->CommitConfigurationToSystem(library->Table()), EXIT_REFUSED, name);
+            return json(library->Image() == expected);
+        });
+    } catch (const CToolError&) {
+        return false;
+    }
+}
+
+void CommitDevice(const CONTENTS& contents, const LIBRARY_CHANGES& changes, const PROGRESS& progress) {
     const std::string& name = contents.source.label;
     RunSession(
         name,
         [&](const PROGRESS& report) {
-            const auto library = LoadedLibrary(contents);
-            ApplyEdits(*library, contents.fru, edits);
-            PrepareSteps(contents.fru, edits, report);
+            const auto library = DeviceLibrary(contents.source);
+            ApplyChanges(*library, contents.fru, changes);
+            PrepareSteps(contents.fru, changes, report);
             (*library)->SetProgressCallback(library->Table(), ReportStep);
             library->Check((*library)->CommitConfigurationToSystem(library->Table()), EXIT_DEVICE, name);
             report(g_steps.total, g_steps.total, "done");

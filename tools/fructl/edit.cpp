@@ -1,160 +1,217 @@
 #include "tools/fructl/edit.h"
 
+#include "tools/fructl/fieldname.h"
+#include "tools/fructl/files.h"
 #include "tools/fructl/settings.h"
-#include "tools/fructl/standardnames.h"
 #include "tools/fructl/toolerror.h"
-#include "tools/fructl/value.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
+#include <ctime>
+#include <variant>
 
 namespace Fructl {
 
 namespace {
 
-[[noreturn]] void RefuseMissing(const FIELD_NAME& name, const FRU& fru) {
-    const AREA* area = fru.Find(name.area);
-    if (!area)
-        throw CToolError(EXIT_REFUSED, name.text, fmt::format("this FRU has no {} area", AreaName(name.area)));
-    throw CToolError(EXIT_REFUSED, name.text,
-                     fmt::format("the {} area has {} custom field{}", AreaName(name.area), area->CustomFields(),
-                                 area->CustomFields() == 1 ? "" : "s"),
-                     "custom fields can be changed, but not added");
+using FruImage::ENCODING;
+
+constexpr const char* EXAMPLE = "for example: board.serial-number=AB123";
+
+/// NAME or NAME:ENCODING.
+std::optional<ENCODING> TakeEncoding(std::string& name) {
+    const std::size_t colon = name.find(':');
+    if (colon == std::string::npos)
+        return std::nullopt;
+    const std::string word = name.substr(colon + 1);
+    name.resize(colon);
+    if (const auto encoding = FruImage::EncodingFromName(word))
+        return encoding;
+    throw CToolError(EXIT_USAGE, name + ":" + word, "there is no such encoding",
+                     "encodings: text, 6-bit, bcd+, binary, two-byte");
 }
 
-const FIELD& FieldToSet(const FIELD_NAME& name, const FRU& fru) {
-    if (name.part == FIELD_NAME::LANGUAGE || name.part == FIELD_NAME::DATA)
-        throw CToolError(EXIT_REFUSED, name.text, "it can be read, but not set",
-                         name.part == FIELD_NAME::DATA ? "'fructl load' replaces the bytes of an area" : "");
-    const FIELD* field = fru.Find(name);
-    if (!field)
-        RefuseMissing(name, fru);
-    return *field;
+std::string PresentMinute() {
+    const std::time_t now = std::time(nullptr);
+    char text[32] = "";
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%MZ", std::gmtime(&now));
+    return text;
 }
 
-void Add(EDITS& edits, const FIELD_NAME& name, const FIELD& before, BYTES data) {
-    const bool same =
-        before.data == data && (before.kind != FIELD_KIND::TEXT || data.empty() || before.Type() == FIELD_8_BIT);
-    if (!same)
-        edits.fields.push_back({name, before, std::move(data)});
+bool IsDate(const FIELD_NAME& name) {
+    return name.part == FIELD_NAME::FIXED && AreaRow(name.area).fields[name.index].kind == FIELD_KIND::DATE;
 }
 
-/// A field's bytes as 8-bit text.
-BYTES AsText(const FIELD& field) {
-    if (field.kind != FIELD_KIND::TEXT || field.Type() == FIELD_8_BIT || field.data.empty())
-        return field.data;
-    const std::string text = DecodeValue(field);
-    return BYTES(text.begin(), text.end());
+EDIT AreaEdit(const FIELD_NAME& name, const std::string& value, bool resize) {
+    if (value.starts_with('@'))
+        return ReplaceArea(name.area, AreaBytes(value.substr(1)), resize);
+    const auto bytes = FromHex(value);
+    if (!bytes)
+        throw CToolError(EXIT_REFUSED, FieldNameText(name), "the value is not hexadecimal",
+                         "write pairs of digits, or @FILE");
+    return ReplaceArea(name.area, *bytes, resize);
 }
 
-std::string Quoted(const std::string& text) {
-    return "\"" + text + "\"";
+EDIT Assignment(std::string name, const std::string& value, const EDIT_OPTIONS& options) {
+    const auto encoding = TakeEncoding(name);
+    if (name.ends_with(".custom+"))
+        return FruImage::ADD_FIELD{NamedArea(name.substr(0, name.find('.'))), value, encoding};
+    const FIELD_NAME field = NamedField(name);
+    if (field.part == FIELD_NAME::DATA)
+        return AreaEdit(field, value, options.resizeInternal);
+    return FruImage::SET_FIELD{field, IsDate(field) && value == "now" ? PresentMinute() : value, encoding};
+}
+
+EDIT Removal(const std::string& name) {
+    // "multirecord.2": the name of a field of the record, without the field.
+    if (const auto record = ParseRecordName(name + ".type"))
+        return FruImage::REMOVE_RECORD{record->index};
+    if (name.find('.') == std::string::npos)
+        return FruImage::REMOVE_AREA{NamedArea(name)};
+    return FruImage::REMOVE_FIELD{NamedField(name)};
+}
+
+/// Names mean what they mean before the first change: the last custom fields and records go first.
+void SortRemovals(std::vector<EDIT>& removals) {
+    const auto index = [](const EDIT& edit) {
+        const auto* record = std::get_if<FruImage::REMOVE_RECORD>(&edit);
+        const auto* field = std::get_if<FruImage::REMOVE_FIELD>(&edit);
+        return field ? field->name.index : record ? record->index : 0;
+    };
+    std::stable_sort(removals.begin(), removals.end(),
+                     [&](const EDIT& a, const EDIT& b) { return index(a) > index(b); });
+}
+
+/// What is set must come in an order in which new custom fields follow each other.
+std::vector<EDIT> InOrder(std::vector<EDIT> assignments, std::vector<EDIT> removals) {
+    SortRemovals(removals);
+    assignments.insert(assignments.end(), removals.begin(), removals.end());
+    return assignments;
+}
+
+void CheckTwice(const EDIT& edit, std::vector<FIELD_NAME>& seen) {
+    const auto* set = std::get_if<FruImage::SET_FIELD>(&edit);
+    if (!set)
+        return;
+    if (std::find(seen.begin(), seen.end(), set->name) != seen.end())
+        throw CToolError(EXIT_USAGE, FieldNameText(set->name), "is set twice");
+    seen.push_back(set->name);
+}
+
+/// Digits of the lines of a dump, or all of the text.
+std::string DumpDigits(const std::string& text) {
+    constexpr std::size_t OFFSET = 6;
+    constexpr std::size_t PAIRS = 47;
+    std::string digits;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const std::string line = text.substr(begin, end - begin);
+        const bool isDump = line.size() > OFFSET && line[OFFSET - 2] == ' ' && line[OFFSET - 1] == ' ';
+        digits += (isDump ? line.substr(OFFSET, PAIRS) : line) + " ";
+        begin = end + 1;
+    }
+    return digits;
+}
+
+/// The edit that makes `target`'s field one as `field`.
+EDIT CopyField(const FIELD_NAME& name, const FIELD& field, bool sameLanguage) {
+    if (field.kind == FIELD_KIND::TEXT && sameLanguage)
+        return FruImage::SET_BYTES{name, field.encoding, field.bytes};
+    if (field.kind == FIELD_KIND::CHASSIS_TYPE)
+        return FruImage::SET_FIELD{name, std::to_string(field.bytes.empty() ? 0 : field.bytes[0]), {}};
+    return FruImage::SET_FIELD{name, field.text, {}};
 }
 
 } // namespace
 
-bool EDITS::Touches(FRU_AREA area) const {
-    return (area == FRU_AREA_INTERNAL_USE && internalUse) || (area == FRU_AREA_MULTIRECORD && multiRecord) ||
-           std::any_of(fields.begin(), fields.end(), [&](const ASSIGNMENT& one) { return one.name.area == area; });
-}
-
-EDITS ParseAssignments(const std::vector<std::string>& texts, const FRU& fru) {
-    EDITS edits;
+CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options) {
+    CHANGES changes;
+    std::vector<EDIT> assignments;
+    std::vector<EDIT> removals;
     std::vector<FIELD_NAME> seen;
-    for (const std::string& text : texts) {
-        const std::size_t equals = text.find('=');
-        if (equals == std::string::npos)
-            throw CToolError(EXIT_USAGE, text, "is no AREA.FIELD=VALUE", "for example: board.serial-number=AB123");
-        const FIELD_NAME name = ParseFieldName(text.substr(0, equals));
-        if (std::find(seen.begin(), seen.end(), name) != seen.end())
-            throw CToolError(EXIT_USAGE, name.text, "is set twice");
-        seen.push_back(name);
-        const FIELD& before = FieldToSet(name, fru);
-        Add(edits, name, before, EncodeValue(before.kind, text.substr(equals + 1), name.text, Settings().force));
-    }
-    CheckRoom(edits, fru);
-    return edits;
-}
-
-EDITS CopyFields(const FRU& values, const FRU& target) {
-    EDITS edits;
-    for (const AREA& area : values.areas) {
-        for (std::size_t position = 0; area.IsInfo() && position < area.fields.size(); ++position) {
-            const FIELD& field = area.fields[position];
-            const FIELD_NAME name = ParseFieldName(FieldName(area.Row(), position));
-            const FIELD* before = target.Find(name);
-            if (!before && (Settings().force || field.data.empty()))
-                continue;
-            if (!before)
-                RefuseMissing(name, target);
-            if (*before == field)
-                continue;
-            if (field.kind == FIELD_KIND::TEXT && field.Type() == FIELD_BINARY && !field.data.empty())
-                throw CToolError(EXIT_REFUSED, name.text, "it is binary, and only text can be set");
-            BYTES data = AsText(field);
-            if (field.kind == FIELD_KIND::TEXT)
-                CheckText(data, name.text, Settings().force);
-            else if (field.kind == FIELD_KIND::CHASSIS_TYPE)
-                data = EncodeValue(field.kind, std::to_string(data[0]), name.text, false);
-            Add(edits, name, *before, std::move(data));
-        }
-    }
-    CheckRoom(edits, target);
-    return edits;
-}
-
-void CheckRoom(const EDITS& edits, const FRU& fru) {
-    for (const AREA& area : fru.areas) {
-        std::ptrdiff_t growth = 0;
-        const ASSIGNMENT* only = nullptr;
-        std::size_t count = 0;
-        for (const ASSIGNMENT& one : edits.fields)
-            if (one.name.area == area.id) {
-                growth += one.Growth();
-                only = &one;
-                ++count;
-            }
-        if (growth <= static_cast<std::ptrdiff_t>(area.Room()))
+    for (const std::string& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos && word.ends_with('-')) {
+            removals.push_back(Removal(word.substr(0, word.size() - 1)));
             continue;
-        if (count == 1)
-            throw CToolError(EXIT_REFUSED, only->name.text,
-                             fmt::format("the value has {} bytes, there is room for {}", only->data.size(),
-                                         only->before.data.size() + area.Room()),
-                             "shorten it, or shorten another field of the area in the same call");
-        throw CToolError(EXIT_REFUSED, area.Row().name,
-                         fmt::format("the values need {} more bytes, the area has room for {}", growth, area.Room()));
+        }
+        if (equals == std::string::npos)
+            throw CToolError(EXIT_USAGE, word, "is no AREA.FIELD=VALUE", EXAMPLE);
+        if (auto record = ParseRecordName(word.substr(0, equals))) {
+            changes.records.push_back({std::move(*record), word.substr(equals + 1)});
+            continue;
+        }
+        assignments.push_back(Assignment(word.substr(0, equals), word.substr(equals + 1), options));
+        CheckTwice(assignments.back(), seen);
     }
+    for (const std::string& name : options.remove)
+        removals.push_back(Removal(name));
+    if (assignments.empty() && removals.empty() && changes.records.empty())
+        throw CToolError(EXIT_USAGE, "command line", "an AREA.FIELD=VALUE is missing", EXAMPLE);
+    changes.edits = InOrder(std::move(assignments), std::move(removals));
+    return changes;
 }
 
-EDITS TextForDroppedFields(const FRU& fru) {
-    EDITS edits;
-    for (const AREA& area : fru.areas)
-        for (std::size_t position = 0; position < area.fields.size(); ++position) {
+BYTES AreaBytes(const std::string& path) {
+    BYTES bytes = ReadFile(path);
+    const bool isText =
+        std::all_of(bytes.begin(), bytes.end(), [](UINT8 byte) { return std::isprint(byte) || std::isspace(byte); });
+    if (!isText)
+        return bytes;
+    const auto parsed = FromHex(DumpDigits(std::string(bytes.begin(), bytes.end())));
+    if (!parsed)
+        throw CToolError(EXIT_REFUSED, path, "is neither hexadecimal text nor binary");
+    return *parsed;
+}
+
+EDIT ReplaceArea(AREA_ID area, BYTES bytes, bool resize) {
+    if (area == AREA_ID::INTERNAL_USE)
+        return FruImage::SET_INTERNAL{std::move(bytes), resize};
+    if (area == AREA_ID::MULTIRECORD)
+        return FruImage::SET_RECORD_BYTES{std::move(bytes)};
+    throw CToolError(EXIT_REFUSED, "header", "it says where the areas lie and cannot be replaced",
+                     "'fructl restore' writes whole images, 'fructl repair' rebuilds a damaged header");
+}
+
+std::vector<EDIT> CopyFields(const FRU& values, const FRU& target) {
+    std::vector<EDIT> edits;
+    for (const AREA& area : values.areas) {
+        const AREA* to = target.Find(area.id);
+        if (!to && area.IsInfo() && !Settings().force)
+            throw CToolError(EXIT_REFUSED, std::string(AreaName(area.id)), "the device has no such area",
+                             "--force leaves it out, 'fructl set' adds it");
+        for (std::size_t position = 0; to && area.IsInfo() && position < area.fields.size(); ++position) {
+            const FIELD_NAME name = FruImage::FieldAt(area.id, position);
+            const FIELD* before = target.Find(name);
             const FIELD& field = area.fields[position];
-            if (field.kind == FIELD_KIND::TEXT && !field.data.empty() &&
-                (field.Type() == FIELD_BINARY || field.Type() == FIELD_6_BIT))
-                Add(edits, ParseFieldName(FieldName(area.Row(), position)), field, AsText(field));
+            if (!before || before->bytes != field.bytes || before->typeLength != field.typeLength)
+                edits.push_back(CopyField(name, field, to->language == area.language));
         }
-    CheckRoom(edits, fru);
+    }
     return edits;
 }
 
-std::string DescribeEdits(const EDITS& edits) {
-    std::size_t width = 0;
-    for (const ASSIGNMENT& one : edits.fields)
-        width = std::max(width, one.name.text.size());
-    std::string text;
-    for (const ASSIGNMENT& one : edits.fields) {
-        const FIELD after{one.before.kind, static_cast<UINT8>(FIELD_8_BIT | one.data.size()), one.data};
-        text += fmt::format("  {:<{}}  {} -> {}\n", one.name.text, width, Quoted(DecodeValue(one.before)),
-                            Quoted(DecodeValue(after)));
-    }
-    if (edits.internalUse)
-        text += fmt::format("  internal  {} bytes replaced\n", edits.internalUse->size());
-    if (edits.multiRecord)
-        text += fmt::format("  multirecord  replaced by {} bytes\n", edits.multiRecord->size());
-    return text;
+void Refuse(const FruImage::ERROR& error, const std::string& source) {
+    using FruImage::REFUSAL;
+    std::string what = !error.field.empty()            ? error.field
+                       : error.area == AREA_ID::HEADER ? source
+                                                       : std::string(AreaName(error.area));
+    throw CToolError(error.code == REFUSAL::DAMAGED ? EXIT_DAMAGED : EXIT_REFUSED, std::move(what), error.text,
+                     error.hint);
+}
+
+PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits) {
+    std::vector<EDIT> edits = RecordEdits(changes.records, contents.fru);
+    edits.insert(edits.end(), changes.edits.begin(), changes.edits.end());
+    const std::size_t known = contents.SizeLimit();
+    if (limits.deviceSize == 0 || (contents.sizeKnown && known != 0))
+        limits.deviceSize = known;
+    auto plan = FruImage::Apply(contents.fru, edits, limits);
+    if (!plan)
+        Refuse(plan.Error(), contents.source.label);
+    return plan.Take();
 }
 
 } // namespace Fructl

@@ -1,47 +1,53 @@
-// Changes of fields: AREA.FIELD=VALUE of the command line, all checked before the first is made.
+// Changes as people write them on the command line, made into a plan.
 #pragma once
 
-#include "tools/fructl/fru.h"
+#include "tools/fructl/contents.h"
+#include "tools/fructl/recordwords.h"
 
-#include <cstddef>
-#include <optional>
+#include "fruimage/edit.h"
+
 #include <string>
 #include <vector>
 
 namespace Fructl {
 
-/// One change of a field.
-struct ASSIGNMENT {
-    FIELD_NAME name;
-    FIELD before;
-    BYTES data;
+using FruImage::EDIT;
+using FruImage::PLAN;
 
-    std::ptrdiff_t Growth() const {
-        return static_cast<std::ptrdiff_t>(data.size()) - static_cast<std::ptrdiff_t>(before.data.size());
-    }
+/// What the options say besides the words.
+struct EDIT_OPTIONS {
+    std::vector<std::string> remove; ///< names of custom fields, areas
+    bool resizeInternal = false;     ///< the internal use area may get another length
+    FruImage::LIMITS limits;
 };
 
 /// All changes of one call.
-struct EDITS {
-    std::vector<ASSIGNMENT> fields;
-    std::optional<BYTES> internalUse;
-    std::optional<BYTES> multiRecord;
-
-    bool IsEmpty() const { return fields.empty() && !internalUse && !multiRecord; }
-    bool Touches(FRU_AREA area) const;
+struct CHANGES {
+    std::vector<EDIT> edits;
+    std::vector<RECORD_CHANGE> records; ///< made first
 };
 
-/// The changes that `texts` ask for; a value that is there already is none. @throws CToolError for a name
-/// or value that cannot be set
-EDITS ParseAssignments(const std::vector<std::string>& texts, const FRU& fru);
-/// The changes that give `target` the field values of `values`. @throws CToolError where it lacks a field
-EDITS CopyFields(const FRU& values, const FRU& target);
-/// Refuses changes that do not fit into the areas. @throws CToolError
-void CheckRoom(const EDITS& edits, const FRU& fru);
-/// Text of every field that the text format drops (binary, 6-bit), as it would stand in an 8-bit field.
-EDITS TextForDroppedFields(const FRU& fru);
+/// Reads words of the command line:
+///     AREA.FIELD=VALUE            sets a field, the language, or with VALUE "now" the date to the present minute
+///     AREA.FIELD:ENCODING=VALUE   the same in an encoding: text, 6-bit, bcd+, binary, two-byte
+///     AREA.custom+=VALUE          adds a custom field behind the last one
+///     AREA.customN-  AREA-        removes a custom field; an area
+///     multirecord.N.FIELD=VALUE   sets a field of a record, with FIELD "type" makes a new one; multirecord.N- removes
+///     it internal.data=BYTES         replaces the bytes of an area, hexadecimal or, with @ in front, those of a file;
+///     multirecord.data=@FILE      likewise
+/// @throws CToolError for a name that does not exist, a word that is none of these, a name set twice
+CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options);
+/// The bytes of a file: hexadecimal text, in plain pairs or as `dump` prints it, or the bytes themselves.
+BYTES AreaBytes(const std::string& path);
+/// Replaces the bytes of the internal use or the multi-record area.
+EDIT ReplaceArea(AREA_ID area, BYTES bytes, bool resize);
+/// The edits that give `target` the field values of `values`. @throws CToolError where it lacks an area
+std::vector<EDIT> CopyFields(const FRU& values, const FRU& target);
 
-/// One line a change: name, old and new value.
-std::string DescribeEdits(const EDITS& edits);
+/// All changes at once. `contents` may use SizeLimit() bytes, or as many as the limits say.
+/// @throws CToolError with what speaks against it
+PLAN MakePlan(const CONTENTS& contents, const CHANGES& changes, FruImage::LIMITS limits);
+/// `error` about the source of this name as the tool tells it.
+[[noreturn]] void Refuse(const FruImage::ERROR& error, const std::string& source);
 
 } // namespace Fructl

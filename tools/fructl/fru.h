@@ -1,90 +1,43 @@
-// A FRU's contents, taken apart from raw bytes without the library: what is there, and what is wrong.
+// The standard's view of a FRU (fruimage/), by the names it has throughout the tool, and what is wrong with one in
+// words.
 #pragma once
 
+#include "fruimage/image.h"
+
 #include "tools/fructl/bytes.h"
-#include "tools/fructl/fieldname.h"
 
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace Fructl {
 
-/// Type codes of a type/length byte (FRU Information Storage Definition, section 13).
-enum FIELD_TYPE : UINT8 {
-    FIELD_BINARY = 0x00,
-    FIELD_BCD_PLUS = 0x40,
-    FIELD_6_BIT = 0x80,
-    FIELD_8_BIT = 0xC0
-};
+using FruImage::AREA;
+using FruImage::AREA_ID;
+using FruImage::AREA_ROW;
+using FruImage::AreaName;
+using FruImage::AreaRow;
+using FruImage::Areas;
+using FruImage::FIELD;
+using FruImage::FIELD_KIND;
+using FruImage::FIELD_NAME;
+using FruImage::FIELD_ROW;
+using FruImage::FINDING;
+using FruImage::FRU;
+using FruImage::RANGE;
+using FruImage::RECORD;
+using FruImage::SEVERITY;
+using FruImage::STATE;
 
-constexpr UINT8 END_OF_FIELDS = 0xC1;
-constexpr std::size_t HEADER_SIZE = 8;
-constexpr std::size_t OFFSET_UNIT = 8;
-constexpr std::size_t MAXIMUM_FIELD = 63;
-constexpr std::size_t MAXIMUM_AREA = 512;
-constexpr std::size_t RECORD_HEADER_SIZE = 5;
+/// "text", "two-byte", "6-bit", "bcd+", "binary", "date", "chassis-type".
+std::string_view TypeName(const FIELD& field);
+/// The value as `set` takes it back: a chassis type by its name alone, or by its number where it has none.
+std::string BareValue(const FIELD& field);
 
-/// One field of an info area. The chassis type and the date have no type/length byte: 0 here.
-struct FIELD {
-    FIELD_KIND kind;
-    UINT8 typeLength;
-    BYTES data;
-
-    FIELD_TYPE Type() const { return static_cast<FIELD_TYPE>(typeLength & 0xC0); }
-    bool operator==(const FIELD& other) const { return data == other.data && (data.empty() || Type() == other.Type()); }
-};
-
-/// One area as found.
-struct AREA {
-    FRU_AREA id;
-    std::size_t offset;                    ///< in the device image
-    BYTES bytes;                           ///< the whole area, as far as it is there
-    std::vector<FIELD> fields;             ///< fixed fields, then custom fields in the order of the image
-    std::size_t used = 0;                  ///< bytes up to the end marker and the checksum
-    UINT8 language = 0;                    ///< language code of a board or product area
-    UINT8 checksum = 0;                    ///< the checksum it has
-    UINT8 expectedChecksum = 0;            ///< the checksum it should have
-    std::vector<std::size_t> records = {}; ///< multi-record area: offset of each record in `bytes`
-
-    const AREA_ROW& Row() const { return AreaRow(id); }
-    bool IsInfo() const { return Row().headerLength != 0; }
-    std::size_t CustomFields() const { return fields.size() - Row().fields.size(); }
-    /// Bytes that the fields of the area may still grow by.
-    std::size_t Room() const { return bytes.size() > used ? bytes.size() - used : 0; }
-};
-
-/// One thing that is wrong.
-struct PROBLEM {
-    FRU_AREA area;
-    std::string code; ///< short fixed word for programs
-    std::string text; ///< for people
-};
-
-struct FRU {
-    BYTES header;
-    std::vector<AREA> areas;       ///< those that could be read, in the order of the header's offsets
-    std::vector<PROBLEM> problems; ///< empty: the FRU is sound
-    std::size_t size = 0;          ///< bytes of the image
-
-    const AREA* Find(FRU_AREA area) const;
-    /// The field of a name, or null. Not for LANGUAGE and DATA.
-    const FIELD* Find(const FIELD_NAME& name) const;
-    bool IsDamaged() const { return !problems.empty(); }
-    void Report(FRU_AREA area, std::string code, std::string text);
-    /// All problems in one line.
-    std::string ProblemText() const;
-};
-
-/// Takes a device image apart.
-FRU ParseImage(BYTE_VIEW image);
-/// Whether `header` is 8 bytes with the right version and checksum; if not, `fru` says why.
-bool CheckHeader(BYTE_VIEW header, FRU& fru);
-/// Where the internal use area ends: at the next area as the library takes it. 0 where it is not known.
-std::size_t InternalUseLength(BYTE_VIEW header);
-
-/// Takes one info area apart, its length being that of `bytes`. Reports to `fru`.
-AREA ParseInfoArea(const AREA_ROW& row, std::size_t offset, BYTE_VIEW bytes, FRU& fru);
-/// Takes a chain of records apart, as far as its end-of-list bit or, where `whole`, to the last byte.
-AREA ParseMultiRecordArea(std::size_t offset, BYTE_VIEW bytes, bool whole, FRU& fru);
+/// "ok", "blank" or "damaged".
+std::string_view StatusName(const FRU& fru);
+/// Every damage, or that the FRU is blank, in one line; empty where it is sound.
+std::string ProblemText(const FRU& fru);
+/// The same of one area: its own damage and, where it is not there, that of the header.
+std::string ProblemText(const FRU& fru, AREA_ID area);
 
 } // namespace Fructl

@@ -4,6 +4,7 @@
 #include "tools/fructl/languages.h"
 #include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
+#include "tools/fructl/titles.h"
 
 #include "frudata/debug.h"
 #include "sim/directory.h"
@@ -22,19 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
 constexpr unsigned TIMEOUT = 5000;
-
-/// The directory that holds the library's texts, one directory a language; empty where there is none.
-fs::path DataDirectory() {
-    std::error_code ignored;
-    const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
-    const char* given = std::getenv("FRUDATA_DATADIR");
-    for (const fs::path& directory : {fs::path(given ? given : ""), program / "..", program / "../share/frudata"})
-        if (!directory.empty() && fs::exists(directory / TextDirectory(Languages().front()) / TABLE_PATH, ignored))
-            return directory;
-    return {};
-}
 
 std::wstring Wide(const std::string& text, const std::string& what) {
     std::wstring wide(text.size() + 1, L'\0');

@@ -2,18 +2,18 @@
 #pragma once
 
 #include "tools/fructl/contents.h"
-#include "tools/fructl/edit.h"
 #include "tools/fructl/library.h"
+#include "tools/fructl/librarychanges.h"
 
 #include <memory>
 
 namespace Fructl {
 
-/// Starts the library, and loads and selects the FRU that the bytes of `contents` are an image of.
+/// Starts the library, and loads and selects the FRU of `contents` from a simulated device that holds its image.
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents);
-/// The same from the device or the file itself.
-std::unique_ptr<CLibrary> LoadedLibrary(const CONTENTS& contents);
+/// The same from the device itself.
+std::unique_ptr<CLibrary> DeviceLibrary(const SOURCE& source);
 /// Makes the changes; `fru` is what the loaded FRU holds.
-void ApplyEdits(const CLibrary& library, const FRU& fru, EDITS edits);
+void ApplyChanges(const CLibrary& library, const FRU& fru, LIBRARY_CHANGES changes);
 
 } // namespace Fructl

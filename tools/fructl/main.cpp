@@ -35,9 +35,10 @@ constexpr const char* EXAMPLES =
 /// Adds the command `name`, or all where it is none: help and errors tell of all.
 void AddCommands(CLI::App& app, std::string_view name) {
     static constexpr std::pair<std::string_view, void (*)(CLI::App&)> COMMANDS[] = {
-        {"show", AddShow},     {"get", AddGet},         {"set", AddSet},     {"fields", AddFields}, {"save", AddSave},
-        {"commit", AddCommit}, {"restore", AddRestore}, {"apply", AddApply}, {"diff", AddDiff},     {"map", AddMap},
-        {"dump", AddDump},     {"load", AddLoad},       {"scan", AddScan},   {"probe", AddProbe},   {"info", AddInfo}};
+        {"show", AddShow},     {"get", AddGet},  {"set", AddSet},       {"fields", AddFields},   {"save", AddSave},
+        {"commit", AddCommit}, {"new", AddNew},  {"repair", AddRepair}, {"restore", AddRestore}, {"apply", AddApply},
+        {"diff", AddDiff},     {"map", AddMap},  {"dump", AddDump},     {"load", AddLoad},       {"scan", AddScan},
+        {"probe", AddProbe},   {"info", AddInfo}};
     const bool isKnown =
         std::any_of(std::begin(COMMANDS), std::end(COMMANDS), [&](const auto& row) { return row.first == name; });
     for (const auto& [known, add] : COMMANDS)

@@ -1,8 +1,8 @@
 #include "tools/fructl/source.h"
 
 #include "tools/fructl/eeprom.h"
+#include "tools/fructl/filekind.h"
 #include "tools/fructl/files.h"
-#include "tools/fructl/textfile.h"
 #include "tools/fructl/toolerror.h"
 
 namespace Fructl {

@@ -1,79 +1,92 @@
 #include "tools/fructl/titles.h"
 
+#include "tools/fructl/files.h"
 #include "tools/fructl/languages.h"
-#include "tools/fructl/library.h"
-#include "tools/fructl/session.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/terminal.h"
+#include "tools/fructl/toolerror.h"
 
-#include "sim/fruimagebuilder.h"
+#include "common/stringid.h"
+#include "tools/strc/tablefile.h"
+#include "tools/strc/utf8.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace Fructl {
 
 namespace {
 
-using nlohmann::json;
+namespace fs = std::filesystem;
 
-json TitlesInChild() {
-    using namespace Frudata_Sim;
-    const CLibrary library(CFruImageBuilder()
-                               .InternalUse(BYTES(7))
-                               .Chassis({.chassisType = 1, .customFields = {"--"}})
-                               .Board({.customFields = {"--"}})
-                               .Product({.customFields = {"--"}})
-                               .MultiRecord(0xC0, BYTES(3))
-                               .Build());
-    _EFI_FRU_INTERFACE* table = library.Table();
-    library.Check(library.Load(ADDRESS()), EXIT_DEVICE, "titles");
-    library.SelectDevice();
-    json titles = json::object();
-    for (const AREA_ROW& row : Areas()) {
-        json& texts = titles[std::to_string(row.area)];
-        const WCHAR* text = nullptr;
-        library.Check(table->SelectAreaEnum(table, row.area), EXIT_DEVICE, "titles");
-        library.Check(table->GetAreaName(table, text), EXIT_DEVICE, "titles");
-        texts.push_back(Utf8(text));
-        for (unsigned index = 0; row.headerLength != 0 && index <= row.fields.size(); ++index) {
-            library.Check(table->SelectFieldInteger(table, index), EXIT_DEVICE, "titles");
-            library.Check(table->GetFieldTitle(table, text), EXIT_DEVICE, "titles");
-            texts.push_back(Utf8(text));
-        }
+using Frudata_Private::TEXT_TABLE;
+
+constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
+
+/// The numbers of an area's own text, of its first field's, which the others follow, and of its custom fields'.
+constexpr struct {
+    AREA_ID area;
+    std::size_t title;
+    std::size_t firstField;
+    std::size_t custom;
+} NUMBERS[] = {{AREA_ID::INTERNAL_USE, STRING_AREA_INTERNAL_USE, 0, 0},
+               {AREA_ID::MULTIRECORD, STRING_AREA_MULTIRECORD, 0, 0},
+               {AREA_ID::CHASSIS, STRING_AREA_CHASSIS, STRING_CHASSIS_TYPE, STRING_CHASSIS_CUSTOM_FIELD},
+               {AREA_ID::BOARD, STRING_AREA_BOARD, STRING_BOARD_MFG_DATE_TIME, STRING_BOARD_CUSTOM_FIELD},
+               {AREA_ID::PRODUCT, STRING_AREA_PRODUCT, STRING_PRODUCT_MANUFACTURER_NAME, STRING_PRODUCT_CUSTOM_FIELD}};
+
+/// The texts of this run's language; none where they cannot be read. The library's way to them needs a session with it.
+TEXT_TABLE ReadTexts() {
+    TEXT_TABLE texts;
+    const fs::path file = DataDirectory() / TextDirectory(Settings().language) / TABLE_PATH;
+    try {
+        const BYTES bytes = ReadFile(file.string());
+        if (!Frudata_Private::ReadCompiledTable(std::string(bytes.begin(), bytes.end()), texts) &&
+            texts.size() > STRING_PRODUCT_CUSTOM_FIELD)
+            return texts;
+    } catch (const CToolError&) {
+        // Without texts the names of the standard remain.
     }
-    return titles;
+    Note(fmt::format("no texts for {}: set FRUDATA_DATADIR to the directory that holds '{}'", Settings().language,
+                     TextDirectory(Settings().language)));
+    return {};
+}
+
+/// A text by its number; `fallback` where there is none.
+std::string Text(std::size_t number, const char* fallback) {
+    static const TEXT_TABLE texts = ReadTexts();
+    const bool isThere = number < texts.size() && !texts[number].empty();
+    return isThere ? Frudata_Private::EncodeUtf8(texts[number]) : std::string(fallback);
+}
+
+const auto& NumbersOf(AREA_ID area) {
+    return *std::find_if(std::begin(NUMBERS), std::end(NUMBERS) - 1, [&](const auto& row) { return row.area == area; });
 }
 
 } // namespace
 
-const TITLES& Titles() {
-    static const TITLES titles = [] {
-        const json texts = RunSession("titles", [](const PROGRESS&) { return TitlesInChild(); });
-        TITLES all;
-        for (const auto& [area, list] : texts.items())
-            all[static_cast<FRU_AREA>(std::stoi(area))] = list.get<std::vector<std::string>>();
-        if (all.at(FRU_AREA_BOARD)[0].empty())
-            Note(fmt::format("no texts for {}: set FRUDATA_DATADIR to the directory that holds '{}'",
-                             Settings().language, TextDirectory(Settings().language)));
-        return all;
-    }();
-    return titles;
+fs::path DataDirectory() {
+    std::error_code ignored;
+    const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+    const char* given = std::getenv("FRUDATA_DATADIR");
+    for (const fs::path& directory : {fs::path(given ? given : ""), program / "..", program / "../share/frudata"})
+        if (!directory.empty() && fs::exists(directory / TextDirectory(Languages().front()) / TABLE_PATH, ignored))
+            return directory;
+    return {};
 }
 
-std::string AreaTitle(FRU_AREA area) {
-    const std::string title = Titles().at(area)[0];
-    return title.empty() ? AreaRow(area).title : title;
+std::string AreaTitle(AREA_ID area) {
+    return Text(NumbersOf(area).title, AreaRow(area).title);
 }
 
 std::string Title(const AREA_ROW& row, std::size_t position) {
+    const auto& numbers = NumbersOf(row.id);
     const std::size_t fixed = row.fields.size();
-    std::string title = Titles().at(row.area)[1 + std::min(position, fixed)];
-    if (title.empty())
-        title = position < fixed ? row.fields[position].title : "Custom field";
-    return position < fixed ? title : fmt::format("{} {}", title, position - fixed + 1);
+    if (position < fixed)
+        return Text(numbers.firstField + position, row.fields[position].title);
+    return fmt::format("{} {}", Text(numbers.custom, "Custom field"), position - fixed + 1);
 }
 
 } // namespace Fructl

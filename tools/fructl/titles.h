@@ -1,20 +1,18 @@
-// What areas and fields are called.
+// What areas and fields are called in the language of this run.
 #pragma once
 
-#include "tools/fructl/fieldname.h"
+#include "tools/fructl/fru.h"
 
-#include <map>
+#include <filesystem>
 #include <string>
-#include <vector>
 
 namespace Fructl {
 
-/// Titles in the language of this run: for each area its own, then those of its fixed fields, then the one
-/// of its custom fields. An empty one: the library has none.
-using TITLES = std::map<FRU_AREA, std::vector<std::string>>;
-const TITLES& Titles();
-/// The title of field `position` of an area; the tool's own where the library has none.
+/// The directory that holds the library's texts, one directory a language; empty where there is none.
+std::filesystem::path DataDirectory();
+
+/// The title of field `position` of an area; the tool's own where there is no text.
 std::string Title(const AREA_ROW& row, std::size_t position);
-std::string AreaTitle(FRU_AREA area);
+std::string AreaTitle(AREA_ID area);
 
 } // namespace Fructl

@@ -1,5 +1,5 @@
 // Sessions with OpenIPMI's ipmi_sim: a BMC that is not ours.
-#include "sim/fruimagebuilder.h"
+#include "fruimage/imagebuilder.h"
 #include "tests/drivers/lan/support.h"
 
 #include "frudata/frudata.h"
@@ -51,7 +51,7 @@ class Session : public testing::Test {
         if (!CIpmiSim::IsInstalled())
             return;
         const Frudata_Sim::BYTES image =
-            CFruImageBuilder()
+            FruImage::CImageBuilder()
                 .Product({.manufacturer = "Maker", .productName = "Rack", .assetTag = "none"}, 16)
                 .Build(256);
         BYTES behind = GOOD_DEVICE;

@@ -5,7 +5,7 @@
 
 namespace {
 
-using namespace FruImage;
+using namespace FruRecords;
 
 struct ENCODE_ROW {
     std::uint8_t type;

@@ -3,7 +3,7 @@
 
 namespace {
 
-using namespace FruImage;
+using namespace FruRecords;
 
 struct ROUND_TRIP {
     const char* description;

@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace FruImage;
+using namespace FruRecords;
 
 constexpr const char* PROGRAM = "PATH=$PATH:/usr/sbin:/sbin ipmi-fru ";
 

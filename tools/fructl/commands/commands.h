@@ -2,11 +2,12 @@
 #pragma once
 
 #include "tools/fructl/edit.h"
+#include "tools/fructl/jsonreport.h"
+#include "tools/fructl/open.h"
 #include "tools/fructl/report.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
-#include "tools/fructl/value.h"
 
 #include <functional>
 #include <string>
@@ -24,6 +25,8 @@ void AddGet(CLI::App& app);
 void AddSet(CLI::App& app);
 void AddFields(CLI::App& app);
 void AddSave(CLI::App& app);
+void AddNew(CLI::App& app);
+void AddRepair(CLI::App& app);
 void AddCommit(CLI::App& app);
 void AddRestore(CLI::App& app);
 void AddApply(CLI::App& app);
@@ -59,24 +62,50 @@ class CSources {
     CLI::Option* m_positional;
 };
 
-/// Options of everything that writes a device.
+/// Options of everything that writes.
 struct WRITE_OPTIONS {
-    std::string backup; ///< a file, or a directory for one with a name made from the device's; empty: the current one
+    std::string backup; ///< a file, or a directory for one with a name made from the source's. Empty: in the current
+                        ///< one for a device, none for a file
     bool noBackup = false;
     bool dryRun = false;
+    bool yes = false;
 };
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options);
+/// Asks on a terminal, unless `options` answer. @throws CToolError where the answer is no
+void Confirm(const std::string& question, const WRITE_OPTIONS& options);
 
-/// Writes `edits` to a device: difference, backup, write, read back, compare.
-void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEdits, const WRITE_OPTIONS& options);
+/// Options of what changes a file, or a device.
+struct CHANGE_OPTIONS {
+    std::string output; ///< empty: the source itself
+    bool binary = false;
+    bool commit = false;
+    WRITE_OPTIONS write;
+};
+void AddChangeOptions(CLI::App& command, CHANGE_OPTIONS& options);
+
+/// Options of what takes AREA.FIELD=VALUE.
+void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options);
+
+/// What is to be written of what a source holds. @throws CToolError where it is refused
+using PLANNER = std::function<PLAN(const CONTENTS&)>;
+/// Shows what the plan changes and writes it, as the options say: to the source, or to another file.
+void Change(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options);
+/// The same to a device: difference, backup, write, read back, compare.
+void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& options);
+/// Keeps `bytes` of the source in a file that the options name, or in one named after the source. @return its name
+std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given);
+/// What brings the contents of a device back of which `backup` is a copy, for a person to type.
+std::string RestoreHint(const std::string& backup, const CONTENTS& before);
+
 /// Writes bytes to a device from its start on, except where `known` says that they are there already.
 void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known);
 /// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`, with what `before`,
 /// its contents until then as far as they are known, tells about the reason
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before);
-/// Writes the source with `edits` to the file `output`; binary where `binary`.
-void SaveContents(const CONTENTS& contents, const EDITS& edits, const std::string& output, bool binary,
-                  const std::string& title = {});
+
+/// The areas of FIELD words that are damaged, or not to be found behind a damaged header: a note of what is wrong with
+/// the FRU and, where one of `areas` is concerned, the failure to end with.
+void RequireAreas(const CONTENTS& contents, const std::vector<AREA_ID>& areas);
 
 /// A new command with its help; `examples` are shown behind the options.
 CLI::App& NewCommand(CLI::App& app, const std::string& name, const std::string& description,

@@ -1,9 +1,8 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/devicesession.h"
+#include "tools/fructl/difference.h"
 #include "tools/fructl/files.h"
-#include "tools/fructl/image.h"
-#include "tools/fructl/imagesession.h"
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
 
@@ -59,15 +58,29 @@ std::string DeviceArgument(const SOURCE& device) {
     return address == AddressText({}) ? "system" : device.isEeprom ? Quoted(address) : address;
 }
 
-nlohmann::json JsonChanges(const EDITS& edits) {
-    nlohmann::json changes = nlohmann::json::array();
-    for (const ASSIGNMENT& one : edits.fields) {
-        const FIELD after{one.before.kind, static_cast<UINT8>(FIELD_8_BIT | one.data.size()), one.data};
-        changes.push_back({{"name", one.name.text},
-                           {"before", JsonField(one.name.text, one.before)},
-                           {"after", JsonField(one.name.text, after)}});
-    }
+/// How a plan gets onto a device: through the library where it writes exactly that, else byte by byte.
+std::optional<LIBRARY_CHANGES> ThroughLibrary(const CONTENTS& contents, const PLAN& plan) {
+    if (contents.source.isEeprom || contents.bytes.size() != plan.bytes.size())
+        return std::nullopt;
+    auto changes = LibraryChanges(contents.fru, FruImage::Parse(plan.bytes));
+    if (changes && !LibraryWrites(contents, *changes, plan.bytes))
+        changes.reset();
     return changes;
+}
+
+std::string StepsText(const PLAN& plan) {
+    std::string text =
+        fmt::format("  written in {}: {}\n", Counted(plan.steps.size(), "step"), Counted(plan.Written(), "byte"));
+    for (const FruImage::STEP& step : plan.steps)
+        text += fmt::format("    {:5} at {:03X}h  {}\n", Counted(step.bytes.size(), "byte"), step.offset, step.what);
+    return text;
+}
+
+nlohmann::json JsonSteps(const PLAN& plan) {
+    nlohmann::json steps = nlohmann::json::array();
+    for (const FruImage::STEP& step : plan.steps)
+        steps.push_back({{"offset", step.offset}, {"length", step.bytes.size()}, {"what", step.what}});
+    return steps;
 }
 
 /// Writes with a progress bar, and to its end whatever the terminal says. A failure says how far it came.
@@ -89,47 +102,45 @@ void Write(const SOURCE& device, const std::function<void(const PROGRESS&)>& wor
     }
 }
 
-void WriteChanges(const CONTENTS& contents, const EDITS& edits, const BYTES& expected) {
-    const std::string problem = PackingProblem(contents.fru);
-    if (problem.empty() && !contents.source.isEeprom)
-        return Write(contents.source, [&](const PROGRESS& sink) { CommitDevice(contents, edits, sink); });
-    // Written through the table, the areas would land on each other.
-    if (!problem.empty())
-        Note(problem + ": only the bytes that change are written, each at its place");
-    WriteImage(contents.source, expected, contents.bytes);
-}
-
-/// Writes, reads back and compares. A failure says how the old contents come back from `backup`, if there is one.
-void WriteVerified(const CONTENTS& contents, const EDITS& edits, const BYTES& expected, const std::string& backup) {
-    try {
-        WriteChanges(contents, edits, expected);
-        CompareWritten(contents.source, expected, contents.bytes);
-    } catch (CToolError& error) {
-        if (!backup.empty())
-            error.m_hint +=
-                fmt::format("{}to bring the old contents back: fructl restore {} --to {}",
-                            error.m_hint.empty() ? "" : "\n  ", Quoted(backup), DeviceArgument(contents.source));
-        throw;
-    }
+void WritePlan(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library) {
+    Write(contents.source, [&](const PROGRESS& sink) {
+        if (library)
+            CommitDevice(contents, *library, sink);
+        else
+            WriteSteps(contents.source, plan.steps, contents.bytes, sink);
+    });
 }
 
 CONTENTS OpenWhole(const SOURCE& device) {
     CProgressBar bar("reading " + device.label);
-    CONTENTS contents{device, ReadDevice(device, WHOLE, bar.Sink()), {}};
-    contents.fru = ParseImage(contents.bytes);
-    if (!contents.fru.IsDamaged())
-        LoadWithLibrary(contents);
-    contents.RequireSound();
-    return contents;
+    return Open(device, READING::WHOLE, bar.Sink());
+}
+
+/// Writes what was agreed upon, keeps the old contents, reads back.
+void WriteVerified(const CONTENTS& contents, const PLAN& plan, const std::optional<LIBRARY_CHANGES>& library,
+                   const std::string& backup) {
+    try {
+        WritePlan(contents, plan, library);
+        CompareWritten(contents.source, plan.bytes, contents.bytes);
+    } catch (CToolError& error) {
+        if (!backup.empty())
+            error.m_hint += (error.m_hint.empty() ? "" : "\n  ") + RestoreHint(backup, contents);
+        throw;
+    }
 }
 
 } // namespace
 
-void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options) {
-    command.add_option("--backup", options.backup, "Name of the backup image, or a directory for it")
-        ->type_name("FILE");
-    command.add_flag("--no-backup", options.noBackup, "Keep no backup");
-    command.add_flag("--dry-run", options.dryRun, "Show the difference, write nothing");
+std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given) {
+    const std::string name = BackupName(source, given);
+    WriteFile(name, bytes);
+    Note("the old contents are kept in " + name);
+    return name;
+}
+
+std::string RestoreHint(const std::string& backup, const CONTENTS& before) {
+    return fmt::format("to bring the old contents back: fructl restore {} --to {}{}", Quoted(backup),
+                       DeviceArgument(before.source), before.fru.IsSound() ? "" : " --force");
 }
 
 void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known) {
@@ -137,7 +148,7 @@ void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known) {
 }
 
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) {
-    const BYTES after = ReadDevice(device, expected.size());
+    const BYTES after = ReadDevice(device, READING::AREAS, expected.size()).bytes;
     std::optional<std::size_t> first;
     bool dropped = true;
     for (std::size_t offset = 0; offset < expected.size(); ++offset) {
@@ -157,39 +168,41 @@ void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) 
                              : "neither the old nor the new bytes are there: someone else wrote meanwhile");
 }
 
-void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEdits, const WRITE_OPTIONS& options) {
+void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& options) {
     std::optional<CDeviceLock> lock;
     if (!options.dryRun)
         lock.emplace(device);
     const CONTENTS contents = OpenWhole(device);
-    const EDITS edits = makeEdits(contents.fru);
-    nlohmann::json report = {{"device", JsonSource(device)}, {"changes", JsonChanges(edits)}, {"written", false}};
+    const PLAN plan = planner(contents);
+    const FRU after = FruImage::Parse(plan.bytes);
+    NoteDamage(device.label, after);
+    nlohmann::json report = {{"device", JsonSource(device)},
+                             {"changes", JsonChanges(contents.fru, after)},
+                             {"moves", JsonMoves(plan)},
+                             {"written", false}};
     const auto finish = [&](const std::string& text) {
         if (Settings().json)
             PrintJson(report);
         else
             PrintText(text);
+        std::fflush(stdout);
     };
-    if (edits.IsEmpty())
+    if (plan.IsEmpty())
         return finish("Nothing to change: every field has its value already.\n");
-    const BYTES expected = EditImage(contents.bytes, contents.fru, edits, device.label);
-    if (expected.size() > contents.bytes.size() && device.address.type == FRU_TYPE_IMBDEVICE)
-        throw CToolError(
-            EXIT_REFUSED, device.label,
-            fmt::format("it has {}, {} are needed", Counted(contents.bytes.size(), "byte"), expected.size()));
+    const auto library = ThroughLibrary(contents, plan);
+    report["steps"] = library ? nlohmann::json::array() : JsonSteps(plan);
     if (!Settings().json)
-        PrintText(fmt::format("{}:\n{}", device.label, DescribeEdits(edits)));
+        PrintText(fmt::format("{}:\n{}{}", device.label, DescribePlan(plan, contents.fru, after),
+                              library ? "" : StepsText(plan)));
     if (options.dryRun)
         return finish("Nothing was written.\n");
     std::fflush(stdout);
-    const std::string backup = options.noBackup ? std::string() : BackupName(device, options.backup);
-    if (!backup.empty()) {
-        WriteFile(backup, contents.bytes);
+    Confirm("write " + device.label, options);
+    const std::string backup = options.noBackup ? "" : KeepBackup(device, contents.bytes, options.backup);
+    if (!backup.empty())
         report["backup"] = backup;
-        Note("the old contents are kept in " + backup);
-    }
     const CFinish untilSaid;
-    WriteVerified(contents, edits, expected, backup);
+    WriteVerified(contents, plan, library, backup);
     report["written"] = true;
     finish(Colored(COLOR::GREEN, "Written and verified.") + "\n");
 }
@@ -199,17 +212,18 @@ void AddCommit(CLI::App& app) {
         NewCommand(app, "commit", "Change fields of a device: difference, backup, write, read back, compare",
                    "  fructl commit --system product.asset-tag=12345\n"
                    "  fructl commit --at 'PSU 1' board.serial-number=AB123 --backup psu1.bin\n"
-                   "  fructl commit --system chassis.type=23 --dry-run");
+                   "  fructl commit --system product.custom+='Rack 7' --dry-run\n"
+                   "'fructl set --help' shows everything that can be changed.");
     const auto sources = std::make_shared<CSources>(command, "DEVICE AREA.FIELD=VALUE...", "Assignments");
     const auto options = std::make_shared<WRITE_OPTIONS>();
+    const auto edits = std::make_shared<EDIT_OPTIONS>();
     AddWriteOptions(command, *options);
-    command.callback([sources, options] {
+    AddEditOptions(command, *edits);
+    command.callback([sources, options, edits] {
         const SOURCE device = sources->TakeDevice();
-        if (sources->Words().empty())
-            throw CToolError(EXIT_USAGE, "commit", "an AREA.FIELD=VALUE is missing",
-                             "for example: board.serial-number=AB123");
+        const CHANGES changes = ParseEdits(sources->Words(), *edits);
         Commit(
-            device, [&](const FRU& fru) { return ParseAssignments(sources->Words(), fru); }, *options);
+            device, [&](const CONTENTS& contents) { return MakePlan(contents, changes, edits->limits); }, *options);
     });
 }
 

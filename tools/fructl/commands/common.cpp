@@ -56,6 +56,16 @@ SOURCE CSources::TakeDevice() {
     return TakeOne();
 }
 
+void RequireAreas(const CONTENTS& contents, const std::vector<AREA_ID>& areas) {
+    std::string problems;
+    for (const AREA_ID area : areas)
+        if (const std::string text = ProblemText(contents.fru, area); problems.find(text) == std::string::npos)
+            problems += (problems.empty() ? "" : "; ") + text;
+    if (!problems.empty())
+        throw CToolError(EXIT_DAMAGED, contents.source.label, problems);
+    NoteDamage(contents.source.label, contents.fru);
+}
+
 void SetUsage(CLI::App& command, const std::string& arguments) {
     command.formatter(std::make_shared<CHelpFormatter>(
         fmt::format("fructl {} {}[OPTIONS]", command.get_name(), arguments.empty() ? arguments : arguments + " ")));

@@ -1,7 +1,6 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/compare.h"
-#include "tools/fructl/open.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -39,9 +38,7 @@ std::string TextDifferences(const std::vector<DIFFERENCE>& differences) {
 void Diff(CSources& sources, bool exitCode) {
     const std::vector<SOURCE> both = sources.TakeAll(2);
     const CONTENTS left = Open(both[0]);
-    left.RequireSound();
     const CONTENTS right = Open(both[1]);
-    right.RequireSound();
     const std::vector<DIFFERENCE> differences = Compare(left.fru, right.fru);
     if (Settings().json) {
         nlohmann::json list = nlohmann::json::array();
@@ -54,6 +51,8 @@ void Diff(CSources& sources, bool exitCode) {
     } else {
         PrintText(TextDifferences(differences));
     }
+    left.RequireSound(false);
+    right.RequireSound(false);
     if (exitCode && !differences.empty())
         throw CToolError(EXIT_UNVERIFIED, "diff", fmt::format("{} differences", differences.size()));
 }

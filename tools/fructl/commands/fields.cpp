@@ -1,6 +1,5 @@
 #include "tools/fructl/commands/commands.h"
 
-#include "tools/fructl/standardnames.h"
 #include "tools/fructl/titles.h"
 
 #include <CLI/CLI.hpp>
@@ -22,7 +21,7 @@ std::string Hint(const FIELD_ROW& field) {
     case FIELD_KIND::CHASSIS_TYPE:
         return "a name or number, see below";
     case FIELD_KIND::DATE:
-        return "2026-05-31, 2026-05-31T14:30Z (UTC) or unspecified";
+        return "2026-05-31, 2026-05-31T14:30Z (UTC), now or unspecified";
     default:
         return {};
     }
@@ -31,18 +30,51 @@ std::string Hint(const FIELD_ROW& field) {
 std::vector<LISTED> AllFields() {
     std::vector<LISTED> all = {{"header.data", "Common header", "read only"}};
     for (const AREA_ROW& row : Areas()) {
-        if (row.headerLength == 0) {
-            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.area), "read only: see 'fructl load'"});
+        if (!row.IsInfo()) {
+            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.id), "hexadecimal bytes, or @FILE"});
             continue;
         }
         for (std::size_t position = 0; position < row.fields.size(); ++position)
-            all.push_back({FieldName(row, position), Title(row, position), Hint(row.fields[position])});
-        all.push_back(
-            {FieldName(row, row.fields.size()), Title(row, row.fields.size()), "and so on, in the order of the image"});
-        if (row.area != FRU_AREA_CHASSIS)
-            all.push_back({fmt::format("{}.language", row.name), "Language", "read only"});
+            all.push_back(
+                {FieldNameText(FruImage::FieldAt(row.id, position)), Title(row, position), Hint(row.fields[position])});
+        all.push_back({FieldNameText(FruImage::FieldAt(row.id, row.fields.size())), Title(row, row.fields.size()),
+                       fmt::format("and so on; {}.custom+=VALUE adds one", row.name)});
+        if (row.hasLanguage)
+            all.push_back({fmt::format("{}.language", row.name), "Language", "a number, or a name such as English"});
     }
     return all;
+}
+
+std::string TypesText(const FruRecords::RECORD_DESCRIPTION& record) {
+    if (record.firstType == record.lastType)
+        return fmt::format("type {:02X}h", record.firstType);
+    return fmt::format("types {:02X}h to {:02X}h", record.firstType, record.lastType);
+}
+
+std::string RecordFieldsText() {
+    std::string text =
+        "\nFields of records: multirecord.N.FIELD, N from 1 on; multirecord.N.type=TYPE makes a new one\n";
+    for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
+        std::vector<std::vector<std::string>> rows;
+        for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
+            rows.push_back({field.key, field.title, Colored(COLOR::DIM, field.accepts)});
+        text += fmt::format("{}, {}\n{}", record.title, TypesText(record), Table(rows));
+    }
+    return text;
+}
+
+nlohmann::json JsonRecordFields() {
+    nlohmann::json records = nlohmann::json::array();
+    for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
+        nlohmann::json fields = nlohmann::json::array();
+        for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
+            fields.push_back({{"name", field.key}, {"title", field.title}, {"accepts", field.accepts}});
+        records.push_back({{"title", record.title},
+                           {"firstType", record.firstType},
+                           {"lastType", record.lastType},
+                           {"fields", std::move(fields)}});
+    }
+    return records;
 }
 
 void PrintFieldsText() {
@@ -51,11 +83,13 @@ void PrintFieldsText() {
         rows.push_back({field.name, field.title, Colored(COLOR::DIM, field.hint)});
     PrintText("Fields\n" + Table(rows) + "\nChassis types\n");
     std::vector<std::vector<std::string>> types;
-    constexpr UINT8 HALF = 16;
-    for (UINT8 type = 1; type <= HALF; ++type)
-        types.push_back({fmt::format("{:2}", type), std::string(ChassisTypeName(type)), fmt::format("{}", type + HALF),
-                         std::string(ChassisTypeName(static_cast<UINT8>(type + HALF)))});
-    PrintText(Table(types));
+    constexpr UINT8 HALF = 18;
+    const auto name = [](UINT8 type) { return std::string(FruImage::ChassisTypeName(type)); };
+    for (UINT8 type = 1; type <= HALF; ++type) {
+        const auto second = static_cast<UINT8>(type + HALF);
+        types.push_back({fmt::format("{:2}", type), name(type), fmt::format("{}", second), name(second)});
+    }
+    PrintText(Table(types) + RecordFieldsText());
 }
 
 void ListFields(bool namesOnly) {
@@ -63,7 +97,7 @@ void ListFields(bool namesOnly) {
         nlohmann::json fields = nlohmann::json::array();
         for (const LISTED& field : AllFields())
             fields.push_back({{"name", field.name}, {"title", field.title}});
-        PrintJson({{"fields", std::move(fields)}});
+        PrintJson({{"fields", std::move(fields)}, {"records", JsonRecordFields()}});
     } else if (namesOnly) {
         for (const LISTED& field : AllFields())
             PrintText(field.name + "\n");

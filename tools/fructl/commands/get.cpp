@@ -1,8 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/compare.h"
-#include "tools/fructl/open.h"
-#include "tools/fructl/standardnames.h"
+#include "tools/fructl/fieldname.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -12,39 +11,36 @@ namespace Fructl {
 
 namespace {
 
-/// The bare value: a chassis type by its name alone, so that `set` takes it back.
-std::string BareValue(const ENTRY& entry, const FIELD_NAME& name) {
-    const bool isType = name.area == FRU_AREA_CHASSIS && name.part == FIELD_NAME::FIXED && name.index == 0;
-    if (!isType || entry.raw.empty())
-        return entry.value;
-    const std::string_view text = ChassisTypeName(entry.raw[0]);
-    return text.empty() ? std::to_string(entry.raw[0]) : std::string(text);
-}
-
 void Get(CSources& sources, bool raw) {
     const SOURCE source = sources.TakeOne();
-    std::vector<FIELD_NAME> names;
-    for (const std::string& word : sources.Words())
-        names.push_back(ParseFieldName(word));
+    std::vector<std::string> names;
+    std::vector<AREA_ID> areas;
+    for (const std::string& word : sources.Words()) {
+        const auto record = ParseRecordName(word);
+        names.push_back(record ? RecordNameText(record->index, record->key) : word);
+        areas.push_back(record ? AREA_ID::MULTIRECORD : NamedField(word).area);
+    }
     if (names.empty())
         throw CToolError(EXIT_USAGE, "get", "a field is missing",
                          "for example: fructl get board.fru board.serial-number");
     const CONTENTS contents = Open(source);
-    contents.RequireSound();
     nlohmann::json values = nlohmann::json::object();
     std::string text;
-    for (const FIELD_NAME& name : names) {
-        const auto entry = FindEntry(contents.fru, name);
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const auto entry = FindEntry(contents.fru, names[index]);
         if (!entry)
-            throw CToolError(EXIT_REFUSED, name.text, fmt::format("{} has no such field", source.label),
+            RequireAreas(contents, {areas[index]});
+        if (!entry)
+            throw CToolError(EXIT_REFUSED, names[index], fmt::format("{} has no such field", source.label),
                              "'fructl show' lists the fields that it has");
-        text += (raw ? Hex(entry->raw) : BareValue(*entry, name)) + "\n";
-        values[name.text] = {{"value", BareValue(*entry, name)}, {"type", entry->type}, {"raw", Hex(entry->raw)}};
+        text += (raw ? Hex(entry->raw) : entry->bare) + "\n";
+        values[entry->name] = {{"value", entry->bare}, {"type", entry->type}, {"raw", Hex(entry->raw)}};
     }
     if (Settings().json)
         PrintJson({{"source", JsonSource(source)}, {"values", std::move(values)}});
     else
         PrintText(text);
+    RequireAreas(contents, areas);
 }
 
 } // namespace

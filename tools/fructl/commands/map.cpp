@@ -1,7 +1,5 @@
 #include "tools/fructl/commands/commands.h"
 
-#include "tools/fructl/open.h"
-
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -16,32 +14,32 @@ constexpr std::size_t COLUMNS = 64;
 constexpr std::size_t MAXIMUM_ROWS = 16;
 
 struct MARK {
-    FRU_AREA area;
+    AREA_ID area;
     char letter; ///< a used byte; a free one is the letter in lower case
     COLOR color;
 };
-constexpr MARK MARKS[] = {{FRU_AREA_COMMON_HEADER, 'H', COLOR::BOLD}, {FRU_AREA_INTERNAL_USE, 'I', COLOR::MAGENTA},
-                          {FRU_AREA_CHASSIS, 'C', COLOR::BLUE},       {FRU_AREA_BOARD, 'B', COLOR::GREEN},
-                          {FRU_AREA_PRODUCT, 'P', COLOR::YELLOW},     {FRU_AREA_MULTIRECORD, 'M', COLOR::CYAN}};
+constexpr MARK MARKS[] = {{AREA_ID::HEADER, 'H', COLOR::BOLD},    {AREA_ID::INTERNAL_USE, 'I', COLOR::MAGENTA},
+                          {AREA_ID::CHASSIS, 'C', COLOR::BLUE},   {AREA_ID::BOARD, 'B', COLOR::GREEN},
+                          {AREA_ID::PRODUCT, 'P', COLOR::YELLOW}, {AREA_ID::MULTIRECORD, 'M', COLOR::CYAN}};
 
-const MARK& MarkOf(FRU_AREA area) {
+const MARK& MarkOf(AREA_ID area) {
     return *std::find_if(std::begin(MARKS), std::end(MARKS) - 1, [&](const MARK& mark) { return mark.area == area; });
 }
 
 /// One letter a byte: used, free, or of no area.
 std::string Letters(const FRU& fru) {
-    std::string letters(fru.size, '.');
+    std::string letters(fru.bytes.size(), '.');
     const auto fill = [&](std::size_t begin, std::size_t end, char letter) {
         for (std::size_t position = begin; position < std::min(end, letters.size()); ++position)
             letters[position] = letter;
     };
-    fill(0, HEADER_SIZE, 'H');
+    fill(0, FruImage::HEADER_SIZE, 'H');
     for (const AREA& area : fru.areas) {
         const char letter = MarkOf(area.id).letter;
-        const std::size_t end = area.offset + area.bytes.size();
+        const std::size_t end = area.Range().End();
         fill(area.offset, end, letter);
-        if (area.IsInfo()) // free bytes lie between the end marker and the checksum
-            fill(end - 1 - std::min(area.Room(), area.bytes.size() - 1), end - 1, static_cast<char>(letter | 0x20));
+        if (area.IsInfo() && area.length != 0) // free bytes lie between the end marker and the checksum
+            fill(end - 1 - std::min(area.Free(), area.length - 1), end - 1, static_cast<char>(letter | 0x20));
     }
     return letters;
 }
@@ -91,10 +89,10 @@ std::string Picture(const std::string& letters) {
                               bytesPerCell == 1 ? "" : "s");
 }
 
-std::vector<std::string> Row(FRU_AREA id, std::size_t offset, std::size_t length, std::size_t used) {
+std::vector<std::string> Row(AREA_ID id, std::size_t offset, std::size_t length, std::size_t used) {
     const MARK& mark = MarkOf(id);
     return {Colored(mark.color, std::string(1, mark.letter)),
-            id == FRU_AREA_COMMON_HEADER ? "Common header" : AreaTitle(id),
+            id == AREA_ID::HEADER ? "Common header" : AreaTitle(id),
             fmt::format("{:04X}h", offset),
             fmt::format("{:5} bytes", length),
             fmt::format("{:5} used", used),
@@ -102,24 +100,24 @@ std::vector<std::string> Row(FRU_AREA id, std::size_t offset, std::size_t length
 }
 
 void Map(CSources& sources) {
-    SOURCE source = sources.TakeAll(1, true)[0];
-    CONTENTS contents = Open(source);
-    if (source.kind == SOURCE::DEVICE && !contents.fru.IsDamaged())
-        contents.fru = ParseImage(ReadDevice(source, WHOLE));
+    const SOURCE source = sources.TakeAll(1, true)[0];
+    const CONTENTS contents = Open(source);
     const FRU& fru = contents.fru;
     if (Settings().json) {
-        nlohmann::json areas = {{{"name", "header"}, {"offset", 0}, {"length", HEADER_SIZE}, {"used", HEADER_SIZE}}};
+        nlohmann::json areas = {
+            {{"name", "header"}, {"offset", 0}, {"length", FruImage::HEADER_SIZE}, {"used", FruImage::HEADER_SIZE}}};
         for (const AREA& area : fru.areas)
             areas.push_back({{"name", AreaName(area.id)},
                              {"offset", area.offset},
-                             {"length", area.bytes.size()},
-                             {"used", std::min(area.used, area.bytes.size())}});
-        PrintJson({{"source", JsonSource(source)}, {"size", fru.size}, {"areas", std::move(areas)}});
+                             {"length", area.length},
+                             {"used", std::min(area.used, area.length)}});
+        PrintJson({{"source", JsonSource(source)}, {"size", fru.bytes.size()}, {"areas", std::move(areas)}});
     } else {
-        std::vector<std::vector<std::string>> rows = {Row(FRU_AREA_COMMON_HEADER, 0, HEADER_SIZE, HEADER_SIZE)};
+        std::vector<std::vector<std::string>> rows = {
+            Row(AREA_ID::HEADER, 0, FruImage::HEADER_SIZE, FruImage::HEADER_SIZE)};
         for (const AREA& area : fru.areas)
-            rows.push_back(Row(area.id, area.offset, area.bytes.size(), area.used));
-        PrintText(fmt::format("{}  {} bytes\n\n{}\n{}", Colored(COLOR::BOLD, source.label), fru.size,
+            rows.push_back(Row(area.id, area.offset, area.length, area.used));
+        PrintText(fmt::format("{}  {} bytes\n\n{}\n{}", Colored(COLOR::BOLD, source.label), fru.bytes.size(),
                               Picture(Letters(fru)), Table(rows)));
     }
     contents.RequireSound(false);

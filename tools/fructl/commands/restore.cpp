@@ -1,48 +1,119 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/devicescan.h"
-#include "tools/fructl/devicesession.h"
+#include "tools/fructl/difference.h"
+#include "tools/fructl/fieldname.h"
+#include "tools/fructl/filekind.h"
 #include "tools/fructl/files.h"
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
-#include "tools/fructl/open.h"
-#include "tools/fructl/textfile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <optional>
 
 namespace Fructl {
 
 namespace {
 
 /// What a device holds now, as far as it can be read: what cannot be read may still be repaired.
-BYTES PresentBytes(const SOURCE& device, std::size_t count) {
+CONTENTS PresentContents(const SOURCE& device) {
     try {
-        return ReadDevice(device, count);
+        CONTENTS contents = Open(device, READING::RESCUE);
+        if (!contents.failure.empty())
+            Note(fmt::format("{}: {}", device.label, contents.failure));
+        return contents;
     } catch (const CToolError& error) {
         Note(fmt::format("{}: {}", error.m_what, error.m_why));
-        return {};
+        return {device, {}, {}, {}, false, error.m_why};
     }
 }
 
-void Restore(const std::string& backup, const SOURCE& device) {
-    const BYTES image = ReadFile(backup, IMAGE_LIMIT);
-    const FRU fru = ParseImage(image);
-    if (!LooksLikeImage(image))
+/// Whether everything that tells what a product is differs, and there is enough of it.
+bool IsOtherProduct(const FRU& present, const FRU& image) {
+    constexpr const char* IDENTITY[] = {"product.manufacturer", "product.name",       "product.part-number",
+                                        "board.manufacturer",   "board.product-name", "board.part-number"};
+    constexpr int ENOUGH = 2;
+    int comparable = 0;
+    for (const char* name : IDENTITY) {
+        const FIELD* left = present.Find(NamedField(name));
+        const FIELD* right = image.Find(NamedField(name));
+        if (!left || !right || left->text.empty() || right->text.empty())
+            continue;
+        if (left->text == right->text)
+            return false;
+        ++comparable;
+    }
+    return comparable >= ENOUGH;
+}
+
+void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& present) {
+    if (!image.IsSound() && !Settings().force)
+        throw CToolError(EXIT_REFUSED, backup, ProblemText(image), "--force writes it nevertheless");
+    const bool isKnown = present.sizeKnown && present.failure.empty();
+    if (isKnown && image.bytes.size() > present.bytes.size())
+        throw CToolError(
+            EXIT_REFUSED, present.source.label,
+            fmt::format("the image has {}, the device {}", Counted(image.bytes.size(), "byte"), present.bytes.size()));
+    // What an interrupted write leaves tells nothing about the product.
+    if (present.fru.IsSound() && IsOtherProduct(present.fru, image) && !Settings().force)
+        throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
+                         "--dry-run shows what differs, --force writes it nevertheless");
+}
+
+std::string DifferenceText(const FRU& present, const FRU& image) {
+    std::vector<std::vector<std::string>> rows;
+    const auto side = [](const std::optional<ENTRY>& entry) {
+        return entry ? "\"" + Printable(entry->value) + "\"" : std::string("(not there)");
+    };
+    for (const DIFFERENCE& one : Compare(present, image))
+        rows.push_back({one.Name(), side(one.left) + " -> " + side(one.right)});
+    return rows.empty() ? "  every field has its value already\n" : Table(rows);
+}
+
+FRU ReadBackup(const std::string& backup) {
+    const BYTES bytes = ReadFile(backup, IMAGE_LIMIT);
+    if (!LooksLikeImage(bytes))
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
-    if (fru.IsDamaged() && !Settings().force)
-        throw CToolError(EXIT_REFUSED, backup, fru.ProblemText(), "--force writes it nevertheless");
-    const CDeviceLock lock(device);
-    const BYTES before = PresentBytes(device, image.size());
-    const CFinish untilVerified;
-    WriteImage(device, image, {});
-    CompareWritten(device, image, before);
+    return FruImage::Parse(bytes);
+}
+
+void Print(const nlohmann::json& report, const std::string& text) {
     if (Settings().json)
-        PrintJson({{"device", JsonSource(device)}, {"written", true}, {"size", image.size()}});
+        PrintJson(report);
     else
-        PrintText(fmt::format("{} written and verified.\n", Counted(image.size(), "byte")));
+        PrintText(text);
+    std::fflush(stdout);
+}
+
+void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTIONS& options) {
+    const FRU image = ReadBackup(backup);
+    std::optional<CDeviceLock> lock;
+    if (!options.dryRun)
+        lock.emplace(device);
+    const CONTENTS present = PresentContents(device);
+    nlohmann::json report = {{"device", JsonSource(device)},
+                             {"changes", JsonChanges(present.fru, image)},
+                             {"written", false},
+                             {"size", image.bytes.size()}};
+    if (!Settings().json)
+        PrintText(fmt::format("{}:\n{}", device.label, DifferenceText(present.fru, image)));
+    if (options.dryRun)
+        return Print(report, "Nothing was written.\n");
+    CheckRestore(backup, image, present);
+    std::fflush(stdout);
+    Confirm("write " + device.label, options);
+    if (!options.noBackup && !present.bytes.empty())
+        report["backup"] = KeepBackup(device, present.bytes, options.backup);
+    const CFinish untilSaid;
+    WriteImage(device, image.bytes, {});
+    CompareWritten(device, image.bytes, present.bytes);
+    report["written"] = true;
+    Print(report, fmt::format("{} written and verified.\n", Counted(image.bytes.size(), "byte")));
 }
 
 } // namespace
@@ -51,16 +122,19 @@ void AddRestore(CLI::App& app) {
     CLI::App& command = NewCommand(app, "restore", "Write a backup image back to a device, byte for byte",
                                    "  fructl restore backup.bin --to system\n"
                                    "  fructl restore backup.bin --to type=imb,id=1\n"
-                                   "It writes a device too whose present contents are damaged.");
+                                   "It writes a device too whose present contents are damaged. --force insists on an\n"
+                                   "image that is damaged, or of another product.");
     SetUsage(command, "BACKUP --to DEVICE");
     struct OPTIONS {
         std::string backup;
         std::string to;
+        WRITE_OPTIONS write;
     };
     const auto options = std::make_shared<OPTIONS>();
     command.add_option("backup", options->backup, "The image")->required();
     command.add_option("--to", options->to, "system, a name, or an address")->required()->type_name("DEVICE");
-    command.callback([options] { Restore(options->backup, DeviceSource(options->to)); });
+    AddWriteOptions(command, options->write);
+    command.callback([options] { Restore(options->backup, DeviceSource(options->to), options->write); });
 }
 
 void AddApply(CLI::App& app) {
@@ -68,7 +142,7 @@ void AddApply(CLI::App& app) {
         NewCommand(app, "apply", "Copy the field values of a file to a device, then as commit",
                    "  fructl apply board.fru --to system\n"
                    "  fructl apply board.fru --to 'PSU 1' --dry-run\n"
-                   "Copied are the fields of the chassis, board and product areas. With --force, fields\n"
+                   "Copied are the fields of the chassis, board and product areas. With --force, areas\n"
                    "that the device does not have are left out.");
     const auto sources = std::make_shared<CSources>(command, "FILE --to DEVICE", "File with the values");
     const auto options = std::make_shared<WRITE_OPTIONS>();
@@ -79,7 +153,11 @@ void AddApply(CLI::App& app) {
         const CONTENTS values = Open(sources->TakeAll(1)[0]);
         values.RequireSound();
         Commit(
-            DeviceSource(*to), [&](const FRU& fru) { return CopyFields(values.fru, fru); }, *options);
+            DeviceSource(*to),
+            [&](const CONTENTS& contents) {
+                return MakePlan(contents, {CopyFields(values.fru, contents.fru), {}}, {});
+            },
+            *options);
     });
 }
 

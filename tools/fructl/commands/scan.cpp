@@ -2,8 +2,8 @@
 
 #include "tools/fructl/devicenames.h"
 #include "tools/fructl/devicescan.h"
+#include "tools/fructl/fieldname.h"
 #include "tools/fructl/library.h"
-#include "tools/fructl/loaded.h"
 #include "tools/fructl/open.h"
 #include "tools/fructl/session.h"
 #include "tools/fructl/way.h"
@@ -25,7 +25,7 @@ struct SCANNED {
     CONTENTS contents;
     std::string error;
 
-    bool IsReadable() const { return error.empty() && !contents.fru.IsDamaged(); }
+    bool IsReadable() const { return error.empty() && contents.fru.IsSound(); }
 };
 
 SCANNED LoadOne(const SOURCE& source) {
@@ -52,8 +52,8 @@ std::string Summary(const FRU& fru) {
          {std::vector<const char*>{"product.manufacturer", "product.name", "product.serial-number"},
           std::vector<const char*>{"board.manufacturer", "board.product-name", "board.serial-number"}}) {
         for (const char* name : names)
-            if (const FIELD* field = fru.Find(ParseFieldName(name)); field && !field->data.empty())
-                text += (text.empty() ? "" : " ") + DecodeValue(*field);
+            if (const FIELD* field = fru.Find(NamedField(name)); field && !field->text.empty())
+                text += (text.empty() ? "" : " ") + field->text;
         if (!text.empty())
             return text;
     }
@@ -67,8 +67,8 @@ std::vector<std::string> Row(const SCANNED& one) {
         row.push_back(Colored(COLOR::GREEN, "ok"));
         row.push_back(Summary(one.contents.fru));
     } else {
-        row.push_back(Colored(COLOR::RED, one.error.empty() ? "damaged" : "unreadable"));
-        row.push_back(one.error.empty() ? one.contents.fru.ProblemText() : one.error);
+        row.push_back(Colored(COLOR::RED, one.error.empty() ? StatusName(one.contents.fru) : "unreadable"));
+        row.push_back(one.error.empty() ? ProblemText(one.contents.fru) : one.error);
     }
     return row;
 }

@@ -1,0 +1,389 @@
+// FRU images of every shape that the standard allows: shown, converted, grown, made from nothing, repaired.
+#include "tests/fructl/support.h"
+
+#include "fruimage/description.h"
+#include "fruimage/image.h"
+
+namespace Fructl_Tests {
+
+using namespace FruImage;
+
+class CModelTest : public CFructlTest {};
+
+namespace {
+
+AREA_DESCRIPTION Chassis() {
+    AREA_DESCRIPTION area;
+    area.id = AREA_ID::CHASSIS;
+    area.fields = {{ENCODING::BINARY, {23}}, "CH-1", "CS-1"};
+    return area;
+}
+
+AREA_DESCRIPTION Board(std::size_t length = 0) {
+    AREA_DESCRIPTION area;
+    area.id = AREA_ID::BOARD;
+    area.length = length;
+    area.fields = {{ENCODING::BINARY, {0xC0, 0xFA, 0xCB}}, "Maker", "Board", "BS-1", "BP-1", "b.fru"};
+    return area;
+}
+
+AREA_DESCRIPTION Product(const FIELD_DESCRIPTION& assetTag = "Tag 1") {
+    AREA_DESCRIPTION area;
+    area.fields = {"Maker", "Thing", "PP-1", "V1", "PS-1", assetTag, "p.fru", "custom one", "custom two"};
+    return area;
+}
+
+AREA_DESCRIPTION Internal(std::size_t length) {
+    AREA_DESCRIPTION area;
+    area.id = AREA_ID::INTERNAL_USE;
+    area.bytes = BYTES(length, 0x5A);
+    area.bytes[0] = 1;
+    return area;
+}
+
+AREA_DESCRIPTION Records(std::vector<RECORD_DESCRIPTION> records) {
+    AREA_DESCRIPTION area;
+    area.id = AREA_ID::MULTIRECORD;
+    area.records = std::move(records);
+    return area;
+}
+
+RECORD_DESCRIPTION Record(BYTE type, BYTES data) {
+    RECORD_DESCRIPTION record;
+    record.type = type;
+    record.data = std::move(data);
+    return record;
+}
+
+BYTES Image(std::vector<AREA_DESCRIPTION> areas, std::size_t size = 0, BYTE fill = 0) {
+    DESCRIPTION description;
+    description.areas = std::move(areas);
+    description.size = size;
+    description.fill = fill;
+    const auto built = Build(description);
+    EXPECT_TRUE(built) << built.Error().text;
+    return *built;
+}
+
+AREA_DESCRIPTION EveryEncoding() {
+    AREA_DESCRIPTION area = Board();
+    area.fields[1] = {ENCODING::SIX_BIT, {0x29, 0xDC, 0xA6}};
+    area.fields[2] = {ENCODING::BCD_PLUS, {0x12, 0x3B}};
+    area.fields[3] = {ENCODING::BINARY, {0x00, 0xFE}};
+    area.fields[4] = {ENCODING::TEXT, {'A', 'B', 0, 0, 0}};
+    return area;
+}
+
+AREA_DESCRIPTION TwoByteText() {
+    AREA_DESCRIPTION area = Product({ENCODING::TWO_BYTE_TEXT, {'S', 0, 0xE9, 0x7F}});
+    area.language = 8;
+    area.fields.resize(6);
+    for (std::size_t index = 0; index < 5; ++index)
+        area.fields[index] = {ENCODING::TWO_BYTE_TEXT, {'a', 0, 'b', 0}};
+    area.endsEarly = true;
+    return area;
+}
+
+AREA_DESCRIPTION WithPadding() {
+    AREA_DESCRIPTION area = Board(120);
+    area.padding = {0xDE, 0xAD};
+    return area;
+}
+
+BYTES WithGap() {
+    BYTES image = Image({Board(), Product()}, 512, 0xFF);
+    image[300] = 0x42;
+    return image;
+}
+
+struct SHAPE {
+    const char* name;
+    BYTES image;
+    bool isText = true; ///< a text file can hold it
+};
+
+std::vector<SHAPE> Shapes() {
+    return {{"internal use behind the product", Image({Chassis(), Board(), Product(), Internal(64)}, 512)},
+            {"internal use between", Image({Board(), Internal(48), Product()}, 512)},
+            {"internal use alone, 4 KiB", Image({Internal(4088)}, 4096), false},
+            {"internal use last in a large device", Image({Board(), Internal(3800)}, 4096), false},
+            {"only a chassis", Image({Chassis()}, 256)},
+            {"no chassis, FFh behind", Image({Board(), Product()}, 256, 0xFF)},
+            {"148 bytes of padding", Image({Board(240), Product()})},
+            {"a field of 63 bytes", Image({Product(std::string(63, 'x'))}, 256)},
+            {"every encoding", Image({EveryEncoding()})},
+            {"two bytes a character, ends early", Image({TwoByteText()}, 256), false},
+            {"padding that is not zero", Image({WithPadding()}), false},
+            {"a gap that is not empty", WithGap(), false},
+            {"records", Image({Board(), Records({Record(0xC0, {1, 2, 3}), Record(0xFA, {4})})}, 256)}};
+}
+
+/// The rest of the image is as it was.
+void ExpectOnly(const FRU& before, const FRU& after, AREA_ID changed) {
+    for (const AREA& area : before.areas)
+        if (const AREA* now = after.Find(area.id); area.id != changed) {
+            ASSERT_TRUE(now);
+            const BYTE_VIEW left = before.View(area.Range());
+            const BYTE_VIEW right = after.View(now->Range());
+            EXPECT_TRUE(std::equal(left.begin(), left.end(), right.begin(), right.end())) << AreaName(area.id);
+        }
+}
+
+FRU ParsedFile(const std::string& name) {
+    return Parse(ReadFile(name));
+}
+
+} // namespace
+
+TEST_F(CModelTest, EveryShapeIsSoundAndGoesThroughJsonAndText) {
+    for (const SHAPE& shape : Shapes()) {
+        SCOPED_TRACE(shape.name);
+        WriteFile("a.bin", shape.image);
+        const RESULT shown = Fructl("show a.bin");
+        EXPECT_EQ(shown.status, 0) << shown.errors;
+        const RESULT again = Shell(FRUCTL_PROGRAM " show --json a.bin | " FRUCTL_PROGRAM " new --from - -o b.bin");
+        EXPECT_EQ(again.status, 0) << again.errors;
+        EXPECT_EQ(ReadFile("b.bin"), shape.image);
+        const RESULT text = Fructl("save a.bin -o a.fru");
+        EXPECT_EQ(text.status, shape.isText ? 0 : 2) << text.errors;
+        if (text.status != 0)
+            continue;
+        EXPECT_EQ(Fructl("save a.fru --binary -o c.bin").status, 0);
+        ExpectOnly(Parse(shape.image), ParsedFile("c.bin"), AREA_ID::HEADER);
+        EXPECT_EQ(Fructl("diff a.bin a.fru --exit-code").status, 0);
+    }
+}
+
+TEST_F(CModelTest, AnAreaGrowsAndNothingElseChanges) {
+    for (const SHAPE& shape : Shapes()) {
+        SCOPED_TRACE(shape.name);
+        WriteFile("a.bin", shape.image);
+        const FRU before = Parse(shape.image);
+        for (const char* area : {"chassis", "board", "product"}) {
+            const AREA* old = before.Find(*AreaFromName(area));
+            if (!old || old->language != 0)
+                continue;
+            const std::string value(60, 'z');
+            const RESULT result =
+                Fructl(std::string("set a.bin ") + area + ".custom+=" + value + " -o b.bin --size 4096");
+            // Where the internal use area leaves no room, nothing may be written.
+            if (result.status != 0) {
+                EXPECT_THAT(result.errors, HasSubstr("need"));
+                continue;
+            }
+            const FRU after = ParsedFile("b.bin");
+            EXPECT_TRUE(after.IsSound());
+            ExpectOnly(before, after, old->id);
+            const AREA& grown = *after.Find(old->id);
+            EXPECT_EQ(grown.fields.back().text, value);
+            EXPECT_EQ(grown.fields.size(), std::max(old->fields.size(), old->Row().fields.size()) + 1);
+            if (const AREA* internal = before.Find(AREA_ID::INTERNAL_USE)) {
+                EXPECT_EQ(after.Find(AREA_ID::INTERNAL_USE)->offset, internal->offset);
+            }
+        }
+    }
+}
+
+TEST_F(CModelTest, FieldsAreAddedRemovedEncodedAndDated) {
+    WriteFile("a.bin", Image({Chassis(), Board(), Product()}, 512));
+    const struct {
+        const char* words;
+        const char* get; ///< names to ask for then
+        const char* output;
+    } CASES[] = {{"product.custom+=Three", "product.custom1 product.custom3", "custom one\nThree\n"},
+                 {"product.custom3=Three", "product.custom3", "Three\n"},
+                 {"product.custom1-", "product.custom1", "custom two\n"},
+                 {"--remove product.custom2", "product.custom1", "custom one\n"},
+                 {"product.custom1- product.custom2- product.custom+=New", "product.custom1", "New\n"},
+                 {"board.part-number:6-bit=AB-12", "board.part-number", "AB-12\n"},
+                 {"board.part-number:bcd+=12-34 board.custom+:binary='00 FF'", "board.part-number board.custom1",
+                  "12-34\n00 FF\n"},
+                 {"board.serial-number=X", "board.serial-number", "X\n"},
+                 {"chassis.type=28", "chassis.type", "Blade\n"},
+                 {"chassis.type='rack mount chassis'", "chassis.type", "Rack mount chassis\n"},
+                 {"board.mfg-date=2026-05-31T14:30Z", "board.mfg-date", "2026-05-31T14:30Z\n"},
+                 {"product.language=8 product.name=\xC3\x89t\xC3\xA9", "product.name product.serial-number",
+                  "\xC3\x89t\xC3\xA9\nPS-1\n"},
+                 {"internal.data='01 02 03'", "internal.data", "01 02 03 00 00 00 00 00\n"},
+                 {"multirecord.data='C0 82 01 FE BF 02'", "multirecord.data", "C0 82 01 FE BF 02\n"},
+                 {"product- board-", "chassis.serial-number", "CS-1\n"}};
+    for (const auto& one : CASES) {
+        SCOPED_TRACE(one.words);
+        const RESULT set = Fructl(std::string("set a.bin -o b.bin ") + one.words);
+        ASSERT_EQ(set.status, 0) << set.errors;
+        EXPECT_EQ(Fructl(std::string("get b.bin ") + one.get).output, one.output);
+        EXPECT_TRUE(ParsedFile("b.bin").IsSound());
+    }
+    EXPECT_EQ(Fructl("set a.bin board.mfg-date=now").status, 0);
+    EXPECT_GT(Fructl("get a.bin board.mfg-date").output, "2025");
+    EXPECT_EQ(Fructl("get b.bin product.name").status, 2) << "removed with its area";
+}
+
+TEST_F(CModelTest, WhatDoesNotFitIsRefusedInNumbers) {
+    const BYTES full = Image({Board(), Product()});
+    WriteFile("a.bin", full);
+    const std::string value(63, 'x');
+    const RESULT refused = Fructl("set a.bin board.custom+=" + value + " --size " + std::to_string(full.size()));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("need " + std::to_string(full.size() + 64) + " bytes, the device has " +
+                                          std::to_string(full.size())));
+    EXPECT_EQ(ReadFile("a.bin"), full);
+    const RESULT plan = Fructl("set a.bin board.custom+=" + value + " --dry-run");
+    EXPECT_EQ(plan.status, 0);
+    EXPECT_THAT(plan.output, HasSubstr("product area: moves from"));
+    EXPECT_THAT(plan.output, HasSubstr("Nothing was written"));
+    EXPECT_EQ(ReadFile("a.bin"), full);
+    EXPECT_EQ(Fructl("set a.bin board.custom+=" + value + " --backup old.bin").status, 0);
+    EXPECT_EQ(ReadFile("old.bin"), full);
+}
+
+TEST_F(CModelTest, MakesAFruFromNothing) {
+    ASSERT_EQ(Fructl("new -o n.bin --size 256 board.mfg-date=2026-05-31 board.serial-number=AB123 "
+                     "product.custom+=\xC3\x84rger chassis.type=17")
+                  .status,
+              0);
+    const FRU fru = ParsedFile("n.bin");
+    EXPECT_TRUE(fru.IsSound());
+    EXPECT_EQ(fru.bytes.size(), 256U);
+    EXPECT_EQ(Fructl("get n.bin board.mfg-date product.custom1 chassis.type").output,
+              "2026-05-31T00:00Z\n\xC3\x84rger\nMain server chassis\n");
+    ASSERT_EQ(Fructl("new -o s.bin --spare 40 board.serial-number=AB123").status, 0);
+    EXPECT_GE(ParsedFile("s.bin").areas[0].Free(), 40U);
+    WriteText("short.json", R"({"board": {"serial-number": "AB123", "custom": ["one", "two"]}, "chassis.type": 23})");
+    ASSERT_EQ(Fructl("new --from short.json -o j.bin board.custom2=three").status, 0);
+    EXPECT_EQ(Fructl("get j.bin board.serial-number board.custom1 board.custom2 chassis.type").output,
+              "AB123\none\nthree\nRack mount chassis\n");
+    // A value that was changed in the document counts, although the old bytes stand beside it.
+    ASSERT_EQ(Shell(FRUCTL_PROGRAM " show --json n.bin | sed 's/\"AB123\"/\"AB124\"/' | " FRUCTL_PROGRAM
+                                   " new --from - -o m.bin")
+                  .status,
+              0);
+    EXPECT_EQ(Fructl("get m.bin board.serial-number").output, "AB124\n");
+    const struct {
+        const char* document;
+        const char* reason;
+    } WRONG[] = {{"[1]", "no JSON object"},
+                 {"{\"areas\": [{\"name\": \"castle\"}]}", "castle"},
+                 {"{\"areas\": [{\"name\": \"board\", \"offset\": \"x\"}]}", "offset"},
+                 {"{\"areas\": 3}", "json"},
+                 {"{\"board\": {\"colour\": \"red\"}}", "board.colour"},
+                 {"{", "parse error"}};
+    for (const auto& one : WRONG) {
+        WriteText("wrong.json", one.document);
+        const RESULT result = Fructl("new --from wrong.json -o w.bin");
+        EXPECT_NE(result.status, 0) << one.document;
+        EXPECT_THAT(result.errors, HasSubstr(one.reason));
+        EXPECT_FALSE(std::filesystem::exists("w.bin"));
+    }
+}
+
+TEST_F(CModelTest, DamageLocksOnlyWhatIsDamaged) {
+    BYTES image = Image({Chassis(), Board(), Product()}, 512);
+    const FRU sound = Parse(image);
+    image[sound.Find(AREA_ID::BOARD)->offset + 7] ^= 0x01; // a letter of the manufacturer
+    WriteFile("a.bin", image);
+    const struct {
+        const char* arguments;
+        int status;
+        const char* output;
+    } CASES[] = {{"get a.bin product.serial-number", 0, "PS-1"},
+                 {"get a.bin board.serial-number", 4, "BS-1"},
+                 {"get a.bin board.custom7", 4, ""},
+                 {"show a.bin", 4, "CS-1"},
+                 {"map a.bin", 4, "CCCC"},
+                 {"dump a.bin header", 0, "0000  01"},
+                 {"diff a.bin server/bmc.bin", 4, "chassis.serial-number"},
+                 {"set a.bin product.asset-tag=Other -o b.bin", 0, ""},
+                 {"set a.bin board.serial-number=Other -o c.bin", 4, ""},
+                 {"save a.bin -o a.fru", 4, ""}};
+    for (const auto& one : CASES) {
+        SCOPED_TRACE(one.arguments);
+        const RESULT result = Fructl(one.arguments);
+        EXPECT_EQ(result.status, one.status);
+        EXPECT_THAT(result.output, HasSubstr(one.output));
+        EXPECT_THAT(result.errors, HasSubstr("board"));
+    }
+    ExpectOnly(Parse(image), ParsedFile("b.bin"), AREA_ID::PRODUCT);
+    EXPECT_FALSE(std::filesystem::exists("c.bin"));
+    const json report = Fructl("show a.bin --json").Json();
+    EXPECT_EQ(report["status"], "damaged");
+    EXPECT_EQ(report["findings"][0]["severity"], "damage");
+    EXPECT_EQ(report["findings"][0]["code"], "area-checksum");
+    EXPECT_EQ(Fructl("save a.bin --binary -o copy.bin").status, 0);
+    EXPECT_EQ(ReadFile("copy.bin"), image);
+}
+
+TEST_F(CModelTest, RepairsWhatLeavesNoDoubt) {
+    const BYTES sound = Image({Chassis(), Board(), Product(), Records({Record(0xC0, {1, 2, 3})})}, 512);
+    const FRU fru = Parse(sound);
+    const std::size_t board = fru.Find(AREA_ID::BOARD)->Range().End() - 1;
+    const struct {
+        const char* name;
+        std::size_t offset;
+        int status;
+    } CASES[] = {{"header checksum", 7, 0},
+                 {"header overwritten", 3, 0},
+                 {"area checksum", board, 0},
+                 {"checksum of a record's header", fru.Find(AREA_ID::MULTIRECORD)->offset + 4, 0}};
+    for (const auto& one : CASES) {
+        SCOPED_TRACE(one.name);
+        BYTES image = sound;
+        image[one.offset] ^= 0x55;
+        WriteFile("a.bin", image);
+        const RESULT dry = Fructl("repair a.bin --dry-run");
+        EXPECT_EQ(dry.status, 0) << dry.errors;
+        EXPECT_THAT(dry.output, HasSubstr("Nothing was written"));
+        EXPECT_EQ(ReadFile("a.bin"), image);
+        EXPECT_EQ(Fructl("repair a.bin").status, one.status);
+        EXPECT_EQ(ReadFile("a.bin"), sound);
+    }
+    EXPECT_EQ(Fructl("repair a.bin").status, 2) << "it is sound now";
+    WriteFile("blank.bin", BYTES(256, 0xFF));
+    EXPECT_EQ(Fructl("repair blank.bin").status, 4);
+}
+
+TEST_F(CModelTest, RecordsHaveFields) {
+    ASSERT_EQ(
+        Fructl("new -o r.bin --size 256 multirecord.1.type=0 multirecord.1.rated-capacity=750 multirecord.2.type=1")
+            .status,
+        0);
+    EXPECT_EQ(Fructl("get r.bin multirecord.1.rated-capacity multirecord.2.type").output, "750\n0x01\n");
+    EXPECT_THAT(Fructl("show r.bin").output, HasSubstr("750 W\n"));
+    EXPECT_THAT(Fructl("set r.bin multirecord.1.rated-capacity=800 --dry-run").output,
+                HasSubstr("multirecord.1.rated-capacity  \"750 W\" -> \"800 W\"\n"));
+    const RESULT built =
+        Shell(FRUCTL_PROGRAM " show --json r.bin | sed '/\"rated-capacity\"/,/}/s/: 750/: 800/' | " FRUCTL_PROGRAM
+                             " new --from - -o j.bin");
+    ASSERT_EQ(built.status, 0) << built.errors;
+    ASSERT_EQ(Fructl("set r.bin multirecord.1.rated-capacity=800").status, 0);
+    EXPECT_EQ(ReadFile("j.bin"), ReadFile("r.bin"));
+    ASSERT_EQ(Fructl("set r.bin multirecord.1- -o s.bin").status, 0);
+    EXPECT_EQ(Fructl("diff r.bin s.bin --exit-code").status, 5);
+    EXPECT_EQ(Fructl("get s.bin multirecord.1.type").output, "0x01\n");
+    for (const char* wrong : {"multirecord.5.type=0", "multirecord.1.colour=1", "multirecord.1.rated-capacity=99999",
+                              "multirecord.3.rated-capacity=1", "multirecord.1.type=256"}) {
+        EXPECT_EQ(Fructl(std::string("set r.bin ") + wrong).status, 2) << wrong;
+    }
+}
+
+TEST_F(CModelTest, TellsBlankFromDamagedAndImageFromText) {
+    WriteFile("blank.bin", BYTES(256, 0xFF));
+    const RESULT blank = Fructl("show blank.bin --json");
+    EXPECT_EQ(blank.status, 4);
+    EXPECT_EQ(blank.Json()["status"], "blank");
+    EXPECT_THAT(blank.errors, HasSubstr("it is blank: every byte is FFh"));
+    EXPECT_EQ(Fructl("save blank.bin --binary -o copy.bin").status, 0);
+    EXPECT_EQ(ReadFile("copy.bin"), BYTES(256, 0xFF));
+    ASSERT_EQ(Fructl("set blank.bin board.serial-number=AB123").status, 0);
+    EXPECT_EQ(Fructl("get blank.bin board.serial-number").output, "AB123\n");
+    // A header that begins with a letter is a damaged one, not a text.
+    BYTES image = Image({Board(), Product()}, 256);
+    image[0] = 'A';
+    WriteFile("letter.bin", image);
+    EXPECT_EQ(Fructl("show letter.bin --json").Json()["source"]["kind"], "image");
+    EXPECT_EQ(Fructl("get letter.bin product.serial-number").output, "PS-1\n");
+    WriteText("letter.txt", "Dear Sirs, this is no FRU.\n");
+    EXPECT_EQ(Fructl("show letter.txt").status, 2);
+}
+
+} // namespace Fructl_Tests

@@ -1,0 +1,109 @@
+#include "tools/fructl/difference.h"
+
+#include "tools/fructl/jsonreport.h"
+#include "tools/fructl/recordwords.h"
+#include "tools/fructl/terminal.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace Fructl {
+
+namespace {
+
+using FruImage::CHANGE;
+using FruImage::MOVE;
+using FruImage::PLAN;
+using nlohmann::json;
+
+/// Whether it is a value, not what follows from a change, such as a checksum.
+bool IsValue(const CHANGE& change) {
+    return change.name.find('.') != std::string::npos && !(change.before.empty() && change.after.empty());
+}
+
+std::string Side(const std::string& value) {
+    return "\"" + Printable(value) + "\"";
+}
+
+std::string MoveText(const MOVE& move) {
+    const std::string_view name = AreaName(move.area);
+    if (move.sizeBefore == 0)
+        return fmt::format("{} area: new, {} bytes at {:03X}h", name, move.sizeAfter, move.to);
+    if (move.sizeAfter == 0)
+        return fmt::format("{} area: removed", name);
+    std::string text = fmt::format("{} area:", name);
+    if (move.from != move.to)
+        text += fmt::format(" moves from {:03X}h to {:03X}h", move.from, move.to);
+    if (move.sizeBefore != move.sizeAfter)
+        text += fmt::format("{} {} bytes become {}", move.from != move.to ? "," : "", move.sizeBefore, move.sizeAfter);
+    return text;
+}
+
+/// The change is a place or a size, which the moves tell.
+bool IsMoved(const PLAN& plan, const CHANGE& change) {
+    return std::any_of(plan.moves.begin(), plan.moves.end(), [&](const MOVE& move) {
+        return move.area == change.area && AreaName(move.area) == change.name;
+    });
+}
+
+/// The changes without those that the moves tell, records by their fields.
+std::vector<CHANGE> Shown(const PLAN& plan, const FRU& before, const FRU& after) {
+    std::vector<CHANGE> records;
+    for (const DIFFERENCE& one : Compare(before, after))
+        if (ParseRecordName(one.Name()))
+            records.push_back({AREA_ID::MULTIRECORD, one.Name(), one.left ? one.left->value : "",
+                               one.right ? one.right->value : "", ""});
+    std::vector<CHANGE> changes;
+    for (const CHANGE& change : plan.changes) {
+        const bool isRecord = change.area == AREA_ID::MULTIRECORD && IsValue(change) && !records.empty();
+        if (!isRecord && (IsValue(change) || !IsMoved(plan, change)))
+            changes.push_back(change);
+    }
+    changes.insert(changes.end(), records.begin(), records.end());
+    return changes;
+}
+
+} // namespace
+
+std::string DescribePlan(const PLAN& plan, const FRU& before, const FRU& after) {
+    const std::vector<CHANGE> changes = Shown(plan, before, after);
+    std::size_t width = 0;
+    for (const CHANGE& change : changes)
+        width = std::max(width, IsValue(change) ? change.name.size() : 0);
+    std::string text;
+    for (const CHANGE& change : changes) {
+        if (IsValue(change))
+            text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.before), Side(change.after));
+        else
+            text += fmt::format("  {}: {}\n", change.name, change.text);
+    }
+    for (const MOVE& move : plan.moves)
+        text += fmt::format("  {}\n", MoveText(move));
+    for (const std::string& note : plan.notes)
+        text += fmt::format("  note: {}\n", note);
+    return text;
+}
+
+json JsonMoves(const PLAN& plan) {
+    json moves = json::array();
+    for (const MOVE& move : plan.moves)
+        moves.push_back({{"area", AreaName(move.area)},
+                         {"from", move.from},
+                         {"to", move.to},
+                         {"sizeBefore", move.sizeBefore},
+                         {"sizeAfter", move.sizeAfter}});
+    return moves;
+}
+
+json JsonChanges(const FRU& before, const FRU& after) {
+    json changes = json::array();
+    for (const DIFFERENCE& one : Compare(before, after))
+        changes.push_back({{"name", one.Name()},
+                           {"before", one.left ? JsonEntry(*one.left) : json()},
+                           {"after", one.right ? JsonEntry(*one.right) : json()}});
+    return changes;
+}
+
+} // namespace Fructl

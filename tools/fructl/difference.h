@@ -1,0 +1,22 @@
+// What is going to be written, as people and programs see it before it is.
+#pragma once
+
+#include "tools/fructl/compare.h"
+
+#include "fruimage/plan.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+namespace Fructl {
+
+/// One line a change: name, old and new value; then the areas that move or change their size, and
+/// what people should know about it.
+std::string DescribePlan(const FruImage::PLAN& plan, const FRU& before, const FRU& after);
+/// Moves, and bytes written in how many steps.
+nlohmann::json JsonMoves(const FruImage::PLAN& plan);
+/// Every named value of two FRUs that differs: `name`, `before`, `after`.
+nlohmann::json JsonChanges(const FRU& before, const FRU& after);
+
+} // namespace Fructl

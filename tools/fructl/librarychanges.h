@@ -1,0 +1,41 @@
+// A change of a FRU as the library can make it: values of fields, and the bytes of areas without fields.
+#pragma once
+
+#include "tools/fructl/fru.h"
+
+#include "frudata/types.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Fructl {
+
+/// A value that the library writes as 8-bit text; a chassis type or a date as its bytes.
+struct FIELD_CHANGE {
+    FIELD_NAME name;
+    std::size_t fields = 0; ///< of its area, before and after
+    BYTES before;
+    BYTES after;
+
+    std::ptrdiff_t Growth() const {
+        return static_cast<std::ptrdiff_t>(after.size()) - static_cast<std::ptrdiff_t>(before.size());
+    }
+};
+
+struct LIBRARY_CHANGES {
+    std::vector<FIELD_CHANGE> fields;
+    std::optional<BYTES> internalUse;
+    std::optional<BYTES> multiRecord;
+
+    bool Touches(AREA_ID area) const;
+};
+
+/// What makes `after` of `before`; nothing where it takes more than changes of values. Whether the library writes
+/// exactly `after` then is for it to show (LibraryWrites).
+std::optional<LIBRARY_CHANGES> LibraryChanges(const FRU& before, const FRU& after);
+
+/// The area as the library names it.
+FRU_AREA LibraryArea(AREA_ID area);
+
+} // namespace Fructl
