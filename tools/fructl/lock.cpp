@@ -73,6 +73,8 @@ CFileLock::CFileLock(const std::string& path, std::string what, std::string use)
 }
 
 CFileLock::~CFileLock() {
+    // A child process may hold the file open for a little longer.
+    flock(m_file, LOCK_UN);
     close(m_file);
 }
 
