@@ -1,5 +1,6 @@
 #include "drivers/bridgedmessage.h"
 
+#include <algorithm>
 #include <iterator>
 #include <numeric>
 
@@ -44,14 +45,16 @@ UINT8 ParseSendMessage(std::span<const UINT8> data, BRIDGED_REQUEST& request) {
     request.requesterLun = data[SEQUENCE_REQUESTER_LUN] & 0x03;
     request.sequence = data[SEQUENCE_REQUESTER_LUN] >> 2;
     request.cmd = data[COMMAND];
-    request.data.assign(data.begin() + FIRST_DATA, data.end() - 1);
+    request.data = data.subspan(FIRST_DATA, data.size() - SMALLEST);
     return COMPLETION_SUCCESS;
 }
 
-std::vector<UINT8> FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 completionCode,
-                                      std::span<const UINT8> data) {
+std::size_t FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 completionCode, std::span<const UINT8> data,
+                               std::span<UINT8> room) {
+    if (room.size() < BRIDGED_FRAME_SIZE || room.size() - BRIDGED_FRAME_SIZE < data.size())
+        return 0;
     // The requester's address opens the frame on the bus and counts in its checksum, but Get Message leaves it out.
-    const UINT8 head[] = {request.requester, static_cast<UINT8>((request.netFn + 1) << 2 | request.requesterLun)};
+    const UINT8 head[] = {request.requester, static_cast<UINT8>((request.netFn | 1) << 2 | request.requesterLun)};
     const UINT8 opening[] = {request.channel,
                              head[1],
                              ZeroChecksum(head),
@@ -59,12 +62,12 @@ std::vector<UINT8> FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 comp
                              static_cast<UINT8>(request.sequence << 2 | request.lun),
                              request.cmd,
                              completionCode};
-    std::vector<UINT8> message;
-    message.reserve(std::size(opening) + data.size() + 1);
-    message.assign(std::begin(opening), std::end(opening));
-    message.insert(message.end(), data.begin(), data.end());
-    message.push_back(ZeroChecksum(std::span(message).subspan(ANSWER_RESPONDER)));
-    return message;
+    static_assert(std::size(opening) + 1 == BRIDGED_FRAME_SIZE);
+    const auto end =
+        std::copy(data.begin(), data.end(), std::copy(std::begin(opening), std::end(opening), room.begin()));
+    const std::size_t length = BRIDGED_FRAME_SIZE - 1 + data.size();
+    *end = ZeroChecksum(room.first(length).subspan(ANSWER_RESPONDER));
+    return length + 1;
 }
 
 } // namespace Frudata_Driver

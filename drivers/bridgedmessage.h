@@ -5,8 +5,8 @@
 
 #include "frudata/types.h"
 
+#include <cstddef>
 #include <span>
-#include <vector>
 
 namespace Frudata_Driver {
 
@@ -26,15 +26,15 @@ constexpr UINT8 COMPLETION_INVALID_FIELD = 0xCC;
 
 /// What a Send Message carries: a request on the IPMB.
 struct BRIDGED_REQUEST {
-    UINT8 channel = 0;         ///< 0 to 15; how it is to be tracked, encrypted or authenticated is left out
-    UINT8 responder = 0;       ///< slave address of the controller
-    UINT8 netFn = 0;           ///< without the LUN
-    UINT8 lun = 0;             ///< of the controller
-    UINT8 requester = 0;       ///< slave address that the answer goes to
-    UINT8 requesterLun = 0;    ///< LUN that the answer goes to
-    UINT8 sequence = 0;        ///< 0 to 63
-    UINT8 cmd = 0;             ///< command
-    std::vector<UINT8> data{}; ///< request data
+    UINT8 channel = 0;             ///< 0 to 15; how it is to be tracked, encrypted or authenticated is left out
+    UINT8 responder = 0;           ///< slave address of the controller
+    UINT8 netFn = 0;               ///< without the LUN
+    UINT8 lun = 0;                 ///< of the controller
+    UINT8 requester = 0;           ///< slave address that the answer goes to
+    UINT8 requesterLun = 0;        ///< LUN that the answer goes to
+    UINT8 sequence = 0;            ///< 0 to 63
+    UINT8 cmd = 0;                 ///< command
+    std::span<const UINT8> data{}; ///< request data, in the message that it was taken out of
 };
 
 /**
@@ -44,11 +44,15 @@ struct BRIDGED_REQUEST {
  */
 UINT8 ParseSendMessage(std::span<const UINT8> data, BRIDGED_REQUEST& request);
 
+/// What the framing adds to the answer's data, its completion code included.
+constexpr std::size_t BRIDGED_FRAME_SIZE = 8;
+
 /**
- * The answer to `request` as the data of a Get Message response, its completion code not among them: channel,
- * netFn/LUN, checksum, responder, sequence/LUN, command, `completionCode`, `data`, checksum.
+ * Writes the answer to `request` as the data of a Get Message response, whose own completion code is not among them:
+ * channel, netFn/LUN, checksum, responder, sequence/LUN, command, `completionCode`, `data`, checksum.
+ * @return its length, BRIDGED_FRAME_SIZE more than `data` has; 0 where `room` does not suffice, which is then untouched
  */
-std::vector<UINT8> FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 completionCode,
-                                      std::span<const UINT8> data);
+std::size_t FrameBridgedAnswer(const BRIDGED_REQUEST& request, UINT8 completionCode, std::span<const UINT8> data,
+                               std::span<UINT8> room);
 
 } // namespace Frudata_Driver

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 
 namespace Frudata_Driver {
 
@@ -70,7 +71,7 @@ UINT8 SendMessageCode(int number) {
     }
 }
 
-std::vector<UINT8> WithCommand(UINT8 cmd, const std::vector<UINT8>& data) {
+std::vector<UINT8> WithCommand(UINT8 cmd, std::span<const UINT8> data) {
     std::vector<UINT8> request(data.size() + 1, cmd);
     std::copy(data.begin(), data.end(), request.begin() + 1);
     return request;

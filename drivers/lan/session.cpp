@@ -107,15 +107,18 @@ EXCHANGE CLanSession::Exchange(const _IMBPREQUESTDATA& request, int timeout) {
 }
 
 EXCHANGE CLanSession::SendMessage(const std::vector<UINT8>& data, std::chrono::milliseconds limit) {
+    // The request points into the message, which the worker may still need once nobody waits for it.
+    const auto message = std::make_shared<const std::vector<UINT8>>(data);
     BRIDGED_REQUEST request;
-    UINT8 completionCode = ParseSendMessage(data, request);
+    const UINT8 completionCode = ParseSendMessage(*message, request);
     if (completionCode != COMPLETION_SUCCESS)
         return {.result = LAN_OK, .message = {}, .completionCode = completionCode};
-    const EXCHANGE inner =
-        Wait([request](CIpmiContext& context, EXCHANGE& exchange) { context.AskOnIpmb(request, exchange); }, limit);
+    const EXCHANGE inner = Wait(
+        [request, message](CIpmiContext& context, EXCHANGE& exchange) { context.AskOnIpmb(request, exchange); }, limit);
     if (inner.result != LAN_OK || inner.sendMessageCode != COMPLETION_SUCCESS)
         return {.result = inner.result, .message = inner.message, .completionCode = inner.sendMessageCode};
-    m_queued = FrameBridgedAnswer(request, inner.completionCode, inner.data);
+    m_queued.resize(BRIDGED_FRAME_SIZE + inner.data.size());
+    FrameBridgedAnswer(request, inner.completionCode, inner.data, m_queued);
     return {.result = LAN_OK, .message = {}};
 }
 

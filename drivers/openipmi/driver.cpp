@@ -6,12 +6,10 @@
 
 namespace {
 
+using namespace Frudata_Driver;
 using namespace Frudata_OpenIpmi;
 
 constexpr UINT8 BMC_ADDRESS = 0x20;
-constexpr UINT8 NETFN_APP = 0x06;
-constexpr UINT8 COMMAND_GET_MESSAGE = 0x33;
-constexpr UINT8 COMMAND_SEND_MESSAGE = 0x34;
 // A requester asks Get Message a hundred times and more without a pause: together they wait one time-out.
 constexpr int POLLS = 100;
 
@@ -65,7 +63,7 @@ int CDriver::Send(const _IMBPREQUESTDATA& request, int timeout, const RESPONSE& 
     }
     if (!m_device.IsOwn() && !Open())
         return OPENIPMI_ERR_DEVICE;
-    const bool isForQueue = request.netFn == NETFN_APP && request.rsLun == 0;
+    const bool isForQueue = request.netFn == NETFN_APPLICATION && request.rsLun == 0;
     if (isForQueue && request.cmdType == COMMAND_SEND_MESSAGE)
         return SendMessage(request, timeout, response);
     if (isForQueue && request.cmdType == COMMAND_GET_MESSAGE)
@@ -115,19 +113,19 @@ int CDriver::SendToBmc(const _IMBPREQUESTDATA& request, int timeout, const RESPO
 
 int CDriver::SendMessage(const _IMBPREQUESTDATA& request, int timeout, const RESPONSE& response) {
     m_bridge.End();
-    DESTINATION destination;
-    REQUEST message;
-    message.patience = timeout;
-    const UINT8 code = m_bridge.Parse(Data(request), destination, message);
-    if (code != CC_SUCCESS)
+    BRIDGED_REQUEST bridged;
+    const UINT8 code = ParseSendMessage(Data(request), bridged);
+    if (code != COMPLETION_SUCCESS)
         return response.Complete(code, 0);
+    const DESTINATION destination{
+        .isOnIpmb = true, .channel = bridged.channel, .address = bridged.responder, .lun = bridged.lun};
     long id = 0;
-    switch (m_device.Send(destination, message, id)) {
+    switch (m_device.Send(destination, {bridged.netFn, bridged.cmd, bridged.data, timeout}, id)) {
     case TRANSFER::DONE:
-        m_bridge.Begin(id);
-        return response.Complete(CC_SUCCESS, 0);
+        m_bridge.Begin(bridged, id);
+        return response.Complete(COMPLETION_SUCCESS, 0);
     case TRANSFER::REFUSED: // no such channel, not an IPMB, or too long for one
-        return response.Complete(CC_INVALID_FIELD, 0);
+        return response.Complete(COMPLETION_INVALID_FIELD, 0);
     default:
         return OPENIPMI_ERR_DEVICE;
     }
@@ -137,10 +135,10 @@ int CDriver::GetMessage(int timeout, const RESPONSE& response) {
     if (m_bridge.IsWaiting() && Await(m_bridge.Id(), CDeadline(timeout / POLLS)) == TRANSFER::FAILED)
         return OPENIPMI_ERR_DEVICE;
     if (!m_bridge.IsAnswered())
-        return response.Complete(CC_NO_MESSAGE, 0);
+        return response.Complete(COMPLETION_NO_MESSAGE, 0);
     const std::size_t length = m_bridge.Frame({response.data, response.Room()});
     m_bridge.End();
-    return length == 0 ? BadAnswer() : response.Complete(CC_SUCCESS, length);
+    return length == 0 ? BadAnswer() : response.Complete(COMPLETION_SUCCESS, length);
 }
 
 bool IsValid(const _IMBPREQUESTDATA* request, const UINT8* responseData, const int* responseLength,

@@ -92,11 +92,15 @@ BYTES ReadStart(const std::string& path, std::size_t count) {
     const int file = isStream ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
     if (file < 0)
         Fail(path, "cannot be read", errno);
-    BYTES bytes(count);
+    // Most files have far less than they may have, and room costs time.
+    constexpr std::size_t USUAL = 0x4000;
+    BYTES bytes;
     std::size_t length = 0;
     ssize_t got = 1;
     while (got != 0 && length < count) {
-        got = read(file, bytes.data() + length, count - length);
+        if (length == bytes.size())
+            bytes.resize(std::min(count, std::max(USUAL, 2 * length)));
+        got = read(file, bytes.data() + length, bytes.size() - length);
         if (got < 0 && errno != EINTR)
             break;
         length += got > 0 ? static_cast<std::size_t>(got) : 0;

@@ -39,6 +39,7 @@ std::string OpenLan() {
     options.cipherSuite = lan.cipherSuite;
     options.ipmi15 = lan.isIpmi15 ? 1 : 0;
     options.privilege = lan.privilege;
+    options.timeout = lan.timeout;
     char message[512] = "";
     if (gp_lan->Open(&options, &gp_session, message, sizeof message) != LAN_OK)
         return message;

@@ -27,19 +27,22 @@ namespace {
 
 constexpr useconds_t PAUSE = 20'000;
 
-/// Where the lock of a device behind a BMC lies: everyone who can reach that BMC must find the same place.
-fs::path LockPath(const SOURCE& device) {
-    std::string name = fmt::format("fructl-{}-{}.lock", WayKey(), AddressText(device.address));
+/// Where a lock lies: everyone who can reach what it is for must find the same place.
+std::string LockPath(std::string name) {
     std::replace_if(
         name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c) && c != '.'; }, '-');
+    name = "fructl-" + name + ".lock";
     if (!Settings().simDirectory.empty())
         return fs::path(Settings().simDirectory) / ("." + name);
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     for (const fs::path& directory : {fs::path("/run/lock"), fs::path(runtime ? runtime : "")})
         if (!directory.empty() && access(directory.c_str(), W_OK | X_OK) == 0)
             return directory / name;
-    std::error_code ignored;
-    return fs::temp_directory_path(ignored) / name;
+    return fs::path("/tmp") / name;
+}
+
+std::string DevicePath(const SOURCE& device) {
+    return device.isEeprom ? device.label : LockPath(WayKey() + "-" + AddressText(device.address));
 }
 
 int OpenLock(const fs::path& path) {
@@ -52,49 +55,57 @@ int OpenLock(const fs::path& path) {
 
 } // namespace
 
-CDeviceLock::CDeviceLock(const SOURCE& device) : m_isOwnFile(!device.isEeprom) {
-    const fs::path path = device.isEeprom ? fs::path(device.label) : LockPath(device);
-    m_file = device.isEeprom ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : OpenLock(path);
+CFileLock::CFileLock(const std::string& path, std::string what, std::string use)
+    : m_what(std::move(what)), m_use(std::move(use)),
+      m_file(m_use.empty() ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : OpenLock(path)) {
     if (m_file < 0)
-        throw CToolError(EXIT_REFUSED, path.string(), fmt::format("cannot be locked: {}", std::strerror(errno)));
+        throw CToolError(EXIT_REFUSED, path, fmt::format("cannot be locked: {}", std::strerror(errno)));
     try {
-        Wait(device.label);
+        Wait();
     } catch (...) {
         close(m_file);
         throw;
     }
-    const std::string signature = fmt::format("process {}, which writes {}\n", getpid(), Printable(device.label));
+    const std::string signature = fmt::format("process {}, which {}\n", getpid(), m_use);
     // A lock without a signature is one, too.
-    if (m_isOwnFile && ftruncate(m_file, 0) == 0) [[maybe_unused]]
+    if (!m_use.empty() && ftruncate(m_file, 0) == 0) [[maybe_unused]]
         const ssize_t ignored = pwrite(m_file, signature.data(), signature.size(), 0);
 }
 
-CDeviceLock::~CDeviceLock() {
+CFileLock::~CFileLock() {
+    // A child process may hold the file open for a little longer.
+    flock(m_file, LOCK_UN);
     close(m_file);
 }
 
-std::string CDeviceLock::Holder() const {
+std::string CFileLock::Holder() const {
     char text[256] = "";
-    const ssize_t length = m_isOwnFile ? pread(m_file, text, sizeof text, 0) : 0;
+    const ssize_t length = m_use.empty() ? 0 : pread(m_file, text, sizeof text, 0);
     std::string holder(text, length > 0 ? static_cast<std::size_t>(length) : 0);
     holder.resize(std::min(holder.find('\n'), holder.size()));
-    return holder.empty() ? "another process, which writes it" : Printable(holder);
+    return holder.empty() ? "another process" : Printable(holder);
 }
 
-void CDeviceLock::Wait(const std::string& what) {
+void CFileLock::Wait() const {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(Settings().wait);
     bool told = false;
     while (flock(m_file, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR)
-            throw CToolError(EXIT_REFUSED, what, fmt::format("cannot be locked: {}", std::strerror(errno)));
+            throw CToolError(EXIT_REFUSED, m_what, fmt::format("cannot be locked: {}", std::strerror(errno)));
         if (std::chrono::steady_clock::now() >= end)
-            throw CToolError(EXIT_REFUSED, what, fmt::format("is in use by {}", Holder()),
+            throw CToolError(EXIT_REFUSED, m_what, fmt::format("is in use by {}", Holder()),
                              "--wait SECONDS waits for it");
         if (!told)
-            Note(fmt::format("{}: waiting for {}", what, Holder()));
+            Note(fmt::format("{}: waiting for {}", m_what, Holder()));
         told = true;
         usleep(PAUSE);
     }
 }
+
+CDeviceLock::CDeviceLock(const SOURCE& device)
+    : CFileLock(DevicePath(device), device.label, device.isEeprom ? "" : "writes " + Printable(device.label)) {}
+
+CPortLock::CPortLock(UINT16 port)
+    : CFileLock(LockPath(fmt::format("kcs-{:X}", port)), fmt::format("the KCS interface at {:X}h", port), "uses it") {}
 
 } // namespace Fructl

@@ -84,6 +84,8 @@ void AddLanOptions(CLI::App& app) {
         ->type_name("FILE");
     AddNumber(app, "--cipher", lan.cipherSuite, 3, 17, "Cipher suite: 17 or 3", "SUITE", "cipher suite 17 or 3");
     app.add_flag("--lan-1.5", lan.isIpmi15, "IPMI 1.5: no encryption");
+    AddNumber(app, "--timeout", lan.timeout, 100, 60'000, "Time for an answer over LAN, usually 5000", "MILLISECONDS",
+              "a number of milliseconds from 100 to 60000");
     const auto privilege = [&lan](const std::string& value) {
         static const std::vector<std::string> LEVELS = {"user", "operator", "administrator"};
         const auto level = std::find(LEVELS.begin(), LEVELS.end(), value);

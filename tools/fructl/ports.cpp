@@ -26,9 +26,9 @@ namespace {
 constexpr UINT16 USUAL_PORT = 0x0CA2;
 
 /// Regions that a bus or the firmware has set aside, or that belong to a device by its place ("0000:00:1f.0",
-/// "IPI0001:00"): nobody drives the ports in them.
+/// "IPI0001:00") or by what the firmware's tables say ("IPMI Address 1"): nobody drives the ports in them.
 bool IsReservation(std::string_view name) {
-    static constexpr std::array<std::string_view, 4> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-"};
+    static constexpr std::array<std::string_view, 5> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-", "IPMI Address "};
     return name.find(':') != std::string_view::npos ||
            std::any_of(RESERVATIONS.begin(), RESERVATIONS.end(),
                        [&](std::string_view start) { return name.starts_with(start); });
@@ -57,7 +57,7 @@ std::string PortOwner(UINT16 port) {
     return owner;
 }
 
-std::string PortProblem(UINT16 port, bool insist) {
+std::string PortRefusal(UINT16 port, bool insist) {
     if (iopl(3) != 0)
         return fmt::format("the kernel refuses access to the KCS ports: {}",
                            geteuid() == 0 ? "a container, or a locked kernel?" : "that needs root");
@@ -65,6 +65,10 @@ std::string PortProblem(UINT16 port, bool insist) {
         return fmt::format("the kernel's driver {} owns the KCS ports at {:X}h (its device is /dev/ipmi0, of the "
                            "module ipmi_devintf; --force uses the ports nevertheless)",
                            owner, port);
+    return {};
+}
+
+std::string KcsProblem(UINT16 port) {
     KCSAddress = port;
     return IsKCS() != 0 ? "" : fmt::format("no KCS interface answers at port {:X}h", port);
 }

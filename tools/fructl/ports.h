@@ -11,7 +11,10 @@ namespace Fructl {
 UINT16 KcsPort();
 /// The driver that the kernel's list of port regions names for `port` or the next one; empty: none.
 std::string PortOwner(UINT16 port);
-/// Why the KCS interface at `port` cannot be used, or nothing. Where `insist`, a driver that owns it is no reason.
-std::string PortProblem(UINT16 port, bool insist);
+/// Why this program may not touch the KCS ports at `port`, or nothing. Where `insist`, a driver that owns them is no
+/// reason.
+std::string PortRefusal(UINT16 port, bool insist);
+/// Makes `port` the library's. @return why there is no KCS interface, or nothing
+std::string KcsProblem(UINT16 port);
 
 } // namespace Fructl

@@ -17,6 +17,7 @@ struct LAN_SETTINGS {
     bool isIpmi15 = false;
     UINT8 privilege = 0;
     std::string passwordFile;
+    UINT32 timeout = 0; ///< milliseconds for an answer
 };
 
 struct SETTINGS {

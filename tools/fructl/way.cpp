@@ -2,6 +2,7 @@
 
 #include "tools/fructl/imbseam.h"
 #include "tools/fructl/lanway.h"
+#include "tools/fructl/lock.h"
 #include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace Fructl {
 
@@ -28,8 +30,13 @@ std::string Nothing() {
     return {};
 }
 
+/// The end of the process closes the device: the kernel takes some 10 milliseconds for that.
+int LeaveOpen() {
+    return 0;
+}
+
 std::string OpenKernel() {
-    static constexpr IMB_DRIVER DRIVER = {OpenIpmiOpen, OpenIpmiClose, OpenIpmiSend};
+    static constexpr IMB_DRIVER DRIVER = {OpenIpmiOpen, LeaveOpen, OpenIpmiSend};
     UseImbDriver(&DRIVER);
     return OpenIpmiOpen() == 0 ? OpenIpmiFailure() : "";
 }
@@ -41,17 +48,23 @@ std::string DescribeKernel() {
 
 void NothingToClose() {}
 
-void CloseKernel() {
-    OpenIpmiClose();
-}
-
 std::string KernelFailure() {
     return OpenIpmiFailure();
 }
 
+std::optional<CPortLock> g_portLock;
+
 std::string OpenPorts() {
     UseImbDriver(nullptr);
-    return PortProblem(KcsPort(), Settings().force);
+    if (const std::string reason = PortRefusal(KcsPort(), Settings().force); !reason.empty())
+        return reason;
+    if (!g_portLock)
+        g_portLock.emplace(KcsPort());
+    return KcsProblem(KcsPort());
+}
+
+void ClosePorts() {
+    g_portLock.reset();
 }
 
 std::string DescribePorts() {
@@ -76,12 +89,12 @@ std::string DescribeLargeSession() {
 }
 
 constexpr WAY WAYS[] = {
-    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, CloseKernel, LOCAL_READ_CHUNK},
-    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, NothingToClose, LOCAL_READ_CHUNK},
+    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, NothingToClose, LOCAL_READ_CHUNK},
+    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, ClosePorts, LOCAL_READ_CHUNK},
     {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, NothingToClose,
      LOCAL_READ_CHUNK},
-    {"session-large", false, OpenSession, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
-     NothingToClose, LOCAL_READ_CHUNK},
+    {"session-large", false, OpenPorts, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
+     ClosePorts, LOCAL_READ_CHUNK},
     {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, CloseLan, LAN_READ_CHUNK}};
 
 int OpenSimulated() {

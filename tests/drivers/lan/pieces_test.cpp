@@ -18,15 +18,23 @@ TEST(BridgedMessage, IsTakenApartAndAnswered) {
     EXPECT_EQ((BYTES{request.channel, request.responder, request.netFn, request.lun, request.requester,
                      request.requesterLun, request.sequence, request.cmd}),
               (BYTES{6, 0x2C, 0x0A, 1, 0x20, 2, 63, 0x11}));
-    EXPECT_EQ(request.data, (BYTES{0x07, 0x00, 0x01, 0x08}));
+    EXPECT_EQ(BYTES(request.data.begin(), request.data.end()), (BYTES{0x07, 0x00, 0x01, 0x08}));
     const struct {
         UINT8 completionCode;
         BYTES data;
         BYTES message;
     } answers[] = {{0x00, {0x01, 0xAA}, {0x06, 0x2E, 0xB2, 0x2C, 0xFD, 0x11, 0x00, 0x01, 0xAA, 0x1B}},
                    {0xC3, {}, {0x06, 0x2E, 0xB2, 0x2C, 0xFD, 0x11, 0xC3, 0x03}}};
-    for (const auto& answer : answers)
-        EXPECT_EQ(FrameBridgedAnswer(request, answer.completionCode, answer.data), answer.message);
+    for (const auto& answer : answers) {
+        BYTES message(answer.message.size() + 1, 0xEE);
+        for (std::size_t room = 0; room < answer.message.size(); ++room)
+            EXPECT_EQ(FrameBridgedAnswer(request, answer.completionCode, answer.data, std::span(message).first(room)),
+                      0U);
+        EXPECT_EQ(message, BYTES(message.size(), 0xEE));
+        EXPECT_EQ(FrameBridgedAnswer(request, answer.completionCode, answer.data, message), answer.message.size());
+        message.pop_back();
+        EXPECT_EQ(message, answer.message);
+    }
 }
 
 TEST(BridgedMessage, ShortOrSpoiledIsRefused) {
@@ -35,7 +43,7 @@ TEST(BridgedMessage, ShortOrSpoiledIsRefused) {
     for (std::size_t length = 0; length < 8; ++length)
         EXPECT_EQ(ParseSendMessage(std::span(SEND).first(length), request), 0xC7) << length;
     EXPECT_EQ(ParseSendMessage(BYTES{0x00, 0x30, 0x18, 0xB8, 0x20, 0x06, 0x01, 0xD9}, request), 0x00);
-    EXPECT_EQ(request.data, BYTES{});
+    EXPECT_TRUE(request.data.empty());
     for (std::size_t index = 1; index < SEND.size(); ++index) {
         BYTES spoiled = SEND;
         spoiled[index] ^= 0x04;

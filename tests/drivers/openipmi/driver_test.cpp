@@ -157,15 +157,8 @@ TEST_F(Driver, BridgedFailures) {
         EXPECT_EQ(m_answer.size(), row.length);
         EXPECT_TRUE(row.length != 8 || m_answer[6] == row.script[0].bytes[0]);
     }
-    BYTES header = SEND_MESSAGE;
-    ++header[3];
-    BYTES body = SEND_MESSAGE;
-    ++body[7];
-    const std::pair<BYTES, int> refused[] = {{BYTES(7), 0xC7}, {header, 0xCC}, {body, 0xCC}};
-    for (const auto& [frame, code] : refused) {
-        EXPECT_EQ(SendMessage(frame), OPENIPMI_OK);
-        EXPECT_EQ(m_code, code);
-    }
+    EXPECT_EQ(SendMessage(BYTES(7)), OPENIPMI_OK);
+    EXPECT_EQ(m_code, 0xC7);
     g_kernel.sendError = EINVAL;
     EXPECT_EQ(SendMessage(), OPENIPMI_OK);
     EXPECT_EQ(m_code, 0xCC) << "not an IPMB channel";
