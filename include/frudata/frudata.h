@@ -11,7 +11,7 @@
  * 3.  Status. Every operation returns an EFI_STATUS: 0 for success, else a FRU_STATUS_ code (types.h).
  *     Checks come in this order: initialised, loaded, selection, arguments.
  * 4.  Errors. The reason of a failure is a text in the current language, fetched and cleared by
- *     `GetLastErrorMessage`; it stays intact until the next but one such call. Not every failure has one.
+ *     `GetLastErrorMessage`; it stays intact until the next such call. Not every failure has one.
  * 5.  Cursor. `SelectList`, a FRU, an area and a field of it are selected in this order; selecting at one
  *     level clears the levels below it. Values are read and written at the cursor.
  * 6.  Ownership. Texts and data handed out belong to the library. A field value is valid until the next
