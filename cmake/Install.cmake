@@ -1,18 +1,20 @@
-# What is installed where: library and development files; the texts and the tool install themselves.
+# What is installed where: libraries and development files; the texts and the tool install themselves.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS frudata EXPORT frudata-targets
+install(TARGETS frudata frudata_openipmi EXPORT frudata-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT library NAMELINK_COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/frudata DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 file(RELATIVE_PATH FRUDATA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(packaging/frudata.pc.in ${CMAKE_BINARY_DIR}/frudata.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/frudata.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+foreach(name frudata frudata-openipmi)
+  configure_file(packaging/${name}.pc.in ${CMAKE_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/${name}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
 
-# find_package(frudata) gives the target frudata::frudata.
+# find_package(frudata) gives the targets frudata::frudata and frudata::openipmi.
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/frudata)
 install(EXPORT frudata-targets NAMESPACE frudata:: FILE frudata-config.cmake
   DESTINATION ${package} COMPONENT development)

@@ -76,7 +76,8 @@ execute_process(COMMAND date --rfc-email --utc --date ${PACKAGE_DATE}
   OUTPUT_VARIABLE PACKAGE_DATE OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 set(documents ${CMAKE_BINARY_DIR}/packaging)
 # CPack would write maintainer scripts in the place of the trigger.
-file(WRITE ${documents}/shlibs "libfrudata ${PROJECT_VERSION_MAJOR} ${soname_package} (>= ${PROJECT_VERSION})\n")
+set(shlibs "${PROJECT_VERSION_MAJOR} ${soname_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${documents}/shlibs "libfrudata ${shlibs}libfrudata-openipmi ${shlibs}")
 file(WRITE ${documents}/triggers "activate-noawait ldconfig\n")
 file(CHMOD ${documents}/shlibs ${documents}/triggers
   PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)

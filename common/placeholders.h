@@ -66,8 +66,9 @@ template <typename CHARACTER> constexpr bool ReadPlaceholder(const CHARACTER*& t
 
 /// The arguments that a text takes.
 struct PLACEHOLDERS {
-    unsigned count = 0;
-    unsigned used = 0; ///< bit n: the one at n
+    unsigned given = 0; ///< arguments that there are
+    unsigned count = 0; ///< placeholders
+    unsigned used = 0;  ///< bit n: the one at n
     bool isPlain = true;
     bool areNumbered = false;
 };
@@ -76,9 +77,8 @@ struct PLACEHOLDERS {
 /// it does, and either all or none have a position
 template <typename CHARACTER>
 constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PLACEHOLDERS& all) {
-    unsigned given = 0;
-    while (arguments[given])
-        ++given;
+    while (arguments[all.given])
+        ++all.given;
     while (*text) {
         if (*text++ != '%')
             continue;
@@ -90,7 +90,7 @@ constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PL
         if (!ReadPlaceholder(text, found))
             return false;
         const unsigned index = found.position > 0 ? found.position - 1 : all.count;
-        if (index >= given || arguments[index] != found.argument ||
+        if (index >= all.given || arguments[index] != found.argument ||
             (all.count > 0 && all.areNumbered != (found.position > 0)))
             return false;
         all.areNumbered = found.position > 0;
@@ -112,8 +112,8 @@ template <typename CHARACTER> constexpr bool PlaceholdersFit(const CHARACTER* te
 /// Whether `text` takes each of `arguments` once, spelled as the texts of this library are.
 template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* text, const char* arguments) {
     PLACEHOLDERS all;
-    return ReadPlaceholders(text, arguments, all) && all.isPlain && (all.used & (all.used + 1)) == 0 &&
-           arguments[all.count] == 0;
+    return ReadPlaceholders(text, arguments, all) && all.isPlain && all.count == all.given &&
+           all.used == (1U << all.given) - 1;
 }
 
 } // namespace Frudata_Private

@@ -9,12 +9,17 @@
 
 #include "sim/kcsmodel.h"
 
+#include "frudata/bmclib.h"
+
 namespace Frudata_Sim {
 
 /// Sets the BMC that the IMB and the session front serve, or none with null: then open_imb returns 0 and
 /// no session opens. Not owned; it must stay until replaced.
 void SetCurrentBmc(CSimulatedBmc* bmc);
 CSimulatedBmc* CurrentBmc();
+
+/// What the IMB front does with a request, for hosts that define SendTimedImbpRequest themselves. @return its result
+int ServeImbRequest(const _IMBPREQUESTDATA* request, UINT8* responseData, int* responseLength, UINT8* completionCode);
 
 /// Sets the interface that inb and outb serve, or none with null: then every port reads 0xFF. Not owned.
 void SetCurrentKcs(CKcsModel* kcs);

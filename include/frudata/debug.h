@@ -12,7 +12,8 @@ extern "C" {
 
 /**
  * Debug level, process-wide: 0 nothing, 1 errors (the default), 2 also buffer dumps, 3 and above also
- * the entry and exit of every operation. Lines go to "DBGLOG.txt" in the current directory.
+ * the entry and exit of every operation. Lines go to "DBGLOG.txt" in the current directory, which is a
+ * regular file or a link to a terminal; where it is anything else they are lost.
  */
 extern unsigned int LIBDBG_DEBUG_LEVEL;
 
@@ -40,8 +41,11 @@ unsigned int DecodeDebugLevel(int argc, char** argv);
 
 /**
  * Opens a file named by wide texts, converted to the current locale's multibyte form.
- * @return the stream (the caller closes it); null for a null argument, a text that cannot be converted
- *         into as many bytes as it has characters, or a failed open
+ * A name keeps as many bytes as it has characters: one that grows by the conversion, as those do that
+ * have characters beyond ASCII in UTF-8, is cut and names another file. The path of a string table is
+ * converted in the same way; names of FRU text files are not cut.
+ * @return the stream (the caller closes it); null for a null argument, a text that cannot be converted,
+ *         or a failed open
  */
 FILE* wfopen(const wchar_t* path, const wchar_t* mode);
 

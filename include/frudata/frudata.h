@@ -54,7 +54,8 @@ struct _EFI_FRU_INTERFACE {
     /**
      * Starts the library: looks for the BMC (its absence is no failure) and loads the texts of
      * "enus/frudata/str/frudata.str" below the current directory. With a null `This` no texts are loaded;
-     * call `SetLanguageLocale` next. @param platform FRU_PLATFORM_MBMC or any other value
+     * call `SetLanguageLocale` next. The table's file stays open until `DeInitialize`, closed when the host
+     * starts another program. @param platform FRU_PLATFORM_MBMC or any other value
      * @return 0, INIT_FAILED
      */
     EFI_STATUS (*Initialize)(_EFI_FRU_INTERFACE* This, int platform);
@@ -68,7 +69,7 @@ struct _EFI_FRU_INTERFACE {
      */
     EFI_STATUS (*LoadConfigurationFromSystem)(_EFI_FRU_INTERFACE* This);
     /**
-     * Loads a FRU text file, appends it to the file list and selects it.
+     * Loads a FRU text file, appends it to the file list and selects it. Only a regular file is read.
      * @param fileName must not be null (assertion) @param auxFileName ignored
      * @return 0, NOT_INITIALIZED, OUT_OF_MEMORY, FILE_READ_ERROR, BUFFER_TOO_SMALL
      */
@@ -82,7 +83,9 @@ struct _EFI_FRU_INTERFACE {
     /**
      * Writes the selected FRU to a FRU text file. @param fileName must not be null (assertion)
      * @param auxFileName reserved, must be null (assertion)
-     * A full disk is not noticed: read the file back where that matters.
+     * Only a regular file is written. A full disk is not noticed, nor a signal that ends a write early: read the
+     * file back where that matters. The file is opened for each of its sections, eight times at most, so that a
+     * process that is killed in between leaves its beginning.
      * @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, OUT_OF_MEMORY, FILE_CREATE_ERROR, FILE_WRITE_ERROR
      */
     EFI_STATUS (*SaveConfigurationToFile)(_EFI_FRU_INTERFACE* This, const WCHAR* fileName, const WCHAR* auxFileName);
@@ -90,7 +93,8 @@ struct _EFI_FRU_INTERFACE {
     EFI_STATUS (*IsLoaded)(_EFI_FRU_INTERFACE* This, FRU_OUT(bool) loaded);
     /** Always false: hosts track their changes themselves. @return 0, NOT_INITIALIZED, NOT_LOADED */
     EFI_STATUS (*IsModified)(_EFI_FRU_INTERFACE* This, FRU_OUT(bool) modified);
-    /** The reason of the failure since the last call, or null; clears it. @return 0, NOT_INITIALIZED */
+    /** The reason of the failure since the last call, or null; clears it. A text handed out stays intact until
+     *  the next such call. @return 0, NOT_INITIALIZED */
     EFI_STATUS (*GetLastErrorMessage)(_EFI_FRU_INTERFACE* This, FRU_OUT(const WCHAR*) message);
     /**
      * Replaces the texts by those of the file LANGUAGE + COUNTRY + "/frudata/str/frudata.str". A failure
@@ -181,10 +185,11 @@ struct _EFI_FRU_INTERFACE {
      *  @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, UNSUPPORTED, GET_FIELD_FAILED */
     EFI_STATUS (*GetFieldDataValue)(_EFI_FRU_INTERFACE* This, FRU_OUT(const UINT8*) data, FRU_OUT(unsigned int) length);
     /** Sets the field: at most 63 bytes, at most its length plus `GetMaxFieldSize`; `data` must not be null,
-     *  not even for a length of 0. One byte makes 0xC1, which ends the fields of an area wherever a custom
-     *  field could stand (section 13). Custom field indices
-     *  as for `GetFieldStringValue`. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED, UNSUPPORTED,
-     *  SET_FIELD_FAILED (nothing changed) */
+     *  not even for a length of 0. A custom field of one byte is stored with the type/length byte 0xC1, which
+     *  ends the fields of an area wherever a custom field could stand (section 13): what reads the device or
+     *  file later finds neither it nor the fields behind it, so give a custom field no value or two bytes.
+     *  Custom field indices as for `GetFieldStringValue`. @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED,
+     * UNSUPPORTED, SET_FIELD_FAILED (nothing changed) */
     EFI_STATUS (*SetFieldDataValue)(_EFI_FRU_INTERFACE* This, const UINT8* data, unsigned int length);
     /** Not supported: an assertion. */
     EFI_STATUS (*AddFruToSystemList)(_EFI_FRU_INTERFACE* This);

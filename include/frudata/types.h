@@ -152,7 +152,7 @@ FRU_ENUM(PROGRESS_CALLBACK_TYPE){
 
 /**
  * Progress callback. `message` is valid during the call only. The result is ignored.
- * It must not call back into the library and must not throw.
+ * It may select and read. It must not load, set, commit, start or end the library, and must not throw.
  */
 typedef unsigned int (*FRU_PROGRESS_CALLBACK)(PROGRESS_CALLBACK_TYPE type, const WCHAR* message, unsigned int current,
                                               unsigned int total);

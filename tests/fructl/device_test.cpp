@@ -1,6 +1,10 @@
 // Devices of a simulated server: committed, verified, restored.
 #include "tests/fructl/support.h"
 
+#include <atomic>
+#include <fstream>
+#include <thread>
+
 namespace Fructl_Tests {
 
 using namespace Frudata_Sim;
@@ -126,6 +130,28 @@ TEST_F(CDeviceTest, APowerCutAtAnyWriteIsRepaired) {
     EXPECT_GT(reloads[4], 2);
     RecordProperty("loadable", reloads[0]);
     RecordProperty("damaged", reloads[4]);
+}
+
+TEST_F(CDeviceTest, AnotherWriterIsToldFromADeviceThatDropsTheWrite) {
+    const BYTES image = ReadFile("server/bmc.bin");
+    WriteFile("eeprom", image);
+    std::atomic<bool> isDone = false;
+    std::thread other([&isDone] {
+        std::fstream file("eeprom", std::ios::binary | std::ios::in | std::ios::out);
+        for (unsigned int value = 0; !isDone; ++value) {
+            file.seekp(100);
+            file.put(static_cast<char>(value)).flush();
+        }
+    });
+    RESULT restore{};
+    // The other one may happen to leave the byte as it was, or as it should be.
+    for (int attempt = 0; attempt < 10 && restore.errors.find("someone else wrote") == std::string::npos; ++attempt)
+        restore = Fructl("restore server/bmc.bin --to eeprom=eeprom");
+    isDone = true;
+    other.join();
+    EXPECT_EQ(restore.status, 5);
+    EXPECT_THAT(restore.errors, HasSubstr("at 064h"));
+    EXPECT_THAT(restore.errors, HasSubstr("neither the old nor the new bytes are there: someone else wrote"));
 }
 
 TEST_F(CDeviceTest, RestoreRefusesWhatIsNoSoundImage) {

@@ -53,6 +53,8 @@ CFructlTest::CFructlTest() : m_before(fs::current_path()) {
     std::string pattern = (fs::temp_directory_path() / "fructl-test-XXXXXX").string();
     m_path = mkdtemp(pattern.data());
     fs::current_path(m_path);
+    // What a scan keeps for the completion is not the user's.
+    setenv("XDG_CACHE_HOME", (m_path / ".cache").c_str(), 1);
     Frudata_Sim::WriteSmallServer("server");
 }
 

@@ -9,6 +9,8 @@ shown       one line a field of device 0 that a general IPMI tool shows after th
 large.bin   one FRU device of 2 KiB, to compare costs with
 sdr.bin     the SDR repository
 locators    one line a locator that the scan of that repository has to find
+bmc.commands, board.bin, satellite.bin
+            a BMC and a controller behind it, for OpenIPMI's ipmi_sim, and the FRU of each
 
 The images before and after the edits are built by the same code from two columns of values, never one
 from the other. Layouts: FRU Information Storage Definition, sections 8 to 16; IPMI 2.0, section 43.
@@ -174,6 +176,17 @@ locator: address 0x40 bus 0x00 device 0x00 controller 0x20 lun 0 type 2 name Sat
 """
 
 
+def bmc_commands(folder):
+    """A BMC with the FRU and SDR devices, and a controller at 0x30 behind it with a FRU (ipmi_sim_cmd(5))."""
+    yield "mc_setbmc 0x20\n"
+    for address, support, fru in ((0x20, 0x8A, "board.bin"), (0x30, 0x08, "satellite.bin")):
+        yield f"mc_add {address:#x} 0 no-device-sdrs 1 1 0 {support:#x} 0x157 1\n"
+        yield f"mc_add_fru_data {address:#x} 0 {DEVICE_SIZE} file 0 \"{folder / fru}\"\n"
+        yield f"mc_enable {address:#x}\n"
+    for record in (controller_locator(0x20, "BMC"), controller_locator(0x30, "Satellite")):
+        yield f"main_sdr_add 0x20 {' '.join(f'{byte:#04x}' for byte in record)}\n"
+
+
 def main(directory):
     folder = pathlib.Path(directory)
     (folder / "fru.bin").write_bytes(server(BEFORE) + supply(BEFORE))
@@ -185,6 +198,9 @@ def main(directory):
     (folder / "shown").write_text("".join(shown()))
     (folder / "sdr.bin").write_bytes(b"".join(REPOSITORY))
     (folder / "locators").write_text(LOCATORS)
+    (folder / "board.bin").write_bytes(server(BEFORE))
+    (folder / "satellite.bin").write_bytes(supply(BEFORE))
+    (folder / "bmc.commands").write_text("".join(bmc_commands(folder)))
 
 
 main(sys.argv[1])

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <numeric>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -79,6 +80,10 @@ TEST_F(CStrings, RefusesFaultySources) {
          "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
         {"\"Writing %ls\"", "\"Writing %999999999ls\"",
          "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"\"Writing %ls\"", "\"Writing %.9ls\"",
+         "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"%02u/%02u/%04u %02u:%02u:%02u", "%2$02u.%1$02u.%3$04u %4$02u:%5$02u",
+         "text 35 DATE_TIME_FORMAT has the wrong placeholders; it takes %u, %u, %u, %u, %u, %u"},
         {"%02X, bus 0x%02X", "%02X, bus",
          "text 134 FRU_IDENTIFIER has the wrong placeholders; it takes %u, %u, %u, %u"},
         {"\"Board Info Area\"", "\"Board \xF0\x9F\x98\x80\"", "the text contains a character above U+FFFF"},
@@ -110,10 +115,17 @@ TEST_F(CStrings, KeepsWhatTheSourceSays) {
     EXPECT_NE(list.output.find("\n5\t\"\\ 5 %% \xC3\xA4\xE2\x82\xAC\n6\tProduct Info Area\n"), std::string::npos);
 }
 
+TEST(CompiledTables, TheGermanDateStandsDayFirst) {
+    const CRun list = RunCompiler("--list " STRC_TABLES "/dede/frudata/str/frudata.str");
+    EXPECT_NE(list.output.find("\n35\t%2$02u.%1$02u.%3$04u %4$02u:%5$02u:%6$02u\n"), std::string::npos);
+}
+
 /// Read byte by byte, by the layout that the library relies on.
 TEST(CompiledTables, HaveTheLayoutThatTheLibraryLoads) {
-    for (const std::string path :
-         {STRC_TABLES "/enus/frudata/str/frudata.str", STRC_TABLES "/dede/frudata/str/frudata.str"}) {
+    std::istringstream languages(STRC_LANGUAGES);
+    for (std::string language; languages >> language;) {
+        std::erase(language, '-');
+        const std::string path = STRC_TABLES "/" + language + "/frudata/str/frudata.str";
         SCOPED_TRACE(path);
         const std::string bytes = ReadFile(path);
         ASSERT_EQ(bytes.size() % 2, 0U);

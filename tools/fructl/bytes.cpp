@@ -23,6 +23,10 @@ std::string Hex(BYTE_VIEW bytes, std::string_view separator) {
     return text;
 }
 
+std::string Counted(std::size_t count, std::string_view unit) {
+    return fmt::format("{} {}{}", count, unit, count == 1 ? "" : "s");
+}
+
 std::string HexDump(BYTE_VIEW bytes) {
     constexpr std::size_t ROW = 16;
     std::string text;

@@ -20,6 +20,8 @@ UINT8 ZeroChecksum(BYTE_VIEW bytes);
 
 /// Upper-case pairs, `separator` between them.
 std::string Hex(BYTE_VIEW bytes, std::string_view separator = {});
+/// "1 byte", "2 bytes".
+std::string Counted(std::size_t count, std::string_view unit);
 /// Lines of offset, 16 bytes and their printable characters.
 std::string HexDump(BYTE_VIEW bytes);
 /// Bytes of hexadecimal text: pairs of digits; blanks, line ends and "0x" in front are skipped. Nothing

@@ -1,6 +1,7 @@
 #include "tools/fructl/child.h"
 
 #include "tools/fructl/bytes.h"
+#include "tools/fructl/interrupt.h"
 #include "tools/fructl/toolerror.h"
 
 #include <nlohmann/json.hpp>
@@ -23,7 +24,7 @@ namespace {
 using nlohmann::json;
 
 /// A BMC may take minutes over a bridged request; a child that is silent for longer hangs.
-constexpr int SILENCE_LIMIT = 300'000;
+constexpr timespec SILENCE_LIMIT = {300, 0};
 
 enum FRAME_KIND : UINT8 {
     FRAME_RESULT,
@@ -86,6 +87,9 @@ class CChild {
         close(m_output);
     }
 
+    /// Signals that may arrive while the parent waits, and at no other time.
+    void Allow(const sigset_t& signals) { m_signals = signals; }
+
     /// Reads frames until the last one. @return whether a result came
     bool Receive(json& result, const PROGRESS& progress) {
         FRAME_KIND kind = FRAME_PROGRESS;
@@ -97,8 +101,10 @@ class CChild {
             }
             if (kind == FRAME_ERROR)
                 throw CToolError(content[0].get<EXIT_STATUS>(), content[1], content[2], content[3]);
+            m_done = content[0];
+            m_total = content[1];
             if (progress)
-                progress(content[0], content[1], content[2]);
+                progress(m_done, m_total, content[2]);
         }
         return false;
     }
@@ -122,9 +128,12 @@ class CChild {
         auto* bytes = static_cast<UINT8*>(data);
         while (length > 0) {
             pollfd waited{m_pipe, POLLIN, 0};
-            const int ready = poll(&waited, 1, SILENCE_LIMIT);
+            const int ready = ppoll(&waited, 1, &SILENCE_LIMIT, &m_signals);
             if (ready == 0)
                 throw CToolError(EXIT_DEVICE, "session", "no answer for five minutes: given up");
+            CheckInterrupt(m_done, m_total);
+            if (ready < 0 && errno == EINTR)
+                continue;
             const ssize_t count = ready < 0 ? -1 : read(m_pipe, bytes, length);
             if (count < 0 && errno == EINTR)
                 continue;
@@ -150,6 +159,28 @@ class CChild {
     pid_t m_process;
     int m_pipe;
     int m_output;
+    sigset_t m_signals{};
+    std::size_t m_done = 0;
+    std::size_t m_total = 0;
+};
+
+/// While one lives, signals wait: the child never takes one, as its parent decides for both.
+class CSignalBlock {
+  public:
+    CSignalBlock() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+            sigaddset(&signals, signal);
+        sigprocmask(SIG_BLOCK, &signals, &m_before);
+    }
+    ~CSignalBlock() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+    CSignalBlock(const CSignalBlock&) = delete;
+    CSignalBlock& operator=(const CSignalBlock&) = delete;
+    const sigset_t& Before() const { return m_before; }
+
+  private:
+    sigset_t m_before{};
 };
 
 } // namespace
@@ -160,6 +191,8 @@ json RunInChild(const std::function<json(const PROGRESS&)>& work, const PROGRESS
     if (output < 0 || pipe(ends) != 0)
         throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
     std::fflush(nullptr);
+    const CHold hold;
+    const CSignalBlock block;
     const pid_t process = fork();
     if (process < 0)
         throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
@@ -169,6 +202,7 @@ json RunInChild(const std::function<json(const PROGRESS&)>& work, const PROGRESS
     }
     close(ends[1]);
     CChild child(process, ends[0], output);
+    child.Allow(block.Before());
     json result;
     const bool done = child.Receive(result, progress);
     child.Wait();

@@ -1,7 +1,7 @@
 // Two FRUs compared, entry by entry.
 #pragma once
 
-#include "tools/fructl/session.h"
+#include "tools/fructl/edit.h"
 
 #include <optional>
 #include <string>

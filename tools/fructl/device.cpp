@@ -1,10 +1,10 @@
 #include "tools/fructl/device.h"
 
 #include "tools/fructl/fru.h"
-#include "tools/fructl/session.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/way.h"
 
 #include <fmt/format.h>
 
@@ -32,9 +32,6 @@ constexpr std::size_t DEVICE_LIMIT = 0x10000;
 /// An EEPROM page: a write must not cross its end.
 constexpr std::size_t EEPROM_PAGE = 8;
 constexpr std::size_t FRU_DEVICE_CHUNK = 16;
-/// A read has nothing to store: it goes as far as a BMC's buffer, and halves where that is too small. A bridged
-/// answer has the 32 bytes of an IPMB message.
-constexpr std::size_t FRU_DEVICE_READ_CHUNK = 64;
 
 /// How often a request is sent again after this answer, with growing pauses.
 int Retries(UINT8 code, bool eeprom) {
@@ -65,7 +62,7 @@ std::size_t RecordsEnd(BYTE_VIEW image, std::size_t offset, bool& known) {
 
 CDevice::CDevice(const ADDRESS& address, std::string name)
     : m_address(address), m_name(std::move(name)), m_chunk(IsFruDevice() ? FRU_DEVICE_CHUNK : EEPROM_PAGE),
-      m_readChunk(IsFruDevice() && !IsBridged() && m_address.controller == 0x20 ? FRU_DEVICE_READ_CHUNK : m_chunk) {}
+      m_readChunk(IsFruDevice() && !IsBridged() && m_address.controller == 0x20 ? CurrentWay().readChunk : m_chunk) {}
 
 void CDevice::Fail(const std::string& why) const {
     throw CToolError(EXIT_DEVICE, m_name, why);
@@ -94,7 +91,7 @@ UINT8 CDevice::Send(const REQUEST& request, BYTES& answer) {
             IsBridged() ? ProcessSendMessage(m_request.get(), m_response.get(), m_address.bus, m_address.deviceAddress)
                         : ProcessMessage(m_request.get(), m_response.get(), TIMEOUT);
         if (status != 0)
-            Fail(fmt::format("no answer (transport status {})", status));
+            Fail(TransportText(status));
         if (attempt >= Retries(m_response->completionCode, !IsFruDevice()))
             break;
         usleep(BUSY_PAUSE * static_cast<useconds_t>(attempt + 1));

@@ -12,6 +12,9 @@
 
 namespace Fructl {
 
+/// For ReadContents: all that the device has.
+inline constexpr std::size_t WHOLE = ~std::size_t{0};
+
 class CDevice {
   public:
     /// The library must have been started. `name` is for messages.
@@ -46,8 +49,8 @@ class CDevice {
 
     ADDRESS m_address;
     std::string m_name;
-    std::size_t m_chunk; ///< bytes of a write
-    std::size_t m_readChunk;
+    std::size_t m_chunk;     ///< bytes of a write
+    std::size_t m_readChunk; ///< as far as the way goes, halved where that is too much; bridged as a write
     std::optional<std::size_t> m_size;
     bool m_sizeAsked = false;
     std::unique_ptr<BMC_MESSAGE> m_request = std::make_unique<BMC_MESSAGE>();

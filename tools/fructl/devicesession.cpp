@@ -1,15 +1,12 @@
-// Sessions over devices: finding them, and writing them through the table.
+#include "tools/fructl/devicesession.h"
+
+#include "tools/fructl/eeprom.h"
 #include "tools/fructl/loaded.h"
-
 #include "tools/fructl/session.h"
-#include "tools/fructl/terminal.h"
-#include "tools/fructl/toolerror.h"
-
-#include "frudata/sdrscan.h"
 
 #include <nlohmann/json.hpp>
 
-#include <memory>
+#include <algorithm>
 
 namespace Fructl {
 
@@ -48,27 +45,30 @@ void PrepareSteps(const FRU& fru, const EDITS& edits, const PROGRESS& report) {
 
 } // namespace
 
-std::vector<SOURCE> ScanDevices() {
-    const json found = RunSession("SDR repository", [](const PROGRESS&) {
-        const CLibrary library(CLibrary::SYSTEM_BMC);
-        auto list = std::make_unique<OrderedList<FRU_LOCATOR*>>();
-        OrderedList<FRU_LOCATOR*>* pointer = list.get();
-        ScanSystemForFruLocators(pointer);
-        json rows = json::array();
-        while (FRU_LOCATOR* first = list->First()) {
-            const std::unique_ptr<FRU_LOCATOR> locator(list->Remove(first));
-            rows.push_back({Utf8(locator->name), static_cast<int>(locator->type), locator->lun, locator->deviceAddress,
-                            locator->bus, locator->controller, locator->deviceId});
-        }
-        return rows;
-    });
-    std::vector<SOURCE> sources;
-    for (const json& row : found) {
-        ADDRESS address{static_cast<FRU_TYPE>(row[1].get<int>()), row[2], row[3], row[4], row[5], row[6], 0xFF, 0};
-        const std::string name = Printable(row[0].get<std::string>());
-        sources.push_back({SOURCE::DEVICE, name.empty() ? AddressText(address) : name, name, address});
-    }
-    return sources;
+BYTES ReadDevice(const SOURCE& source, std::size_t atLeast, const PROGRESS& progress) {
+    if (source.isEeprom)
+        return CEeprom(source.label).Read();
+    return RunSession(
+               source.label,
+               [&](const PROGRESS& report) {
+                   const CLibrary library(CLibrary::SYSTEM_BMC);
+                   return json::binary(CDevice(source.address, source.label).ReadContents(atLeast, report));
+               },
+               progress)
+        .get_binary();
+}
+
+void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {
+    if (source.isEeprom)
+        return CEeprom(source.label).Write(bytes, known, progress);
+    RunSession(
+        source.label,
+        [&](const PROGRESS& report) {
+            const CLibrary library(CLibrary::SYSTEM_BMC);
+            CDevice(source.address, source.label).Write(bytes, known, report);
+            return json();
+        },
+        progress);
 }
 
 void CommitDevice(const CONTENTS& contents, const EDITS& edits, const PROGRESS& progress) {

@@ -1,5 +1,6 @@
 #include "tools/fructl/edit.h"
 
+#include "tools/fructl/settings.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/toolerror.h"
 #include "tools/fructl/value.h"
@@ -52,6 +53,11 @@ std::string Quoted(const std::string& text) {
 }
 
 } // namespace
+
+bool EDITS::Touches(FRU_AREA area) const {
+    return (area == FRU_AREA_INTERNAL_USE && internalUse) || (area == FRU_AREA_MULTIRECORD && multiRecord) ||
+           std::any_of(fields.begin(), fields.end(), [&](const ASSIGNMENT& one) { return one.name.area == area; });
+}
 
 EDITS ParseAssignments(const std::vector<std::string>& texts, const FRU& fru) {
     EDITS edits;

@@ -1,13 +1,35 @@
-// AREA.FIELD=VALUE of the command line as changes, all checked before the first is made.
+// Changes of fields: AREA.FIELD=VALUE of the command line, all checked before the first is made.
 #pragma once
 
-#include "tools/fructl/session.h"
-#include "tools/fructl/settings.h"
+#include "tools/fructl/fru.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Fructl {
+
+/// One change of a field.
+struct ASSIGNMENT {
+    FIELD_NAME name;
+    FIELD before;
+    BYTES data;
+
+    std::ptrdiff_t Growth() const {
+        return static_cast<std::ptrdiff_t>(data.size()) - static_cast<std::ptrdiff_t>(before.data.size());
+    }
+};
+
+/// All changes of one call.
+struct EDITS {
+    std::vector<ASSIGNMENT> fields;
+    std::optional<BYTES> internalUse;
+    std::optional<BYTES> multiRecord;
+
+    bool IsEmpty() const { return fields.empty() && !internalUse && !multiRecord; }
+    bool Touches(FRU_AREA area) const;
+};
 
 /// The changes that `texts` ask for; a value that is there already is none. @throws CToolError for a name
 /// or value that cannot be set

@@ -1,11 +1,15 @@
 #include "tools/fructl/files.h"
 
+#include "tools/fructl/eeprom.h"
 #include "tools/fructl/toolerror.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,6 +20,9 @@ namespace Fructl {
 namespace fs = std::filesystem;
 
 namespace {
+
+/// As many links are followed as the kernel does.
+constexpr int LINK_LIMIT = 40;
 
 [[noreturn]] void Fail(const fs::path& path, const char* doing, int error) {
     throw CToolError(EXIT_REFUSED, path.string(), std::string(doing) + ": " + std::strerror(error));
@@ -28,22 +35,99 @@ fs::path Resolve(const std::string& target) {
     return failed ? fs::path(target) : resolved;
 }
 
+/// The descriptor that a path such as /dev/stdout or /dev/fd/3 leads to: its file has an offset that an opening by
+/// name would not share.
+std::optional<int> Descriptor(fs::path path) {
+    if (path == STANDARD_STREAM)
+        return STDOUT_FILENO;
+    std::error_code failed;
+    const fs::path own = fs::canonical("/proc/self/fd", failed);
+    for (int link = 0; link < LINK_LIMIT && !failed; ++link) {
+        const fs::path parent = fs::canonical(path.has_parent_path() ? path.parent_path() : fs::path("."), failed);
+        if (!failed && parent == own)
+            if (const auto number = ParseNumber(path.filename().string(), 0xFFFF))
+                return static_cast<int>(*number);
+        if (failed || !fs::is_symlink(path, failed))
+            return std::nullopt;
+        path = parent / fs::read_symlink(path, failed);
+    }
+    return std::nullopt;
+}
+
+bool IsWrittenThrough(const std::string& target) {
+    struct stat status {};
+    if (Descriptor(target))
+        return true;
+    if (IsEepromPath(target))
+        throw CToolError(EXIT_REFUSED, target, "is an EEPROM: it is written in place, as a device",
+                         "'fructl restore IMAGE --to EEPROM' keeps a backup and verifies");
+    if (stat(target.c_str(), &status) != 0)
+        return false;
+    if (S_ISDIR(status.st_mode))
+        Fail(target, "cannot be written", EISDIR);
+    return !S_ISREG(status.st_mode);
+}
+
+void WriteThrough(const std::string& target, BYTE_VIEW bytes) {
+    std::fflush(stdout);
+    const auto shared = Descriptor(target);
+    const int file = shared ? dup(*shared) : open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    bool failed = file < 0;
+    while (!failed && !bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        failed = written < 0 && errno != EINTR;
+        bytes = bytes.subspan(written > 0 ? static_cast<std::size_t>(written) : 0);
+    }
+    const int error = errno;
+    if (file >= 0 && close(file) != 0 && !failed)
+        Fail(target, "cannot be written", errno);
+    if (failed)
+        Fail(target, "cannot be written", error);
+}
+
 } // namespace
 
-BYTES ReadFile(const std::string& path) {
-    std::error_code ignored;
-    if (fs::is_directory(path, ignored))
-        Fail(path, "cannot be read", EISDIR);
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    BYTES bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!file.is_open() || file.bad())
+BYTES ReadStart(const std::string& path, std::size_t count) {
+    const bool isStream = path == STANDARD_STREAM;
+    const int file = isStream ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    if (file < 0)
         Fail(path, "cannot be read", errno);
+    BYTES bytes(count);
+    std::size_t length = 0;
+    ssize_t got = 1;
+    while (got != 0 && length < count) {
+        got = read(file, bytes.data() + length, count - length);
+        if (got < 0 && errno != EINTR)
+            break;
+        length += got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
+    const int error = errno;
+    close(file);
+    if (got < 0)
+        Fail(path, "cannot be read", error);
+    bytes.resize(length);
     return bytes;
 }
 
-CReplacement::CReplacement(const std::string& target) : m_target(Resolve(target)) {
-    std::string pattern = (m_target.parent_path() / ".fructl-XXXXXX").string();
+void CheckSize(const std::string& path, const BYTES& bytes, std::size_t limit) {
+    if (bytes.size() > limit)
+        throw CToolError(EXIT_REFUSED, path,
+                         fmt::format("has more than {} KiB, the most that {} may have", limit / 1024,
+                                     limit == IMAGE_LIMIT ? "a binary FRU image" : "a text file"));
+}
+
+BYTES ReadFile(const std::string& path, std::size_t limit) {
+    BYTES bytes = ReadStart(path, limit + 1);
+    CheckSize(path, bytes, limit);
+    return bytes;
+}
+
+CReplacement::CReplacement(const std::string& target) : m_target(target), m_through(IsWrittenThrough(target)) {
+    if (!m_through)
+        m_target = Resolve(target);
+    std::error_code ignored;
+    std::string pattern =
+        ((m_through ? fs::temp_directory_path(ignored) : m_target.parent_path()) / ".fructl-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         Fail(m_target, "cannot be written", errno);
     m_directory = pattern;
@@ -52,6 +136,10 @@ CReplacement::CReplacement(const std::string& target) : m_target(Resolve(target)
 CReplacement::~CReplacement() {
     std::error_code ignored;
     fs::remove_all(m_directory, ignored);
+}
+
+std::string CReplacement::Name() const {
+    return m_target == STANDARD_STREAM ? "stdout" : m_target.filename().string();
 }
 
 void CReplacement::Write(BYTE_VIEW bytes) const {
@@ -64,6 +152,13 @@ void CReplacement::Write(BYTE_VIEW bytes) const {
 }
 
 void CReplacement::Finish() const {
+    if (!m_through)
+        return Replace();
+    const BYTES bytes = ReadFile(Path().string());
+    WriteThrough(m_target.string(), bytes);
+}
+
+void CReplacement::Replace() const {
     const int file = open(Path().c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         Fail(m_target, "cannot be written", errno);
@@ -81,6 +176,8 @@ void CReplacement::Finish() const {
 }
 
 void WriteFile(const std::string& path, BYTE_VIEW bytes) {
+    if (IsWrittenThrough(path))
+        return WriteThrough(path, bytes);
     const CReplacement replacement(path);
     replacement.Write(bytes);
     replacement.Finish();

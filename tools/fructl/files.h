@@ -1,20 +1,33 @@
-// Files read whole and replaced whole: a failure on the way leaves the old file as it was.
+// Files read whole and written whole. "-" is standard input or standard output.
 #pragma once
 
 #include "tools/fructl/bytes.h"
+#include "tools/fructl/interrupt.h"
 
 #include <filesystem>
 #include <string>
 
 namespace Fructl {
 
-/// @throws CToolError where the file cannot be read
-BYTES ReadFile(const std::string& path);
+/// The most bytes that are read: of a binary image, whose offsets have 16 bits, and of any other file.
+inline constexpr std::size_t IMAGE_LIMIT = 64 * 1024;
+inline constexpr std::size_t FILE_LIMIT = 1024 * 1024;
+/// What "-" stands for.
+inline constexpr const char* STANDARD_STREAM = "-";
 
-/// A file under construction: a fresh directory beside the target holds it until it takes its place.
+/// At most `count` bytes from the start of a file. @throws CToolError where it cannot be read
+BYTES ReadStart(const std::string& path, std::size_t count);
+/// Refuses more than `limit` bytes. @throws CToolError
+void CheckSize(const std::string& path, const BYTES& bytes, std::size_t limit);
+/// @throws CToolError where the file cannot be read or has more than `limit` bytes
+BYTES ReadFile(const std::string& path, std::size_t limit = FILE_LIMIT);
+
+/// A file under construction, in a fresh directory that goes with it, whatever ends the process. A target that is a
+/// regular file, or none yet, is replaced in one step: a failure on the way leaves the old file as it was. Anything
+/// else that can be written, such as a pipe or a device node, is opened and written through.
 class CReplacement {
   public:
-    /// @throws CToolError where nothing can be written beside `target`
+    /// @throws CToolError where nothing can be written there
     explicit CReplacement(const std::string& target);
     ~CReplacement();
     CReplacement(const CReplacement&) = delete;
@@ -22,15 +35,19 @@ class CReplacement {
 
     const std::filesystem::path& Directory() const { return m_directory; }
     /// The target's own name: the file to write in the directory.
-    std::string Name() const { return m_target.filename().string(); }
-    std::filesystem::path Path() const { return m_directory / m_target.filename(); }
+    std::string Name() const;
+    std::filesystem::path Path() const { return m_directory / Name(); }
 
     void Write(BYTE_VIEW bytes) const;
-    /// Puts the finished file in the target's place, with the target's owner and permissions.
+    /// Puts the finished file in the target's place, with the target's owner and permissions, or its bytes through it.
     void Finish() const;
 
   private:
+    void Replace() const;
+
+    CHold m_hold;
     std::filesystem::path m_target;
+    bool m_through;
     std::filesystem::path m_directory;
 };
 

@@ -1,7 +1,9 @@
 #include "tools/fructl/library.h"
 
+#include "tools/fructl/imbseam.h"
+#include "tools/fructl/languages.h"
+#include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
-#include "tools/fructl/toolerror.h"
 
 #include "frudata/debug.h"
 #include "sim/directory.h"
@@ -14,8 +16,6 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include <unistd.h>
-
 namespace Fructl {
 
 namespace {
@@ -25,13 +25,13 @@ namespace fs = std::filesystem;
 constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
 constexpr unsigned TIMEOUT = 5000;
 
-/// The directory that holds the library's texts, as "enus" and the like; empty where there is none.
+/// The directory that holds the library's texts, one directory a language; empty where there is none.
 fs::path DataDirectory() {
     std::error_code ignored;
     const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
     const char* given = std::getenv("FRUDATA_DATADIR");
     for (const fs::path& directory : {fs::path(given ? given : ""), program / "..", program / "../share/frudata"})
-        if (!directory.empty() && fs::exists(directory / "enus" / TABLE_PATH, ignored))
+        if (!directory.empty() && fs::exists(directory / TextDirectory(Languages().front()) / TABLE_PATH, ignored))
             return directory;
     return {};
 }
@@ -59,7 +59,7 @@ std::string StatusText(EFI_STATUS status) {
     }
     // The device operations pass the small numbers of the transport through.
     if (status < 0xC0000000U || status > 0xFFFF0000U)
-        return fmt::format("no answer (transport status {})", static_cast<int>(status));
+        return TransportText(static_cast<int>(status));
     return fmt::format("the library failed with status {:08X}h", status);
 }
 
@@ -69,9 +69,9 @@ unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, 
 
 } // namespace
 
-SETTINGS& Settings() {
-    static SETTINGS settings;
-    return settings;
+std::string TransportText(int status) {
+    const std::string reason = IsAnswerLost() ? CurrentWay().Failure() : "";
+    return reason.empty() ? fmt::format("no answer (transport status {})", status) : "no answer: " + reason;
 }
 
 std::string Utf8(const WCHAR* text) {
@@ -121,14 +121,17 @@ void CLibrary::Start() {
     // File names are UTF-8 here, whatever the user's locale: it decides nothing but the language.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     Frudata_Sim::SetCurrentBmc(m_bmc.get());
+    KCSAddress = KcsPort();
+    if (m_bmc)
+        OpenSimulatedWay();
+    else
+        OpenWay();
     SetLibDebugLevel(Settings().debugLevel);
-    if (Settings().kcsPort)
-        KCSAddress = static_cast<int>(*Settings().kcsPort);
     Check(m_table->Initialize(nullptr, Settings().platform), EXIT_DEVICE, "library");
     LoadTexts();
     m_table->SetProgressCallback(m_table, IgnoreProgress);
-    if (!m_bmc && Settings().interface != IPMI_INTERFACE_KCS && !SelectIPMIInterface(Settings().interface))
-        throw CToolError(EXIT_DEVICE, "--interface", "no session with the BMC", "is libipmi.so installed?");
+    if (const std::string reason = CurrentWay().Started(); !reason.empty())
+        throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
 }
 
 /// The table is looked up from its own directory, so that its name may have any characters.
@@ -138,11 +141,13 @@ void CLibrary::LoadTexts() const {
     const fs::path directory = DataDirectory();
     if (!directory.empty())
         fs::current_path(directory, failed);
-    const bool german = Settings().language == "de-de";
+    const std::string& name = Settings().language;
+    const std::wstring language(name.begin(), name.begin() + 2);
+    const std::wstring country(name.begin() + 3, name.end());
     SetLibDebugLevel(0);
     // Without texts the titles are empty: whoever shows them says so.
     if (!directory.empty() && !failed)
-        m_table->SetLanguageLocale(m_table, german ? L"de" : L"en", german ? L"de" : L"us");
+        m_table->SetLanguageLocale(m_table, language.c_str(), country.c_str());
     fs::current_path(before, failed);
     SetLibDebugLevel(Settings().debugLevel);
 }
@@ -158,17 +163,21 @@ void CLibrary::CheckBmc() const {
     // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
     if (status == 0 && response->dataLength < 0xFF)
         return;
-    throw CToolError(EXIT_DEVICE, "BMC", status == 0 ? "its system interface is not KCS" : "no answer to Get Device ID",
-                     geteuid() == 0 ? "is there a BMC, and is no other driver using it? --sim DIR works without one"
-                                    : "access to the BMC needs root");
+    throw CToolError(EXIT_DEVICE, "BMC",
+                     status == 0 ? "its system interface is not KCS"
+                                 : "Get Device ID over " + CurrentWay().Description() + ": " + TransportText(status),
+                     "is there a BMC, and is no other driver using it? --sim DIR works without one");
 }
 
-void CLibrary::Check(EFI_STATUS status, int exitStatus, const std::string& what) const {
+void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {
     if (status == FRU_STATUS_SUCCESS)
         return;
+    // Whatever the library took it for: without an answer nothing is known about the device's contents.
+    if (IsAnswerLost() && !CurrentWay().Failure().empty())
+        throw CToolError(EXIT_DEVICE, what, "no answer: " + CurrentWay().Failure());
     const WCHAR* message = nullptr;
     m_table->GetLastErrorMessage(m_table, message);
-    throw CToolError(static_cast<EXIT_STATUS>(exitStatus), what, message ? Utf8(message) : StatusText(status));
+    throw CToolError(exitStatus, what, message ? Utf8(message) : StatusText(status));
 }
 
 EFI_STATUS CLibrary::Load(const ADDRESS& address) const {

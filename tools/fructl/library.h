@@ -1,9 +1,10 @@
 // The library inside a child process: its start, its state and its failures. For child processes only.
 #pragma once
 
+#include "tools/fructl/address.h"
 #include "tools/fructl/bytes.h"
-
-#include "frudata/frudata.h"
+#include "tools/fructl/toolerror.h"
+#include "tools/fructl/way.h"
 
 #include <memory>
 #include <string>
@@ -13,18 +14,6 @@ class CSimulatedBmc;
 }
 
 namespace Fructl {
-
-/// Where a FRU device is.
-struct ADDRESS {
-    FRU_TYPE type = FRU_TYPE_IMBDEVICE;
-    UINT8 lun = 0;
-    UINT8 deviceAddress = 0x20;
-    UINT8 bus = 0xFF;
-    UINT8 controller = 0x20;
-    UINT8 deviceId = 0;
-    UINT8 mbmcSizeData = 0xFF;
-    UINT16 mbmcSizeAddress = 0;
-};
 
 /// The library, started with the settings of this run.
 class CLibrary {
@@ -45,7 +34,7 @@ class CLibrary {
     _EFI_FRU_INTERFACE* Table() const { return m_table; }
 
     /// Throws the library's reason where `status` is a failure.
-    void Check(EFI_STATUS status, int exitStatus, const std::string& what) const;
+    void Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const;
     /// Loads one device, without a check: the caller judges the status.
     EFI_STATUS Load(const ADDRESS& address) const;
     /// Loads a FRU text file and selects it.
@@ -60,10 +49,13 @@ class CLibrary {
     void LoadTexts() const;
     void CheckBmc() const;
 
+    CWayCloser m_way;
     _EFI_FRU_INTERFACE* m_table;
     std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };
 
+/// Why a request got no answer, in the words of the way taken.
+std::string TransportText(int status);
 /// UTF-8 of a text of the library; empty for null.
 std::string Utf8(const WCHAR* text);
 

@@ -1,36 +1,21 @@
 #include "tools/fructl/loaded.h"
 
+#include "tools/fructl/files.h"
 #include "tools/fructl/toolerror.h"
 
-#include <nlohmann/json.hpp>
+#include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace Fructl {
 
 namespace {
-
-using nlohmann::json;
-
-/// Failed assertions that say what is wrong with a file, in words.
-constexpr struct {
-    const char* assertion;
-    const char* reason;
-} ASSERTIONS[] = {{"position == FIRST", "a line of an area block has an odd number of hexadecimal digits"},
-                  {"length == 8", "the _SEE_COMMON block has not 8 bytes"},
-                  {"length >= 5", "the _SEE_MULTIREC block has less than the 5 bytes of a record header"},
-                  {"index != 512", "an area block has 512 bytes, one more than a text file can hold"},
-                  {"padding >= 0", "the fields of the board area are longer than the area"},
-                  {"IsValid()", "the checksum of an info area is wrong"}};
-
-std::string DeathReason(const CChildDied& death) {
-    for (const auto& [assertion, reason] : ASSERTIONS)
-        if (death.m_output.find(assertion) != std::string::npos)
-            return reason;
-    std::string text = death.m_output;
-    text.erase(text.find_last_not_of("\r\n") + 1);
-    return text.empty() ? "the library stopped" : "a header line has no quoted value, or: " + text;
-}
 
 /// The table counts custom fields from the last one backwards.
 unsigned TableIndex(const AREA& area, const FIELD_NAME& name) {
@@ -75,15 +60,26 @@ void MarkProduct(const CLibrary& library, const FRU& fru, const EDITS& edits) {
                      "every fixed field of this area is binary, BCD or 6-bit: set one in the same call");
 }
 
-} // namespace
-
-json RunSession(const std::string& name, const std::function<json(const PROGRESS&)>& work, const PROGRESS& progress) {
+/// The library reads a file by its name; what can be read only once is given to it as a file in memory.
+void LoadText(const CLibrary& library, const std::string& name, const BYTES& bytes) {
+    std::error_code ignored;
+    if (name != STANDARD_STREAM && std::filesystem::is_regular_file(name, ignored))
+        return library.LoadFile(name);
+    const int file = memfd_create("fructl-text", 0);
+    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        throw CToolError(EXIT_REFUSED, name, std::strerror(errno));
+    const std::string path = fmt::format("/proc/self/fd/{}", file);
     try {
-        return RunInChild(work, progress);
-    } catch (const CChildDied& death) {
-        throw CToolError(EXIT_DAMAGED, name, DeathReason(death));
+        library.LoadFile(path);
+    } catch (CToolError& error) {
+        error.m_what = name;
+        for (std::size_t at = 0; (at = error.m_why.find(path, at)) != std::string::npos; at += name.size())
+            error.m_why.replace(at, path.size(), name);
+        throw;
     }
 }
+
+} // namespace
 
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
     auto library = std::make_unique<CLibrary>(contents.bytes);
@@ -94,11 +90,11 @@ std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
 
 std::unique_ptr<CLibrary> LoadedLibrary(const CONTENTS& contents) {
     const SOURCE& source = contents.source;
-    if (source.kind == SOURCE::IMAGE)
+    if (source.kind == SOURCE::IMAGE || source.isEeprom)
         return ImageLibrary(contents);
     if (source.kind == SOURCE::TEXT) {
         auto library = std::make_unique<CLibrary>(CLibrary::NO_BMC);
-        library->LoadFile(source.label);
+        LoadText(*library, source.label, contents.bytes);
         return library;
     }
     auto library = std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);

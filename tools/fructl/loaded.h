@@ -1,13 +1,14 @@
-// Inside a session: a library with its FRU loaded, and changes made to it.
+// A library with its FRU loaded, and changes made to it. For child processes only.
 #pragma once
 
-#include "tools/fructl/session.h"
+#include "tools/fructl/contents.h"
+#include "tools/fructl/edit.h"
+#include "tools/fructl/library.h"
+
+#include <memory>
 
 namespace Fructl {
 
-/// Runs a session whose death means that `name` is damaged.
-nlohmann::json RunSession(const std::string& name, const std::function<nlohmann::json(const PROGRESS&)>& work,
-                          const PROGRESS& progress = {});
 /// Starts the library, and loads and selects the FRU that the bytes of `contents` are an image of.
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents);
 /// The same from the device or the file itself.

@@ -1,19 +1,18 @@
 // fructl: shows, edits, saves and writes the FRU inventory of a server.
 #include "tools/fructl/commands/commands.h"
 #include "tools/fructl/help.h"
+#include "tools/fructl/interrupt.h"
+#include "tools/fructl/options.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <iterator>
-#include <map>
+#include <new>
 #include <string_view>
 #include <utility>
-
-#include <unistd.h>
 
 namespace Fructl {
 
@@ -32,36 +31,6 @@ constexpr const char* EXAMPLES =
     "\n"
     "Exit status: 0 done, 1 usage, 2 refused value or file, 3 device error, 4 damaged FRU,\n"
     "5 verification failed, 6 scan with unreadable FRUs.";
-
-std::string LanguageOfLocale() {
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const char* value = std::getenv(variable); value && *value)
-            return std::string_view(value).starts_with("de") ? "de-de" : "en-us";
-    return "en-us";
-}
-
-void AddGlobalOptions(CLI::App& app, bool& noColor) {
-    static const std::map<std::string, _IPMI_INTERFACE_TYPE> INTERFACES = {
-        {"kcs", IPMI_INTERFACE_KCS}, {"session", IPMI_INTERFACE_USB}, {"session-large", IPMI_INTERFACE_USB_LARGE}};
-    SETTINGS& settings = Settings();
-    settings.language = LanguageOfLocale();
-    app.add_option("--sim", settings.simDirectory, "Use the simulated BMC of this directory")->type_name("DIR");
-    app.add_option("--interface", settings.interface, "Way to the BMC: kcs, session or session-large")
-        ->transform(CLI::Transformer(INTERFACES).description(""))
-        ->type_name("NAME");
-    app.add_option("--kcs-port", settings.kcsPort, "KCS base port, usually 0xCA2")->type_name("PORT");
-    app.add_option("--platform", settings.platform, "Platform code; 3: FRUs behind a mini-BMC")->type_name("CODE");
-    app.add_option("--lang", settings.language, "Language of titles: en-us or de-de")
-        ->check(CLI::IsMember({"en-us", "de-de"}).description(""))
-        ->type_name("LANG");
-    app.add_option("--debug", settings.debugLevel, "Write DBGLOG.txt, level 1 to 3")
-        ->check(CLI::Range(0, 3).description(""))
-        ->type_name("LEVEL");
-    app.add_flag("--json", settings.json, "Print JSON (docs/json.md)");
-    app.add_flag("--no-color", noColor, "No colours");
-    app.add_flag("-q,--quiet", settings.quiet, "No notes and no progress");
-    app.add_flag("--force", settings.force, "Insist on what is refused for safety");
-}
 
 /// Adds the command `name`, or all where it is none: help and errors tell of all.
 void AddCommands(CLI::App& app, std::string_view name) {
@@ -96,12 +65,11 @@ int Run(int argc, char** argv) {
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "fructl " FRUCTL_VERSION);
     app.require_subcommand(1);
-    bool noColor = false;
-    AddGlobalOptions(app, noColor);
+    const auto options = AddGlobalOptions(app);
     AddCommands(app, argc > 1 ? argv[1] : "");
-    app.parse_complete_callback(
-        [&] { Settings().color = !noColor && !std::getenv("NO_COLOR") && isatty(STDOUT_FILENO) != 0; });
+    app.parse_complete_callback([&] { TakeGlobalOptions(*options); });
     try {
+        CheckArguments(argc, argv);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) // --help, --version
@@ -114,6 +82,8 @@ int Run(int argc, char** argv) {
         return Report(error);
     } catch (const CChildDied& error) {
         return Report({EXIT_DAMAGED, "session", error.m_output});
+    } catch (const std::bad_alloc&) {
+        return Report({EXIT_DEVICE, "memory", "there is not enough of it"});
     } catch (const std::exception& error) {
         return Report({EXIT_DEVICE, "internal error", error.what()});
     }
@@ -127,6 +97,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     int status = Fructl::EXIT_DEVICE;
     try {
+        Fructl::CatchInterrupts();
         status = Fructl::Run(argc, argv);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "fructl: %s\n", error.what());

@@ -1,8 +1,8 @@
 #include "tools/fructl/report.h"
 
-#include "tools/fructl/session.h"
 #include "tools/fructl/standardnames.h"
 #include "tools/fructl/terminal.h"
+#include "tools/fructl/titles.h"
 #include "tools/fructl/value.h"
 
 #include <fmt/format.h>
@@ -152,9 +152,10 @@ json JsonSource(const SOURCE& source) {
     json result = {{"kind", KIND_WORDS[source.kind]}, {"name", source.label}};
     if (!source.title.empty())
         result["title"] = source.title;
-    if (source.kind == SOURCE::DEVICE) {
+    if (source.kind == SOURCE::DEVICE)
+        result["at"] = DeviceText(source);
+    if (source.kind == SOURCE::DEVICE && !source.isEeprom) {
         const ADDRESS& address = source.address;
-        result["at"] = AddressText(address);
         result["address"] = {{"type", TypeText(address.type)},   {"lun", address.lun},
                              {"address", address.deviceAddress}, {"bus", address.bus},
                              {"controller", address.controller}, {"id", address.deviceId},

@@ -1,7 +1,7 @@
 // A FRU's contents written out: for people, and as JSON (docs/json.md).
 #pragma once
 
-#include "tools/fructl/source.h"
+#include "tools/fructl/contents.h"
 
 #include <nlohmann/json_fwd.hpp>
 

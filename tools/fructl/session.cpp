@@ -1,195 +1,46 @@
 #include "tools/fructl/session.h"
 
-#include "tools/fructl/device.h"
-#include "tools/fructl/image.h"
-#include "tools/fructl/loaded.h"
 #include "tools/fructl/settings.h"
-#include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
 
-#include "sim/fruimagebuilder.h"
-
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
-
-#include <algorithm>
-#include <filesystem>
 
 namespace Fructl {
 
 namespace {
 
-using nlohmann::json;
+/// Failed assertions that say what is wrong with a file, in words.
+constexpr struct {
+    const char* assertion;
+    const char* reason;
+} ASSERTIONS[] = {{"position == FIRST", "a line of an area block has an odd number of hexadecimal digits"},
+                  {"length == 8", "the _SEE_COMMON block has not 8 bytes"},
+                  {"length >= 5", "the _SEE_MULTIREC block has less than the 5 bytes of a record header"},
+                  {"index != 512", "an area block has 512 bytes, one more than a text file can hold"},
+                  {"padding >= 0", "the fields of the board area are longer than the area"},
+                  {"assertion failed: text", "a header line has no quoted value"},
+                  {"IsValid()", "the checksum of an info area is wrong"}};
 
-/// What the library sees: for each info area its number of fields, its room, and its fixed fields' bytes.
-json LibraryView(const CLibrary& library, const FRU& fru) {
-    _EFI_FRU_INTERFACE* table = library.Table();
-    json view = json::object();
-    for (const AREA& area : fru.areas) {
-        if (!area.IsInfo())
-            continue;
-        json& seen = view[std::string(AreaName(area.id))];
-        unsigned number = 0;
-        unsigned room = 0;
-        library.Check(table->SelectAreaEnum(table, area.id), EXIT_DEVICE, area.Row().name);
-        library.Check(table->GetNumberOfFields(table, number), EXIT_DEVICE, area.Row().name);
-        library.Check(table->GetMaxFieldSize(table, room), EXIT_DEVICE, area.Row().name);
-        seen = {{"fields", number}, {"room", room}, {"data", json::array()}};
-        // The first custom field is the last one whose bytes the table tells.
-        for (unsigned index = 0; index < std::min<std::size_t>(number, area.Row().fields.size() + 1); ++index) {
-            const UINT8* data = nullptr;
-            unsigned length = 0;
-            library.Check(table->SelectFieldInteger(table, index), EXIT_DEVICE, area.Row().name);
-            library.Check(table->GetFieldDataValue(table, data, length), EXIT_DEVICE, area.Row().name);
-            seen["data"].push_back(BYTES(data, data + length));
-        }
-    }
-    return view;
-}
-
-void CompareView(const json& view, CONTENTS& contents) {
-    for (const AREA& area : contents.fru.areas) {
-        if (!area.IsInfo())
-            continue;
-        const json& seen = view.at(std::string(AreaName(area.id)));
-        bool same = seen.at("fields") == area.fields.size() && seen.at("room") == area.Room();
-        for (std::size_t index = 0; same && index < seen.at("data").size(); ++index)
-            same = seen.at("data")[index].get<BYTES>() == area.fields[index].data;
-        if (!same)
-            throw CToolError(EXIT_DEVICE, contents.source.label,
-                             fmt::format("two readings of the {} area differ", AreaName(area.id)),
-                             "did something else write to it meanwhile?");
-    }
-}
-
-json TitlesInChild() {
-    using namespace Frudata_Sim;
-    const CLibrary library(CFruImageBuilder()
-                               .InternalUse(BYTES(7))
-                               .Chassis({.chassisType = 1, .customFields = {"--"}})
-                               .Board({.customFields = {"--"}})
-                               .Product({.customFields = {"--"}})
-                               .MultiRecord(0xC0, BYTES(3))
-                               .Build());
-    _EFI_FRU_INTERFACE* table = library.Table();
-    library.Check(library.Load(ADDRESS()), EXIT_DEVICE, "titles");
-    library.SelectDevice();
-    json titles = json::object();
-    for (const AREA_ROW& row : Areas()) {
-        json& texts = titles[std::to_string(row.area)];
-        const WCHAR* text = nullptr;
-        library.Check(table->SelectAreaEnum(table, row.area), EXIT_DEVICE, "titles");
-        library.Check(table->GetAreaName(table, text), EXIT_DEVICE, "titles");
-        texts.push_back(Utf8(text));
-        for (unsigned index = 0; row.headerLength != 0 && index <= row.fields.size(); ++index) {
-            library.Check(table->SelectFieldInteger(table, index), EXIT_DEVICE, "titles");
-            library.Check(table->GetFieldTitle(table, text), EXIT_DEVICE, "titles");
-            texts.push_back(Utf8(text));
-        }
-    }
-    return titles;
+std::string DeathReason(const CChildDied& death) {
+    for (const auto& [assertion, reason] : ASSERTIONS)
+        if (death.m_output.find(assertion) != std::string::npos)
+            return reason;
+    std::string text = death.m_output;
+    text.erase(text.find_last_not_of("\r\n") + 1);
+    if (Settings().debugLevel > 0 && !text.empty())
+        return text;
+    return "the library cannot make sense of it (--debug 1 tells where)";
 }
 
 } // namespace
 
-bool EDITS::Touches(FRU_AREA area) const {
-    return (area == FRU_AREA_INTERNAL_USE && internalUse) || (area == FRU_AREA_MULTIRECORD && multiRecord) ||
-           std::any_of(fields.begin(), fields.end(), [&](const ASSIGNMENT& one) { return one.name.area == area; });
-}
-
-const TITLES& Titles() {
-    static const TITLES titles = [] {
-        const json texts = RunSession("titles", [](const PROGRESS&) { return TitlesInChild(); });
-        TITLES all;
-        for (const auto& [area, list] : texts.items())
-            all[static_cast<FRU_AREA>(std::stoi(area))] = list.get<std::vector<std::string>>();
-        if (all.at(FRU_AREA_BOARD)[0].empty())
-            Note(fmt::format("no texts for {}: set FRUDATA_DATADIR to the directory that holds 'enus' and 'dede'",
-                             Settings().language));
-        return all;
-    }();
-    return titles;
-}
-
-std::string AreaTitle(FRU_AREA area) {
-    const std::string title = Titles().at(area)[0];
-    return title.empty() ? AreaRow(area).title : title;
-}
-
-std::string Title(const AREA_ROW& row, std::size_t position) {
-    const std::size_t fixed = row.fields.size();
-    std::string title = Titles().at(row.area)[1 + std::min(position, fixed)];
-    if (title.empty())
-        title = position < fixed ? row.fields[position].title : "Custom field";
-    return position < fixed ? title : fmt::format("{} {}", title, position - fixed + 1);
-}
-
-void LoadWithLibrary(CONTENTS& contents) {
+nlohmann::json RunSession(const std::string& name, const std::function<nlohmann::json(const PROGRESS&)>& work,
+                          const PROGRESS& progress) {
     try {
-        const json view = RunSession(contents.source.label, [&](const PROGRESS&) {
-            // A device has just been read: the library, which takes 8 bytes at a time, gets what came.
-            const bool isText = contents.source.kind == SOURCE::TEXT;
-            return LibraryView(isText ? *LoadedLibrary(contents) : *ImageLibrary(contents), contents.fru);
-        });
-        CompareView(view, contents);
-    } catch (const CToolError& error) {
-        if (error.m_status != EXIT_DAMAGED)
-            throw;
-        contents.fru.Report(FRU_AREA_COMMON_HEADER, "refused", error.m_why);
+        return RunInChild(work, progress);
+    } catch (const CChildDied& death) {
+        throw CToolError(EXIT_DAMAGED, name, DeathReason(death));
     }
-}
-
-BYTES ReadDevice(const SOURCE& source, std::size_t atLeast, const PROGRESS& progress) {
-    return RunSession(
-               source.label,
-               [&](const PROGRESS& report) {
-                   const CLibrary library(CLibrary::SYSTEM_BMC);
-                   return json::binary(CDevice(source.address, source.label).ReadContents(atLeast, report));
-               },
-               progress)
-        .get_binary();
-}
-
-void WriteDevice(const SOURCE& source, BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) {
-    RunSession(
-        source.label,
-        [&](const PROGRESS& report) {
-            const CLibrary library(CLibrary::SYSTEM_BMC);
-            CDevice(source.address, source.label).Write(bytes, known, report);
-            return json();
-        },
-        progress);
-}
-
-BYTES EditImage(const BYTES& image, const FRU& fru, const EDITS& edits, const std::string& name) {
-    BYTES packed = PackImage(fru);
-    // The chain of records may grow into the room behind it.
-    packed.resize(packed.size() + (edits.multiRecord ? edits.multiRecord->size() : 0));
-    const json edited = RunSession(name, [&](const PROGRESS&) {
-        const CLibrary library(packed);
-        library.Check(library.Load(ADDRESS()), EXIT_DAMAGED, name);
-        library.SelectDevice();
-        ApplyEdits(library, fru, edits);
-        library.Check(library->CommitConfigurationToSystem(library.Table()), EXIT_REFUSED, name);
-        return json::binary(library.Image());
-    });
-    return UnpackImage(image, fru, edited.get_binary(), name);
-}
-
-void SaveText(const CONTENTS& contents, const EDITS& edits, const std::string& directory, const std::string& path) {
-    const std::string& name = contents.source.label;
-    RunSession(name, [&](const PROGRESS&) {
-        const auto library = LoadedLibrary(contents);
-        ApplyEdits(*library, contents.fru, edits);
-        std::filesystem::current_path(directory);
-        std::wstring wide(path.size() + 1, L'\0');
-        const std::size_t length = std::mbstowcs(wide.data(), path.c_str(), wide.size());
-        if (length == static_cast<std::size_t>(-1))
-            throw CToolError(EXIT_REFUSED, path, "the name is not UTF-8");
-        library->Check((*library)->SaveConfigurationToFile(library->Table(), wide.c_str(), nullptr), EXIT_REFUSED,
-                       path);
-        return json();
-    });
 }
 
 } // namespace Fructl

@@ -1,24 +1,37 @@
 // What the global options say.
 #pragma once
 
-#include "frudata/bmclib.h"
+#include "frudata/types.h"
 
 #include <optional>
 #include <string>
 
 namespace Fructl {
 
+/// Of the session over LAN; what is 0 or empty has its default.
+struct LAN_SETTINGS {
+    std::string host; ///< empty: no such session
+    UINT16 port = 0;
+    std::string user;
+    UINT8 cipherSuite = 0;
+    bool isIpmi15 = false;
+    UINT8 privilege = 0;
+    std::string passwordFile;
+};
+
 struct SETTINGS {
     std::string simDirectory; ///< empty: the machine's own BMC
-    _IPMI_INTERFACE_TYPE interface = IPMI_INTERFACE_KCS;
+    std::string interface;    ///< one of WayNames(); empty: the usual ones in their order
+    LAN_SETTINGS lan;
     std::optional<unsigned> kcsPort;
     int platform = 0;
-    std::string language; ///< "en-us" or "de-de"
+    std::string language; ///< one of Languages()
     unsigned debugLevel = 0;
     bool json = false;
     bool color = false; ///< on standard output
     bool quiet = false;
     bool force = false;
+    unsigned wait = 60; ///< seconds for which a writer waits for another one
 };
 
 /// The settings of this run, filled by main.

@@ -1,48 +1,35 @@
-// What a SOURCE or DEVICE of the command line names, and what is in it.
+// What a SOURCE or DEVICE of the command line names.
 #pragma once
 
-#include "tools/fructl/fru.h"
-#include "tools/fructl/library.h"
+#include "tools/fructl/address.h"
+#include "tools/fructl/bytes.h"
 
 #include <string>
 
 namespace Fructl {
 
+/// In front of a file's name: it is an EEPROM, wherever it lies.
+inline constexpr const char* EEPROM_KEY = "eeprom=";
+
 struct SOURCE {
     enum KIND {
         TEXT,  ///< a FRU text file
         IMAGE, ///< a binary image
-        DEVICE ///< a FRU device
+        DEVICE ///< a FRU device: behind the BMC, or an EEPROM that the kernel shows as a file
     };
     KIND kind = DEVICE;
-    std::string label; ///< the file's path, or the device's name or address
-    std::string title; ///< the FRU's own name, where known
-    ADDRESS address;   ///< DEVICE
+    std::string label;     ///< the file's path, or the device's name or address
+    std::string title;     ///< the FRU's own name, where known
+    ADDRESS address;       ///< DEVICE behind the BMC
+    BYTES bytes = {};      ///< TEXT, IMAGE: what the file holds, which some can tell only once
+    bool isEeprom = false; ///< DEVICE: the file `label`, written in place
 };
 
-/// A source and its contents.
-struct CONTENTS {
-    SOURCE source;
-    BYTES bytes; ///< the file, or what was read from the device
-    FRU fru;
-
-    /// Throws EXIT_DAMAGED with what is wrong, if anything is, and where `advise` with what can be done.
-    void RequireSound(bool advise = true) const;
-};
-
-/// The source of a file. The kind is told from its first bytes.
+/// The EEPROM that the kernel shows as a file.
+SOURCE EepromSource(const std::string& path);
+/// How --at and --to name the device.
+std::string DeviceText(const SOURCE& device);
+/// The source of a file, read. The kind is told from its first bytes.
 SOURCE FileSource(const std::string& path);
-/// "type=...,bus=...,...", "system", or a name that the scan of the SDR repository finds.
-SOURCE DeviceSource(const std::string& text);
-/// Reads "type=imb,address=0x20,...". @throws CToolError for an unknown key or value
-ADDRESS ParseAddress(const std::string& text);
-/// The same form, without what has its usual value.
-std::string AddressText(const ADDRESS& address);
-/// The name of an access path as FRU text files have it.
-const char* TypeText(FRU_TYPE type);
-
-/// Reads a source, checks its bytes and lets the library load it where they are sound. A damaged FRU is no
-/// failure: `fru` says what is wrong. @throws CToolError where nothing could be read
-CONTENTS Open(const SOURCE& source);
 
 } // namespace Fructl

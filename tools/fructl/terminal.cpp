@@ -1,5 +1,7 @@
 #include "tools/fructl/terminal.h"
 
+#include "tools/fructl/bytes.h"
+#include "tools/fructl/interrupt.h"
 #include "tools/fructl/settings.h"
 
 #include <fmt/format.h>
@@ -38,7 +40,25 @@ std::size_t PrintableLength(std::string_view text) {
     return first == 0xC2 && static_cast<UINT8>(text[1]) < 0xA0 ? 0 : length;
 }
 
+/// Bytes of the control character at the start of `text`; 0 where it is none.
+std::size_t ControlLength(std::string_view text) {
+    const auto first = static_cast<UINT8>(text[0]);
+    if (first < 0x80)
+        return first < 0x20 || first == 0x7F ? 1 : 0;
+    return first == 0xC2 && text.size() > 1 && (static_cast<UINT8>(text[1]) & 0xE0) == 0x80 ? 2 : 0;
+}
+
 } // namespace
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = std::max(PrintableLength(text), ControlLength(text));
+        if (length == 0)
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
 
 std::string Printable(std::string_view text) {
     std::string result;
@@ -104,13 +124,14 @@ CProgressBar::~CProgressBar() {
 }
 
 void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& text) {
+    CheckInterrupt(done, total);
     if (Settings().quiet || total == 0)
         return;
     if (!m_terminal) {
         if (!m_drawn && text.empty())
-            fmt::print(stderr, "{}: {} bytes\n", m_title, total);
+            fmt::print(stderr, "{}: {}\n", m_title, Counted(total, "byte"));
         else if (text != m_lastText)
-            fmt::print(stderr, "{}: {} of {} bytes, {}\n", m_title, done, total, text);
+            fmt::print(stderr, "{}: {} of {}, {}\n", m_title, done, Counted(total, "byte"), text);
         m_drawn = true;
         m_lastText = text;
         return;
@@ -122,8 +143,8 @@ void CProgressBar::Step(std::size_t done, std::size_t total, const std::string& 
     const std::size_t filled = BAR_WIDTH * done / total;
     const double spent = Seconds() - m_start;
     const double left = done == 0 ? 0 : spent * static_cast<double>(total - done) / static_cast<double>(done);
-    fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {} bytes, {} s left  \033[K", m_title, "", filled, "",
-               BAR_WIDTH - filled, percent, total, std::lround(left));
+    fmt::print(stderr, "\r{} [{:#<{}}{:.<{}}] {:3}% of {}, {} s left  \033[K", m_title, "", filled, "",
+               BAR_WIDTH - filled, percent, Counted(total, "byte"), std::lround(left));
     std::fflush(stderr);
     m_drawn = true;
 }

@@ -26,6 +26,8 @@ std::string Colored(COLOR color, std::string_view text);
 /// UTF-8 text from a device or a file, with control characters and stray bytes as \xNN: it must not steer
 /// the terminal.
 std::string Printable(std::string_view text);
+/// Whether it is UTF-8; control characters may be in it.
+bool IsUtf8(std::string_view text);
 /// Columns that a UTF-8 text takes on the terminal.
 std::size_t Width(std::string_view text);
 /// `text` with blanks behind it up to `width` columns.

@@ -61,7 +61,7 @@ class CSources {
 
 /// Options of everything that writes a device.
 struct WRITE_OPTIONS {
-    std::string backup; ///< empty: a name made from the device's
+    std::string backup; ///< a file, or a directory for one with a name made from the device's; empty: the current one
     bool noBackup = false;
     bool dryRun = false;
 };
@@ -71,8 +71,9 @@ void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options);
 void Commit(const SOURCE& device, const std::function<EDITS(const FRU&)>& makeEdits, const WRITE_OPTIONS& options);
 /// Writes bytes to a device from its start on, except where `known` says that they are there already.
 void WriteImage(const SOURCE& device, BYTE_VIEW bytes, BYTE_VIEW known);
-/// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`
-void CompareWritten(const SOURCE& device, BYTE_VIEW expected);
+/// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`, with what `before`,
+/// its contents until then as far as they are known, tells about the reason
+void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before);
 /// Writes the source with `edits` to the file `output`; binary where `binary`.
 void SaveContents(const CONTENTS& contents, const EDITS& edits, const std::string& output, bool binary,
                   const std::string& title = {});

@@ -1,5 +1,6 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/devicescan.h"
 #include "tools/fructl/help.h"
 
 #include <fmt/format.h>

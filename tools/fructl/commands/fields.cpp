@@ -1,6 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/standardnames.h"
+#include "tools/fructl/titles.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

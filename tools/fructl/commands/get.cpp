@@ -1,6 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/compare.h"
+#include "tools/fructl/open.h"
 #include "tools/fructl/standardnames.h"
 
 #include <CLI/CLI.hpp>

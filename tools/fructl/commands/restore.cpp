@@ -1,6 +1,11 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/devicescan.h"
+#include "tools/fructl/devicesession.h"
 #include "tools/fructl/files.h"
+#include "tools/fructl/interrupt.h"
+#include "tools/fructl/lock.h"
+#include "tools/fructl/open.h"
 #include "tools/fructl/textfile.h"
 
 #include <CLI/CLI.hpp>
@@ -11,20 +16,33 @@ namespace Fructl {
 
 namespace {
 
+/// What a device holds now, as far as it can be read: what cannot be read may still be repaired.
+BYTES PresentBytes(const SOURCE& device, std::size_t count) {
+    try {
+        return ReadDevice(device, count);
+    } catch (const CToolError& error) {
+        Note(fmt::format("{}: {}", error.m_what, error.m_why));
+        return {};
+    }
+}
+
 void Restore(const std::string& backup, const SOURCE& device) {
-    const BYTES image = ReadFile(backup);
+    const BYTES image = ReadFile(backup, IMAGE_LIMIT);
     const FRU fru = ParseImage(image);
     if (!LooksLikeImage(image))
         throw CToolError(EXIT_REFUSED, backup, "is no binary image",
                          "'fructl apply' copies the fields of a text file to a device");
     if (fru.IsDamaged() && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, fru.ProblemText(), "--force writes it nevertheless");
+    const CDeviceLock lock(device);
+    const BYTES before = PresentBytes(device, image.size());
+    const CFinish untilVerified;
     WriteImage(device, image, {});
-    CompareWritten(device, image);
+    CompareWritten(device, image, before);
     if (Settings().json)
         PrintJson({{"device", JsonSource(device)}, {"written", true}, {"size", image.size()}});
     else
-        PrintText(fmt::format("{} bytes written and verified.\n", image.size()));
+        PrintText(fmt::format("{} written and verified.\n", Counted(image.size(), "byte")));
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/compare.h"
+#include "tools/fructl/devicesession.h"
 #include "tools/fructl/files.h"
 #include "tools/fructl/image.h"
+#include "tools/fructl/imagesession.h"
+#include "tools/fructl/open.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

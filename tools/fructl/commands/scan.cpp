@@ -1,6 +1,12 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/devicenames.h"
+#include "tools/fructl/devicescan.h"
+#include "tools/fructl/library.h"
 #include "tools/fructl/loaded.h"
+#include "tools/fructl/open.h"
+#include "tools/fructl/session.h"
+#include "tools/fructl/way.h"
 
 #include "frudata/bmclib.h"
 
@@ -90,6 +96,7 @@ void ScanAndLoad(const std::vector<SOURCE>& sources) {
 
 void Scan(bool load) {
     const std::vector<SOURCE> sources = ScanDevices();
+    KeepDeviceNames(sources);
     if (sources.empty())
         Note("the SDR repository names no FRU device (one record of an unknown type hides them all)");
     if (load)
@@ -98,7 +105,7 @@ void Scan(bool load) {
     std::vector<std::vector<std::string>> rows;
     for (const SOURCE& source : sources) {
         frus.push_back({{"source", JsonSource(source)}});
-        rows.push_back({source.label, AddressText(source.address)});
+        rows.push_back({source.label, DeviceText(source)});
     }
     if (Settings().json)
         PrintJson({{"frus", std::move(frus)}, {"total", sources.size()}});
@@ -126,27 +133,14 @@ void Probe(const SOURCE& device) {
         PrintText(fmt::format("{}: valid FRU header\n", device.label));
 }
 
-std::string Transport() {
-    if (!Settings().simDirectory.empty())
-        return "simulated BMC in " + Settings().simDirectory;
-    switch (Settings().interface) {
-    case IPMI_INTERFACE_USB:
-        return "session library";
-    case IPMI_INTERFACE_USB_LARGE:
-        return "session library for large requests, KCS for others";
-    default:
-        return fmt::format("KCS at port {:X}h", Settings().kcsPort.value_or(0xCA2));
-    }
-}
-
-/// IPMI version and BMC type.
+/// IPMI version, BMC type and the way taken.
 json InfoInChild() {
     const CLibrary library(CLibrary::SYSTEM_BMC);
     library.Check(library->LoadPropertiesFromSystem(library.Table()), EXIT_DEVICE, "BMC");
     UINT32 type = BMC_TYPE_UNKNOWN;
     UINT32 version = 0;
     if (const int status = GetBmcTypeVersion(&type, &version); status != 0)
-        throw CToolError(EXIT_DEVICE, "BMC", fmt::format("no answer (transport status {})", status));
+        throw CToolError(EXIT_DEVICE, "BMC", TransportText(status));
     json titles = json::array();
     for (unsigned index = 0; index < 3; ++index) {
         const WCHAR* text = nullptr;
@@ -154,7 +148,7 @@ json InfoInChild() {
         library.Check(library->GetPropertyTitle(library.Table(), text), EXIT_DEVICE, "BMC");
         titles.push_back(Utf8(text));
     }
-    return {{"type", type}, {"version", version}, {"titles", titles}};
+    return {{"type", type}, {"version", version}, {"titles", titles}, {"transport", CurrentWay().Description()}};
 }
 
 void Info() {
@@ -176,7 +170,7 @@ void Info() {
     if (Settings().json)
         return PrintJson({{"ipmiVersion", version},
                           {"bmcType", type},
-                          {"transport", Transport()},
+                          {"transport", bmc["transport"]},
                           {"frus", sources.size()},
                           {"validFrus", valid}});
     const auto title = [&](std::size_t index, const char* fallback) {
@@ -185,7 +179,7 @@ void Info() {
     };
     PrintText(Table({{title(0, "IPMI version"), version},
                      {"BMC type", type},
-                     {"Transport", Transport()},
+                     {"Transport", bmc["transport"]},
                      {title(1, "FRU devices"), std::to_string(sources.size())},
                      {title(2, "FRU devices with a valid header"), std::to_string(valid)}}));
 }
@@ -198,8 +192,10 @@ void AddScan(CLI::App& app) {
                                    "  fructl scan --load           read each one: one line each\n"
                                    "  fructl scan --load --json    everything, for programs");
     const auto load = std::make_shared<bool>(false);
+    const auto last = std::make_shared<bool>(false);
     command.add_flag("--load", *load, "Read each device");
-    command.callback([load] { Scan(*load); });
+    command.add_flag("--last", *last, "Only the names that the last scan found: nothing is asked");
+    command.callback([load, last] { *last ? PrintText(KeptDeviceNames()) : Scan(*load); });
 }
 
 void AddProbe(CLI::App& app) {

@@ -1,5 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/open.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 

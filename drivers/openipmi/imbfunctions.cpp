@@ -1,0 +1,54 @@
+// The functions that the library looks for in its host; a host with several ways to the BMC defines them itself.
+#include "frudata/openipmi.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+using READ_PORT = UINT8(UINT16 port);
+using WRITE_PORT = void(UINT8 value, UINT16 port);
+
+/// The function that this one stands in front of; null where the host has no such library.
+template <typename FUNCTION> FUNCTION* Next(FUNCTION*& found, const char* name) {
+    if (!found)
+        found = reinterpret_cast<FUNCTION*>(dlsym(RTLD_NEXT, name));
+    return found;
+}
+
+READ_PORT* gp_readPort = nullptr;
+WRITE_PORT* gp_writePort = nullptr;
+
+} // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+int open_imb(void);
+int close_imb(void);
+int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
+                         UINT8* completionCode);
+}
+#pragma GCC visibility pop
+
+int open_imb(void) {
+    return OpenIpmiOpen();
+}
+
+int close_imb(void) {
+    return OpenIpmiClose();
+}
+
+int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
+                         UINT8* completionCode) {
+    return OpenIpmiSend(request, timeout, responseData, responseLength, completionCode);
+}
+
+// The ports are the kernel's. As 0xFF a status port also shows the attention flag, for which a bridging requester
+// waits half a second otherwise, although the kernel fetches the message itself.
+UINT8 inb(UINT16 port) {
+    return OpenIpmiDevice() || !Next(gp_readPort, "inb") ? 0xFF : gp_readPort(port);
+}
+
+void outb(UINT8 value, UINT16 port) {
+    if (!OpenIpmiDevice() && Next(gp_writePort, "outb"))
+        gp_writePort(value, port);
+}

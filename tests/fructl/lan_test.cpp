@@ -1,0 +1,87 @@
+// The tool over a LAN session, to a BMC that is not the simulated one.
+#include "tests/drivers/lan/lanserver.h"
+#include "tests/fructl/support.h"
+
+#include <chrono>
+#include <optional>
+
+namespace Fructl_Tests {
+
+using namespace Frudata_Sim;
+using namespace Lan_Test;
+
+class CLanTest : public CFructlTest {
+  protected:
+    void SetUp() override {
+        if (!CIpmiSim::IsInstalled())
+            GTEST_SKIP() << "ipmi_sim is not installed (Debian package openipmi)";
+        m_image = SamplePsuFru(1);
+        m_server.emplace(FruDevice(0x20, 0, m_image));
+    }
+
+    RESULT Remote(const std::string& arguments, UINT16 port, const std::string& password = PASSWORD) {
+        WriteText("password", password + "\n");
+        std::filesystem::permissions("password", std::filesystem::perms::owner_read);
+        RESULT result = Fructl(arguments + " --user " + USER +
+                               " --password-file password --host 127.0.0.1:" + std::to_string(port));
+        std::filesystem::remove("password");
+        EXPECT_EQ((result.output + result.errors).find(password), std::string::npos);
+        return result;
+    }
+    RESULT Remote(const std::string& arguments) { return Remote(arguments, m_server->Port()); }
+    BYTES Contents() {
+        EXPECT_EQ(Remote("save --system --binary -o contents.bin").status, 0);
+        return ReadFile("contents.bin");
+    }
+
+    BYTES m_image;
+    std::optional<CIpmiSim> m_server;
+};
+
+TEST_F(CLanTest, TheWholeJobOverASession) {
+    for (const char* version : {"", " --lan-1.5", " --cipher 3 --privilege administrator"}) {
+        SCOPED_TRACE(version);
+        const RESULT commit =
+            Remote("commit --system board.serial-number=LAN-42 --backup kept.bin" + std::string(version));
+        ASSERT_EQ(commit.status, 0) << commit.errors;
+        EXPECT_EQ(Remote("get --system board.serial-number" + std::string(version)).output, "LAN-42\n");
+        const RESULT restore = Remote("restore kept.bin --to system" + std::string(version));
+        ASSERT_EQ(restore.status, 0) << restore.errors;
+        EXPECT_EQ(Contents(), m_image);
+        std::filesystem::remove("kept.bin");
+    }
+    EXPECT_THAT(Remote("info --json").Json()["transport"].get<std::string>(),
+                testing::StartsWith("LAN, 127.0.0.1:" + std::to_string(m_server->Port())));
+}
+
+TEST_F(CLanTest, WhatIsWrongIsSaid) {
+    const RESULT wrong = Remote("show --system", m_server->Port(), "not-this-one");
+    EXPECT_EQ(wrong.status, 3);
+    EXPECT_THAT(wrong.errors, HasSubstr("password"));
+    const RESULT nobody = Remote("show --system", FreePort());
+    EXPECT_EQ(nobody.status, 3);
+    EXPECT_THAT(nobody.errors, HasSubstr("127.0.0.1"));
+}
+
+TEST_F(CLanTest, ASessionThatBreaksDuringACommitIsRepairedOverAnother) {
+    RESULT commit{};
+    {
+        bool isBroken = false;
+        const CRelay relay(m_server->Port(), [&isBroken](BYTES& packet, bool, unsigned int) {
+            // The header is written, the areas follow.
+            isBroken = isBroken || ReadText(".errors").find("writing system FRU: 8 of") != std::string::npos;
+            if (isBroken)
+                packet.clear();
+        });
+        commit =
+            Remote("commit --system board.serial-number=LAN-43 product.asset-tag=A-43 --backup kept.bin", relay.Port());
+    }
+    EXPECT_EQ(commit.status, 3) << commit.errors;
+    EXPECT_THAT(commit.errors, HasSubstr("the session is lost"));
+    EXPECT_THAT(commit.errors, HasSubstr("no answer within 5000 ms; 8 of "));
+    EXPECT_THAT(commit.errors, HasSubstr("fructl restore 'kept.bin' --to system"));
+    ASSERT_EQ(Remote("restore kept.bin --to system").status, 0);
+    EXPECT_EQ(Contents(), m_image);
+}
+
+} // namespace Fructl_Tests

@@ -1,0 +1,29 @@
+// Where a FRU device is, and how people write it.
+#pragma once
+
+#include "frudata/frudata.h"
+
+#include <string>
+
+namespace Fructl {
+
+/// Where a FRU device is.
+struct ADDRESS {
+    FRU_TYPE type = FRU_TYPE_IMBDEVICE;
+    UINT8 lun = 0;
+    UINT8 deviceAddress = 0x20;
+    UINT8 bus = 0xFF;
+    UINT8 controller = 0x20;
+    UINT8 deviceId = 0;
+    UINT8 mbmcSizeData = 0xFF;
+    UINT16 mbmcSizeAddress = 0;
+};
+
+/// Reads "type=imb,address=0x20,...". @throws CToolError for an unknown key or value
+ADDRESS ParseAddress(const std::string& text);
+/// The same form, without what has its usual value.
+std::string AddressText(const ADDRESS& address);
+/// The name of an access path as FRU text files have it.
+const char* TypeText(FRU_TYPE type);
+
+} // namespace Fructl

@@ -1,0 +1,16 @@
+// The FRU devices that the SDR repository names.
+#pragma once
+
+#include "tools/fructl/source.h"
+
+#include <vector>
+
+namespace Fructl {
+
+/// The FRU devices that the SDR repository names, in its order.
+std::vector<SOURCE> ScanDevices();
+/// "type=...,bus=...,...", "eeprom=PATH", "system", the path of an EEPROM, or a name that the scan of the SDR
+/// repository finds.
+SOURCE DeviceSource(const std::string& text);
+
+} // namespace Fructl

@@ -1,0 +1,148 @@
+#include "tools/fructl/way.h"
+
+#include "tools/fructl/imbseam.h"
+#include "tools/fructl/lanway.h"
+#include "tools/fructl/ports.h"
+#include "tools/fructl/settings.h"
+#include "tools/fructl/toolerror.h"
+
+#include "frudata/openipmi.h"
+#include "sim/fronts.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Fructl {
+
+namespace {
+
+/// What a BMC's buffer takes at once; the device's reader asks for less where that is too much.
+constexpr std::size_t LOCAL_READ_CHUNK = 64;
+/// With its count in front it stays below what every BMC gives on a LAN.
+constexpr std::size_t LAN_READ_CHUNK = 32;
+static_assert(LAN_READ_CHUNK + 1 <= LAN_SAFE_ANSWER_SIZE);
+
+std::string Nothing() {
+    return {};
+}
+
+std::string OpenKernel() {
+    static constexpr IMB_DRIVER DRIVER = {OpenIpmiOpen, OpenIpmiClose, OpenIpmiSend};
+    UseImbDriver(&DRIVER);
+    return OpenIpmiOpen() == 0 ? OpenIpmiFailure() : "";
+}
+
+std::string DescribeKernel() {
+    const char* device = OpenIpmiDevice();
+    return fmt::format("the kernel's IPMI driver, {}", device ? device : "closed");
+}
+
+void NothingToClose() {}
+
+void CloseKernel() {
+    OpenIpmiClose();
+}
+
+std::string KernelFailure() {
+    return OpenIpmiFailure();
+}
+
+std::string OpenPorts() {
+    UseImbDriver(nullptr);
+    return PortProblem(KcsPort(), Settings().force);
+}
+
+std::string DescribePorts() {
+    return fmt::format("KCS at port {:X}h", KcsPort());
+}
+
+std::string OpenSession() {
+    UseImbDriver(nullptr);
+    return {};
+}
+
+template <_IPMI_INTERFACE_TYPE TYPE> std::string StartSession() {
+    return SelectIPMIInterface(TYPE) ? "" : "no session with the BMC: is libipmi.so installed?";
+}
+
+std::string DescribeSession() {
+    return "session library";
+}
+
+std::string DescribeLargeSession() {
+    return "session library for large requests, KCS for others";
+}
+
+constexpr WAY WAYS[] = {
+    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, CloseKernel, LOCAL_READ_CHUNK},
+    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, NothingToClose, LOCAL_READ_CHUNK},
+    {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, NothingToClose,
+     LOCAL_READ_CHUNK},
+    {"session-large", false, OpenSession, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
+     NothingToClose, LOCAL_READ_CHUNK},
+    {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, CloseLan, LAN_READ_CHUNK}};
+
+int OpenSimulated() {
+    return Frudata_Sim::CurrentBmc() ? 1 : 0;
+}
+
+int SendSimulated(const _IMBPREQUESTDATA* request, int, UINT8* responseData, int* responseLength,
+                  UINT8* completionCode) {
+    return Frudata_Sim::ServeImbRequest(request, responseData, responseLength, completionCode);
+}
+
+std::string DescribeSimulated() {
+    return fmt::format("simulated BMC in {}", Settings().simDirectory);
+}
+
+constexpr WAY SIMULATED = {"simulated",       false,   Nothing,        Nothing,
+                           DescribeSimulated, Nothing, NothingToClose, LOCAL_READ_CHUNK};
+
+const WAY* gp_current = &SIMULATED;
+
+} // namespace
+
+std::vector<std::string> WayNames() {
+    std::vector<std::string> names;
+    std::transform(std::begin(WAYS), std::end(WAYS), std::back_inserter(names),
+                   [](const WAY& way) { return way.name; });
+    return names;
+}
+
+std::string WayKey() {
+    return Settings().lan.host.empty() ? "bmc" : "lan-" + Settings().lan.host;
+}
+
+void OpenWay() {
+    const std::string& asked = Settings().interface;
+    std::string reasons;
+    for (const WAY& way : WAYS) {
+        if (asked.empty() ? !way.isUsual : asked != way.name)
+            continue;
+        const std::string reason = way.Open();
+        gp_current = &way;
+        if (reason.empty())
+            return;
+        reasons += fmt::format("{}{}", reasons.empty() ? "" : "; ", reason);
+    }
+    throw CToolError(EXIT_DEVICE, "BMC", reasons,
+                     asked == "lan" ? "" : "--sim DIR works without one, --host NAME reaches another's");
+}
+
+CWayCloser::~CWayCloser() {
+    gp_current->Close();
+}
+
+const WAY& CurrentWay() {
+    return *gp_current;
+}
+
+void OpenSimulatedWay() {
+    static constexpr IMB_DRIVER DRIVER = {OpenSimulated, OpenSimulated, SendSimulated};
+    UseImbDriver(&DRIVER);
+    gp_current = &SIMULATED;
+}
+
+} // namespace Fructl
