@@ -1,7 +1,6 @@
 // The table itself: input is a locale, a device's image, a FRU text file, the text of a string table, the BMC's faults,
 // and a sequence of operations with their arguments. What the headers promise of each is checked: the status, the
 // cursor, and that nothing has changed but what was to change.
-#include "common/stringresource.h"
 #include "fuzz/tablemodel.h"
 
 #include <clocale>
@@ -16,28 +15,9 @@ using namespace Frudata_Private;
 
 constexpr const char* LOCALES[] = {"C", "C.UTF-8", "zh_CN.GB18030", "zh_TW.BIG5", "ja_JP.EUC-JP"};
 constexpr UINT8 REPAIR = 0x80;
-constexpr UINT8 STRINGS = 139;
 /// Enough for each to follow each other; FRUs of a run are compared after each operation.
 constexpr unsigned int MOST_OPERATIONS = 150;
 constexpr unsigned int MOST_LOADS = 6;
-
-/// A string table in which every text is `text`.
-BYTES StringTable(const BYTES& text) {
-    BYTES table = {STRINGS, 0, 0, 0};
-    const unsigned int start = 4 + 8 * STRINGS, length = static_cast<unsigned int>(text.size() + 1);
-    for (unsigned int word = 0; word < 2U * STRINGS; ++word) {
-        const unsigned int value = word < STRINGS ? start : length;
-        table.insert(table.end(), {static_cast<UINT8>(value), static_cast<UINT8>(value >> 8), 0, 0});
-    }
-    unsigned int sum = 0;
-    for (const UINT8 character : text)
-        table.insert(table.end(), {character, 0});
-    table.insert(table.end(), {0, 0});
-    for (std::size_t index = 0; index < table.size(); index += 2)
-        sum += table[index] | static_cast<unsigned int>(table[index + 1]) << 8;
-    table.insert(table.end(), {static_cast<UINT8>(0 - sum), static_cast<UINT8>((0 - sum) >> 8)});
-    return table;
-}
 
 locale_t g_locales[std::size(LOCALES)];
 
@@ -57,18 +37,17 @@ void RunOperations(CInput& input) {
     BYTES image = input.Take(input.Byte() * 2U);
     if (control & REPAIR)
         RepairImage(image);
-    const BYTES text = input.Take(input.Byte() * 8U);
-    const BYTES table = StringTable(input.Take(input.Byte()));
+    const BYTES file = input.Take(input.Byte() * 8U);
+    BYTES text = input.Take(input.Byte());
     const BYTES faults = input.Take(input.Byte());
-    SetInputFile(text);
-    SetTextsFile(table);
+    SetInputFile(file);
     CInput faultInput(faults.data(), faults.size());
     CFaultyBmc bmc(faultInput);
     bmc.Bmc().AddFruDevice(0, image);
     bmc.Bmc().AddController(0, PLACES[1].address).AddFruDevice(0, image);
     for (const FRU_PLACE& place : {PLACES[2], PLACES[3]})
         bmc.Bmc().AddEeprom(place.bus, place.address, static_cast<Frudata_Sim::EEPROM_KIND>(place.type), image);
-    CHost host(EmptyLibrary(), input);
+    CHost host(EmptyLibrary(), input, std::move(text));
     for (unsigned int count = 0; !input.IsEmpty() && count < MOST_OPERATIONS && host.Loads() < MOST_LOADS; ++count)
         host.CallNext();
 }
@@ -94,11 +73,8 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
         CInput input(data, size);
         RunOperations(input);
     });
-    if (CHost::TakeRestartNeed()) {
-        g_pStringResource.reset();
-        EmptyLibrary();
-    }
     SetLibDebugLevel(0);
+    CHost::Restore();
     Require(LowestDescriptor() == descriptor);
     return 0;
 }

@@ -1,4 +1,5 @@
 // The operations on the library's life, on whole configurations and on texts; and the row of each of the 50.
+#include "common/stringresource.h"
 #include "fuzz/tablemodel.h"
 
 #include <cstdio>
@@ -10,7 +11,58 @@ using namespace Frudata_Private;
 
 namespace {
 
-bool g_needsRestart = false;
+/// What EmptyLibrary starts with, while a host has replaced it.
+bool g_isReplaced = false;
+std::unique_ptr<CStringResource> g_firstTexts;
+
+/// Keeps the first texts from being freed: to read them anew would take most of a run's time.
+void KeepTexts() {
+    g_isReplaced = true;
+    if (!g_firstTexts)
+        g_firstTexts = std::move(g_pStringResource);
+}
+
+/// After a call that was to replace texts and did not.
+void BringBackTexts() {
+    if (!g_pStringResource)
+        g_pStringResource = std::move(g_firstTexts);
+}
+
+/// The discovery must find a driver, or it looks for the ports.
+EFI_STATUS Initialize(_EFI_FRU_INTERFACE* This, int platform) {
+    CInput noFaults(nullptr, 0);
+    Frudata_Sim::CSimulatedBmc* const before = Frudata_Sim::CurrentBmc();
+    EFI_STATUS status = 0;
+    {
+        const CFaultyBmc bmc(noFaults);
+        status = GetFruDataInterface()->Initialize(This, platform);
+    }
+    Frudata_Sim::SetCurrentBmc(before);
+    return status;
+}
+
+constexpr UINT8 STRINGS = 139;
+
+/// A string table in which every text is `text`.
+BYTES StringTable(const BYTES& text) {
+    BYTES table(4 + 8 * STRINGS + 2 * text.size() + 4);
+    const auto put = [&table](std::size_t offset, std::size_t value) {
+        table[offset] = static_cast<UINT8>(value);
+        table[offset + 1] = static_cast<UINT8>(value >> 8);
+    };
+    put(0, STRINGS);
+    for (std::size_t word = 0; word < STRINGS; ++word) {
+        put(4 + 4 * word, 4 + 8 * STRINGS);
+        put(4 + 4 * (word + STRINGS), text.size() + 1);
+    }
+    for (std::size_t index = 0; index < text.size(); ++index)
+        table[4 + 8 * STRINGS + 2 * index] = text[index];
+    std::size_t sum = 0;
+    for (std::size_t index = 0; index < table.size(); index += 2)
+        sum += table[index] + table[index + 1] * 256U;
+    put(table.size() - 2, 0 - sum);
+    return table;
+}
 
 constexpr const WCHAR* FILE_NAMES[] = {INPUT_PATH, INPUT_PATH, OUTPUT_PATH, L"fuzz:none", L"fuzz:\u00E9\u4E2D", L""};
 
@@ -42,8 +94,18 @@ EFI_STATUS LoadNoTexts(_EFI_FRU_INTERFACE*, const WCHAR*, const WCHAR*) {
 
 } // namespace
 
-bool CHost::TakeRestartNeed() {
-    return std::exchange(g_needsRestart, false);
+void CHost::Restore() {
+    if (!std::exchange(g_isReplaced, false))
+        return;
+    Require(Initialize(nullptr, FRU_PLATFORM_MBMC) == 0);
+    if (g_firstTexts)
+        g_pStringResource = std::move(g_firstTexts);
+}
+
+void CHost::MakeTexts() {
+    if (m_strings.empty())
+        m_strings = StringTable(m_text);
+    SetTextsFile(m_strings);
 }
 
 FRU_PLACE CHost::NextPlace() {
@@ -58,24 +120,16 @@ ANSWER CHost::Start() {
     _EFI_FRU_INTERFACE own = *m_table;
     const UINT8 control = m_input.Byte();
     own.SetLanguageLocale = control & 4 ? LoadNoTexts : LoadFuzzedTexts;
-    g_needsRestart = true;
-    EFI_STATUS status = 0;
-    {
-        // The discovery must find a driver, or it looks for the ports.
-        CInput noFaults(nullptr, 0);
-        Frudata_Sim::CSimulatedBmc* const before = Frudata_Sim::CurrentBmc();
-        {
-            const CFaultyBmc bmc(noFaults);
-            status = m_table->Initialize(control & 8 ? nullptr : &own, control & 3);
-        }
-        Frudata_Sim::SetCurrentBmc(before);
-    }
+    MakeTexts();
+    KeepTexts();
+    const EFI_STATUS status = Initialize(control & 8 ? nullptr : &own, control & 3);
+    BringBackTexts();
     m_cursor = {.start = status == 0 ? CURSOR::UP : CURSOR::FAILED, .hasCallback = false};
     return {status, status == 0 || (status == FRU_STATUS_INIT_FAILED && !(control & 8))};
 }
 
 ANSWER CHost::End() {
-    g_needsRestart = true;
+    KeepTexts();
     const EFI_STATUS status = m_table->DeInitialize(m_table);
     if (m_cursor.start == CURSOR::FAILED)
         return {status, status == FRU_STATUS_NOT_INITIALIZED};
@@ -165,11 +219,19 @@ ANSWER CHost::LastError() {
 ANSWER CHost::Language() {
     static constexpr struct {
         const WCHAR *language, *country;
-    } LANGUAGES[] = {{L"fuzz:", L"texts"}, {L"fuzz:", L"texts"}, {L"fuzz:", L"none"},
-                     {nullptr, L"us"},     {L"en", nullptr},     {FRUDATA_TEXTS L"/en", L"us"}};
+    } LANGUAGES[] = {
+        {L"fuzz:", L"texts"}, {L"fuzz:", L"texts"}, {L"fuzz:", L"none"}, {nullptr, L"us"}, {L"en", nullptr}};
     const auto& row = LANGUAGES[m_input.Byte() % std::size(LANGUAGES)];
+    const bool isFuzzed = &row < &LANGUAGES[2];
+    if (isFuzzed) {
+        MakeTexts();
+        KeepTexts();
+    }
+    const CStringResource* const before = g_pStringResource.get();
     const EFI_STATUS status = m_table->SetLanguageLocale(m_table, row.language, row.country);
-    g_needsRestart = g_needsRestart || status == 0;
+    if (isFuzzed)
+        BringBackTexts();
+    Require(isFuzzed || (status != 0 && g_pStringResource.get() == before));
     return {status, status == 0 || status == FRU_STATUS_STRING_RESOURCE_ERROR};
 }
 
@@ -306,15 +368,17 @@ void CHost::CheckCursor() const {
 
 void CHost::CallNext() {
     const auto& row = ROWS[m_input.Byte() % std::size(ROWS)];
-    const std::uint64_t before = DigestFrus();
     m_required = m_cursor.Check(row.need);
     const ANSWER answer = (this->*row.call)();
     const bool isAllowed = m_required == 0 ? answer.isAllowed : answer.status == m_required;
     if (!isAllowed)
         std::fprintf(stderr, "operation %td answers %08X, not %08X\n", &row - ROWS + 1, answer.status, m_required);
     Require(isAllowed);
-    Require((row.changesFrus && answer.status == 0 && m_required == 0) || row.need == NEEDS_NOTHING ||
-            row.call == &CHost::Commit || DigestFrus() == before);
+    const std::uint64_t digest = DigestFrus();
+    // A commit that fails has written some areas, which are no longer modified then.
+    const bool mayChange = row.call == &CHost::Commit || row.call == &CHost::Start;
+    Require((row.changesFrus && (answer.status == 0 || mayChange)) || digest == m_digest);
+    m_digest = digest;
     CheckCursor();
 }
 

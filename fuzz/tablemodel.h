@@ -64,6 +64,9 @@ struct CURSOR {
     bool HasFields() const { return area >= FRU_AREA_INTERNAL_USE && area <= FRU_AREA_PRODUCT; }
 };
 
+/// A number for everything in all loaded FRUs.
+std::uint64_t DigestFrus();
+
 /// What came back, and whether it may where the checks let the operation pass.
 struct ANSWER {
     EFI_STATUS status;
@@ -73,15 +76,17 @@ struct ANSWER {
 /// A host that calls the operations that `input` names.
 class CHost {
   public:
-    CHost(_EFI_FRU_INTERFACE* table, CInput& input) : m_table(table), m_input(input) {}
+    /// `text` is what every text of the string table is that the host may load.
+    CHost(_EFI_FRU_INTERFACE* table, CInput& input, BYTES text)
+        : m_table(table), m_input(input), m_text(std::move(text)) {}
     CHost(const CHost&) = delete;
     CHost& operator=(const CHost&) = delete;
 
     /// Calls one operation and checks all that it left.
     void CallNext();
     unsigned int Loads() const { return m_loads; }
-    /// Whether a host has replaced what EmptyLibrary starts with since this was asked last.
-    static bool TakeRestartNeed();
+    /// Brings back what EmptyLibrary starts with, where a host has replaced it.
+    static void Restore();
 
     template <auto OPERATION> ANSWER Text();
     template <auto OPERATION> ANSWER Flag();
@@ -131,6 +136,7 @@ class CHost {
     unsigned int AreasPresent() const;
     FRU_PLACE NextPlace();
     ANSWER FieldSelected(EFI_STATUS status);
+    void MakeTexts();
     void CheckCursor() const;
 
     _EFI_FRU_INTERFACE* m_table;
@@ -138,9 +144,9 @@ class CHost {
     CURSOR m_cursor;
     EFI_STATUS m_required = 0; ///< of the operation that is being called
     unsigned int m_loads = 0;
+    std::uint64_t m_digest = DigestFrus();
+    BYTES m_text;
+    BYTES m_strings; ///< the table made from it, once it is needed
 };
-
-/// A number for everything in all loaded FRUs.
-std::uint64_t DigestFrus();
 
 } // namespace Frudata_Fuzz
