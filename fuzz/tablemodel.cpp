@@ -1,6 +1,7 @@
 // The frame around each call: its checks, the cursor, and what must not change; the operations of lists and cursors.
 #include "fuzz/tablemodel.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace Frudata_Fuzz {
@@ -203,7 +204,8 @@ ANSWER CHost::CountFields() {
     const EFI_STATUS status = m_table->GetNumberOfFields(m_table, count);
     if (m_cursor.area == FRU_AREA_COMMON_HEADER)
         return {status, status == FRU_STATUS_NO_SUCH_FIELD && count == 0};
-    return {status, status == 0 && (count > 0) == m_cursor.HasFields()};
+    // An internal use area may be empty.
+    return {status, status == 0 && (count > 0 ? m_cursor.HasFields() : !m_cursor.IsInfoArea())};
 }
 
 ANSWER CHost::FieldSelected(EFI_STATUS status) {
@@ -217,7 +219,7 @@ ANSWER CHost::FieldSelected(EFI_STATUS status) {
         m_cursor.field = g_FruData->m_nField;
         m_table->GetNumberOfFields(m_table, fields);
     }
-    return {status, status == FRU_STATUS_NO_SUCH_FIELD || (status == 0 && m_cursor.field < fields)};
+    return {status, status == FRU_STATUS_NO_SUCH_FIELD || (status == 0 && m_cursor.field < std::max(1U, fields))};
 }
 
 ANSWER CHost::SelectField() {
