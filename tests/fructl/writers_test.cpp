@@ -140,10 +140,10 @@ TEST_P(CWriters, Killed) {
 
 INSTANTIATE_TEST_SUITE_P(
     , CWriters,
-    testing::Values(DEVICE{"PSU 1", "psu.bin", 6, {"product.serial-number", "product.manufacturer"}},
+    testing::Values(DEVICE{"PSU 1", "psu.bin", 19, {"product.serial-number", "product.manufacturer"}},
                     DEVICE{"system",
                            "bmc.bin",
-                           20,
+                           31,
                            {"chassis.part-number", "chassis.serial-number", "board.manufacturer", "board.serial-number",
                             "board.part-number", "product.manufacturer", "product.serial-number",
                             "product.asset-tag"}}),
