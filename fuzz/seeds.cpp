@@ -61,6 +61,12 @@ std::vector<BYTES> Images() {
 }
 
 void WriteImageSeeds(const BYTES& image) {
+    WriteSeed("image", image);
+    // Set, add and remove a field, set the internal use area, append and replace a record.
+    for (const UINT8 edit : BYTES{0x0A, 0x01, 0x02, 0x04, 0x05, 0x06})
+        for (const UINT8 area : BYTES{2, 3, 4})
+            WriteSeed("imageedit", BYTES{1, static_cast<UINT8>(image.size()), static_cast<UINT8>(image.size() >> 8)} +
+                                       image + BYTES{edit, area, 1, 3, 'n', 'e', 'w'});
     for (const int control : {0x02, 0x82, 0xA2, 0xC2, 0x80, 0x81, 0x83})
         WriteSeed("bmc", BYTES{static_cast<UINT8>(control), static_cast<UINT8>((image.size() + 1) / 2)} + image +
                              EDITS + BYTES(32 - EDITS.size()) + BYTES{0xF8, 0x02, 0xC0, 0x02, 0xCA, 0x25, 0x0C});
