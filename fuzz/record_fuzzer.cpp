@@ -10,7 +10,7 @@ namespace {
 using namespace FruRecords;
 using BYTES = std::vector<std::uint8_t>;
 
-void Require(bool holds, const std::string& promise, const std::string& key) {
+void Require(bool holds, const char* promise, const std::string& key) {
     if (holds)
         return;
     std::cerr << "not true of " << key << ": " << promise << '\n';

@@ -64,6 +64,12 @@ std::vector<BYTES> Images() {
 }
 
 void WriteImageSeeds(const BYTES& image) {
+    WriteSeed("image", image);
+    // Set, add and remove a field, set the internal use area, append and replace a record.
+    for (const UINT8 edit : BYTES{0x0A, 0x01, 0x02, 0x04, 0x05, 0x06})
+        for (const UINT8 area : BYTES{2, 3, 4})
+            WriteSeed("imageedit", BYTES{1, static_cast<UINT8>(image.size()), static_cast<UINT8>(image.size() >> 8)} +
+                                       image + BYTES{edit, area, 1, 3, 'n', 'e', 'w'});
     for (const int control : {0x02, 0x82, 0xA2, 0xC2, 0x80, 0x81, 0x83})
         WriteSeed("bmc", BYTES{static_cast<UINT8>(control), static_cast<UINT8>((image.size() + 1) / 2)} + image +
                              EDITS + BYTES(32 - EDITS.size()) + BYTES{0xF8, 0x02, 0xC0, 0x02, 0xCA, 0x25, 0x0C});
@@ -113,6 +119,32 @@ void WriteTableSeeds(UINT8 count) {
     }
 }
 
+/// A host's way from the device to a file and back, as operations by their place in the table, with their arguments.
+BYTES Session() {
+    constexpr UINT8 CALLBACK = 10, LOAD = 2, LOAD_FILE = 3, COMMIT = 4, SAVE = 5, LAST_ERROR = 8, LANGUAGE = 9;
+    constexpr UINT8 LIST = 15, FRU = 17, AREA = 27, NAME = 29, FIELD = 32, TITLE = 33, ROOM = 34, TEXT = 35, DATA = 36;
+    constexpr UINT8 SET = 37, AREA_DATA = 44, SET_AREA = 45, AREA_SIZE = 47, OUTPUT = 2;
+    BYTES calls = {LANGUAGE, 0, CALLBACK, 1, LOAD, LIST, 2, FRU, 0};
+    for (UINT8 area = FRU_AREA_COMMON_HEADER; area <= FRU_AREA_MULTIRECORD; ++area) {
+        Append(calls, BYTES{AREA, static_cast<UINT8>(area + 1), NAME, ROOM, AREA_SIZE, AREA_DATA, area, LAST_ERROR});
+        for (UINT8 field = 0; field < 8; field = static_cast<UINT8>(field + 3))
+            Append(calls, BYTES{FIELD, field, TITLE, TEXT, DATA, SET, 3, 'a', 0x81, 0x30});
+        Append(calls, BYTES{SET_AREA, 0x80});
+    }
+    Append(calls, BYTES{COMMIT, SAVE, 1, LOAD_FILE, OUTPUT, AREA, 5, FIELD, 1, TEXT, LAST_ERROR});
+    return calls;
+}
+
+/// The same session in each locale, in front of a BMC without and with faults.
+void WriteSessionSeeds(const BYTES& image) {
+    const BYTES text = {'%', 'l', 's', 0x81, 0x30};
+    for (const BYTES& faults : {BYTES{}, BYTES{0xF8, 0x02, 0xC0, 0x02}})
+        for (UINT8 locale = 0; locale < 5; ++locale)
+            WriteSeed("table", BYTES{static_cast<UINT8>(0x80 | locale), static_cast<UINT8>((image.size() + 1) / 2)} +
+                                   image + BYTES{0, static_cast<UINT8>(text.size())} + text +
+                                   BYTES{static_cast<UINT8>(faults.size())} + faults + Session());
+}
+
 /// A record of each form, without a text to set.
 void WriteRecordSeeds() {
     for (const FruImage::RECORD_DESCRIPTION& form : FruRecords::DescribeAllRecords())
@@ -137,9 +169,12 @@ int main(int argumentCount, char** arguments) {
         WriteTableSeeds(count);
     WriteSeed("stringtable", BYTES{0} + ReadFile(arguments[2]));
     for (int index = 3; index < argumentCount; ++index)
-        WriteSeed("textfile", ReadFile(arguments[index]));
-    for (const BYTES& image : Images())
+        for (const char* fuzzer : {"textfile", "frutext"})
+            WriteSeed(fuzzer, ReadFile(arguments[index]));
+    for (const BYTES& image : Images()) {
         WriteImageSeeds(image);
+        WriteSessionSeeds(image);
+    }
     WriteSdrSeeds();
     WriteRecordSeeds();
     // The library's own text of each image.
@@ -151,9 +186,12 @@ int main(int argumentCount, char** arguments) {
         table->LoadConfigurationFromSystem(table);
         table->SelectList(table, FRU_LIST_SYSTEM);
         table->SelectFru(table, 0);
-        if (table->SaveConfigurationToFile(table, OUTPUT_PATH, nullptr) != 0)
+        // Were files not in memory any more, those that read them would go on and find nothing.
+        if (table->SaveConfigurationToFile(table, OUTPUT_PATH, nullptr) != 0 || OutputFile().empty() ||
+            table->LoadConfigurationFromFile(table, OUTPUT_PATH, nullptr) != 0)
             return 1;
-        WriteSeed("textfile", BYTES(OutputFile().begin(), OutputFile().end()));
+        for (const char* fuzzer : {"textfile", "frutext"})
+            WriteSeed(fuzzer, BYTES(OutputFile().begin(), OutputFile().end()));
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "fuzz/support.h"
 
 #include "common/assertion.h"
+#include "common/openfile.h"
 #include "common/stringresource.h"
 #include "frudata/bmclib.h"
 #include "frudata/debug.h"
@@ -17,22 +18,38 @@
 namespace {
 
 std::span<const UINT8> g_inputFile;
+std::span<const UINT8> g_textsFile;
 char g_outputFile[1 << 16];
+
+std::FILE* OpenInMemory(std::string_view name, char mode) {
+    const char modeText[] = {mode, 0};
+    if (name == "out")
+        return fmemopen(g_outputFile, mode == 'r' ? Frudata_Fuzz::OutputFile().size() : sizeof g_outputFile, modeText);
+    const std::span<const UINT8> file = name == "in" ? g_inputFile : g_textsFile;
+    const bool isThere = mode == 'r' && (name == "in" || name == "texts/frudata/str/frudata.str");
+    return isThere ? fmemopen(const_cast<UINT8*>(file.data()), file.size(), modeText) : nullptr;
+}
 
 } // namespace
 
+namespace Frudata_Private {
+
+// The linker gives OpenFile's callers the second of these in its place (--wrap).
+SCOPED_FILE OpenOnDisk(const char* path, char mode, OPEN_ALSO also) __asm__("__real_" FRUDATA_OPEN_FILE);
+SCOPED_FILE OpenAnywhere(const char* path, char mode, OPEN_ALSO also) __asm__("__wrap_" FRUDATA_OPEN_FILE);
+
+/// Files that live as long as one run need no system call. Lines of the log are composed, and go nowhere.
+SCOPED_FILE OpenAnywhere(const char* path, char mode, OPEN_ALSO also) {
+    const std::string_view name(path);
+    if (name.starts_with("fuzz:"))
+        return SCOPED_FILE(OpenInMemory(name.substr(5), mode));
+    return name == "DBGLOG.txt" ? SCOPED_FILE(std::fopen("/dev/null", "a")) : OpenOnDisk(path, mode, also);
+}
+
+} // namespace Frudata_Private
+
 // What stands in the place of the system's functions.
 extern "C" {
-
-std::FILE* __real_fopen64(const char* path, const char* mode);
-/// Files that live as long as one run need no system call.
-std::FILE* __wrap_fopen64(const char* path, const char* mode) {
-    if (std::string_view(path) == "fuzz:in")
-        return fmemopen(const_cast<UINT8*>(g_inputFile.data()), g_inputFile.size(), "r");
-    if (std::string_view(path) == "fuzz:out")
-        return fmemopen(g_outputFile, mode[0] == 'r' ? Frudata_Fuzz::OutputFile().size() : sizeof g_outputFile, mode);
-    return __real_fopen64(path, mode);
-}
 
 /// The library's pauses take no time; those of the fuzzing engine's own threads do.
 unsigned int sleep(unsigned int seconds) {
@@ -125,6 +142,10 @@ void SelectNewFru(std::unique_ptr<CFru> fru) {
 
 void SetInputFile(std::span<const UINT8> content) {
     g_inputFile = content;
+}
+
+void SetTextsFile(std::span<const UINT8> content) {
+    g_textsFile = content;
 }
 
 std::span<const UINT8> OutputFile() {

@@ -48,11 +48,14 @@ _EFI_FRU_INTERFACE* EmptyLibrary();
 /// Puts `fru` on the file list and selects it.
 void SelectNewFru(std::unique_ptr<Frudata_Private::CFru> fru);
 
-/// Paths that the library opens in memory: the input, and the file that a save leaves behind.
+/// Paths that the library opens in memory: the input, and the file that a save leaves behind. No other file's name
+/// begins with "fuzz:".
 inline constexpr WCHAR INPUT_PATH[] = L"fuzz:in";
 inline constexpr WCHAR OUTPUT_PATH[] = L"fuzz:out";
-/// Both stay in place until replaced.
+/// All stay in place until replaced.
 void SetInputFile(std::span<const UINT8> content);
+/// The string table of the language "fuzz:" and the country "texts".
+void SetTextsFile(std::span<const UINT8> content);
 std::span<const UINT8> OutputFile();
 
 /// Completes the checksums of a common header and of the info areas that it names.
