@@ -49,7 +49,7 @@ TEST_F(CDeviceTest, CommitChangesWhatItSaysAndRestoreBringsItBack) {
         DamageFruImage(broken, FRU_DAMAGE::HEADER_CHECKSUM);
         WriteFile(FileOf(one.file), broken);
         EXPECT_EQ(Fructl("commit" + at + "board.serial-number=NEW-43").status, 4);
-        ASSERT_EQ(Fructl(std::string("restore backup.bin --sim server --to ") + one.device).status, 0);
+        ASSERT_EQ(Fructl(std::string("restore backup.bin --yes --sim server --to ") + one.device).status, 0);
         EXPECT_EQ(Part(ReadFile(FileOf(one.file)), 0, backup.size()), backup);
         std::filesystem::remove("backup.bin");
     }
