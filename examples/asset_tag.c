@@ -76,7 +76,8 @@ int main(int argc, char** argv) {
         return Fail("start", status);
     /* Only messages need the texts. */
     if (fru->SetLanguageLocale(fru, texts, L"us") != FRU_STATUS_SUCCESS)
-        fprintf(stderr, "asset_tag: no texts at %sus; FRUDATA_DATADIR names the directory that holds enus\n", directory);
+        fprintf(stderr, "asset_tag: no texts at %sus; FRUDATA_DATADIR names the directory that holds enus\n",
+                directory);
     if ((status = Load(argc == 4 ? in : NULL)) != FRU_STATUS_SUCCESS)
         return Fail("load", status);
     if ((status = SetTag(argv[1])) != FRU_STATUS_SUCCESS)
