@@ -133,10 +133,10 @@ void Confirm(const std::string& question, const WRITE_OPTIONS& options, const st
 }
 
 std::string Oddity(const CONTENTS& present) {
-    if (present.fru.IsSound())
+    if (present.fru.state == STATE::FRU)
         return {};
-    const std::string problem = present.failure.empty() ? ProblemText(present.fru) : present.failure;
-    return "what is there now does not tell what it is: " + problem;
+    const std::string problem = ProblemText(present.fru);
+    return "what is there now does not tell what it is: " + (problem.empty() ? present.failure : problem);
 }
 
 void Change(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options) {

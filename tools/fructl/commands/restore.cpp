@@ -133,13 +133,14 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
 } // namespace
 
 void AddRestore(CLI::App& app) {
-    CLI::App& command = NewCommand(app, "restore", "Write a backup image back to a device, byte for byte",
-                                   "  fructl restore backup.bin --to system\n"
-                                   "  fructl restore backup.bin --to type=imb,id=1\n"
-                                   "  fructl restore backup.bin --to 'PSU 1' --dry-run    what would become of it\n"
-                                   "The difference comes first, then a question; the old contents are kept. An image\n"
-                                   "that is damaged, or of another product, is refused without --force. Without a\n"
-                                   "terminal, --yes is needed where the device's contents are blank or damaged.");
+    CLI::App& command =
+        NewCommand(app, "restore", "Write a backup image back to a device, byte for byte",
+                   "  fructl restore backup.bin --to system\n"
+                   "  fructl restore backup.bin --to type=imb,id=1\n"
+                   "  fructl restore backup.bin --to 'PSU 1' --dry-run    what would become of it\n"
+                   "The difference comes first, then a question; the old contents are kept. An image\n"
+                   "that is damaged, or of another product, is refused without --force. Without a\n"
+                   "terminal, --yes is needed where the device is blank, unreadable or without a sound header.");
     SetUsage(command, "BACKUP --to DEVICE");
     struct OPTIONS {
         std::string backup;
