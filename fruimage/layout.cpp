@@ -12,6 +12,11 @@ bool IsBlankByte(BYTE byte) {
     return byte == 0 || byte == 0xFF;
 }
 
+/// What an area keeps others from: one whose first record is missing yet has the header's offset point to it.
+RANGE Taken(const DRAFT_AREA& area) {
+    return {area.offset, std::max(area.Range().length, UNIT)};
+}
+
 class CLayout {
   public:
     explicit CLayout(DRAFT& draft) : m_draft(draft), m_imageSize(draft.fru.bytes.size()) {
@@ -56,7 +61,7 @@ class CLayout {
                 }
             }
             m_placed.push_back(area);
-            end = std::max(end, area->Range().End());
+            end = std::max(end, Taken(*area).End());
         }
         return displaced;
     }
@@ -64,7 +69,7 @@ class CLayout {
     bool IsFree(const RANGE& range) const {
         return !range.Overlaps({0, HEADER_SIZE}) &&
                std::none_of(m_placed.begin(), m_placed.end(),
-                            [&](const auto* area) { return area->Range().Overlaps(range); });
+                            [&](const auto* area) { return Taken(*area).Overlaps(range); });
     }
 
     /// Whether writing there destroys nothing that anybody could need.
@@ -79,7 +84,7 @@ class CLayout {
     std::vector<std::size_t> Ends() const {
         std::vector<std::size_t> ends = {HEADER_SIZE};
         for (const DRAFT_AREA* area : m_placed)
-            ends.push_back(RoundUp(area->Range().End()));
+            ends.push_back(RoundUp(Taken(*area).End()));
         std::sort(ends.begin(), ends.end());
         return ends;
     }
@@ -110,7 +115,7 @@ class CLayout {
         std::size_t end = area.Range().End();
         for (auto other = behind; other != m_placed.end(); ++other) {
             (*other)->offset = std::max((*other)->offset, RoundUp(end));
-            end = (*other)->Range().End();
+            end = Taken(**other).End();
         }
         m_placed.insert(behind, &area);
         return std::nullopt;

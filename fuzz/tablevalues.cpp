@@ -32,10 +32,14 @@ std::optional<STORED> StoredField(const CInfoArea& area, int kind, UINT32 index)
     return fields.at(place - IN_HEADER[kind]);
 }
 
-/// Whether the area has room for `length` bytes in the place of `stored`.
-bool Fits(const CInfoArea& area, int kind, const std::optional<STORED>& stored, std::size_t length) {
+/// Whether the area takes `length` bytes in the place of `stored`.
+bool Fits(const CInfoArea& area, int kind, const std::optional<STORED>& stored, const UINT8* value,
+          std::size_t length) {
+    constexpr UINT8 LAST_CHASSIS_TYPE = 23;
+    if (!stored && kind == FRU_AREA_CHASSIS)
+        return length == 1 && value[0] >= 1 && value[0] <= LAST_CHASSIS_TYPE;
     if (!stored)
-        return length == (kind == FRU_AREA_BOARD ? 3 : 1);
+        return length == 3;
     return length <= MAX_FIELD_LENGTH &&
            static_cast<int>(length) <= static_cast<int>(stored->data.size()) + area.GetPadLength();
 }
@@ -86,7 +90,7 @@ ANSWER CHost::SetFieldData() {
         return {status, status == FRU_STATUS_UNSUPPORTED};
     }
     const CInfoArea& area = *g_FruData->SelectedFru().GetInfoArea(g_FruData->m_area);
-    const bool fits = Fits(area, m_cursor.area, StoredField(area, m_cursor.area, m_cursor.field), length);
+    const bool fits = Fits(area, m_cursor.area, StoredField(area, m_cursor.area, m_cursor.field), value.data(), length);
     const EFI_STATUS status = m_table->SetFieldDataValue(m_table, value.data(), length);
     value.pop_back();
     if (!fits)

@@ -87,6 +87,17 @@ TEST(Edit, AreasGoBehindAnInternalUseAreaInTheirWay) {
         ExpectSameArea(Parse(image), Parse(plan->bytes), id);
 }
 
+TEST(Edit, AreasLeaveThePlaceOfAnEmptyRecordArea) {
+    BYTES image = {1, 0, 0, 0, 1, 4, 0, 0xFA, 1, 3, 0, 0xC0, 0xC0, 0xC0, 0xC0, 0xC0, 0xC0, 0xC0, 0xC1};
+    image.resize(40);
+    image[31] = ZeroChecksum(Slice(image, 8, 24));
+    ASSERT_TRUE(Parse(image).IsSound());
+    const Result<PLAN> plan = Edited(image, {Set("board.serial-number", "B1")});
+    ASSERT_TRUE(plan);
+    EXPECT_EQ(Parse(plan->bytes).Find(AREA_ID::MULTIRECORD)->offset, 32U);
+    EXPECT_EQ(Parse(plan->bytes).Find(AREA_ID::BOARD)->offset, 40U);
+}
+
 TEST(Edit, InternalUseAreaChangesSizeOnlyWhereAsked) {
     const BYTES& image = Shape("internal between").image;
     EXPECT_EQ(Edited(image, {SET_INTERNAL{BYTES(80, 1)}}).Error().code, REFUSAL::FIXED_SIZE);

@@ -90,7 +90,7 @@ class CHost : public testing::Test {
 struct HOLDINGS {
     std::int64_t descriptors;
     std::int64_t mappings;
-    std::size_t memory; ///< 0 with the sanitizers, which look for leaks themselves
+    std::size_t memory; ///< 0 with the sanitizers, which keep it and look for leaks themselves
 };
 
 HOLDINGS Holdings() {
@@ -112,7 +112,7 @@ TEST_F(CHost, LoadsAndUnloadsAThousandTimes) {
     }
     const HOLDINGS last = Holdings();
     EXPECT_EQ(last.descriptors, first.descriptors);
-    EXPECT_EQ(last.mappings, first.mappings);
+    EXPECT_TRUE(last.memory == 0 || last.mappings == first.mappings) << last.mappings << " " << first.mappings;
     EXPECT_EQ(last.memory, first.memory);
 }
 
