@@ -18,7 +18,7 @@ void ResetLastError() {
 }
 
 const WCHAR* SetLastError(const WCHAR* format, ...) {
-    const CTrace trace(L"FruData", L"SetLastError");
+    const CTrace trace = TraceFruData(L"SetLastError");
     if (!format || !gp_lastError)
         return nullptr;
     std::va_list arguments;
@@ -36,11 +36,6 @@ const WCHAR* TakeLastError() {
     gp_lastError = gp_lastError == ga_lastError1 ? ga_lastError2 : ga_lastError1;
     gp_lastError[0] = 0;
     return message[0] ? message : nullptr;
-}
-
-const WCHAR* GetFormat(STRING_ID id, const char* arguments) {
-    const WCHAR* text = GetText(id);
-    return text && PlaceholdersFit(text, arguments) ? text : nullptr;
 }
 
 } // namespace Frudata_Private

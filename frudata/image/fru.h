@@ -29,8 +29,8 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
-    /// The trace of one of its operations.
-    static CTrace TraceOf(const WCHAR* operation) { return {L"CFru", operation}; }
+    /// Begins the trace of one of its operations.
+    static constexpr CTraceSource TraceOf{L"CFru"};
 
     // --- Image ------------------------------------------------------------------------------------
 

@@ -3,6 +3,7 @@
 
 #include "common/allocate.h"
 #include "common/lasterror.h"
+#include "common/placeholders.h"
 #include "frudata/image/fru.h"
 
 #include <dlfcn.h>
@@ -138,7 +139,7 @@ TEST_F(CPiecesTest, ARecordIsValidWhereHeaderAndDataSumToZero) {
         std::copy(std::begin(good), std::end(good), bytes);
         ++bytes[wrong];
         FRUMultiRecord record;
-        record.Decode(bytes, sizeof good);
+        record.Decode({bytes, sizeof good});
         EXPECT_EQ(record.IsValid(), wrong == sizeof good) << wrong;
     }
 }
