@@ -1,8 +1,9 @@
 // The debug trace log.
 #include "support.h"
 
+#include "tests/support/tracelog.h"
+
 #include <functional>
-#include <set>
 #include <sstream>
 
 namespace Frudata_Tests {
@@ -170,24 +171,8 @@ TEST_F(CTraceLogTest, ASession) {
     const std::string log = TakeLog();
     EXPECT_THAT(log, testing::HasSubstr("CBoardInfoArea::ParseField [ENTRY]\r\nFruDefs::DecodeLength [ENTRY]\r\n"
                                         "FruDefs::DecodeLength [EXIT]\r\nCBoardInfoArea::ParseField [EXIT]\r\n"));
-    std::istringstream lines(log);
-    std::vector<std::string> entered;
-    std::set<std::string> names;
-    for (std::string line; std::getline(lines, line);) {
-        const std::string name = line.substr(0, line.find(' ')), what = line.substr(name.size());
-        if (what == " [ENTRY]\r") {
-            entered.push_back(name);
-            names.insert(name);
-        } else {
-            ASSERT_EQ(what, " [EXIT]\r") << line;
-            ASSERT_FALSE(entered.empty()) << line;
-            ASSERT_EQ(entered.back(), name) << "is not left";
-            entered.pop_back();
-        }
-    }
-    EXPECT_TRUE(entered.empty()) << entered.back() << " is not left";
     std::string found;
-    for (const std::string& name : names)
+    for (const std::string& name : BalancedOperations(log))
         found += name + "\n";
     EXPECT_EQ(found, ReadFile(FRUDATA_TEST_OPERATIONS)) << "the operations of a session";
     // Of the second FRU's 13 fields, one reads like the end marker: nothing of it is written but its type/length byte.
