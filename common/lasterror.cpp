@@ -23,7 +23,7 @@ const WCHAR* SetLastError(const WCHAR* format, ...) {
         return nullptr;
     std::va_list arguments;
     va_start(arguments, format);
-    // What cannot be formatted leaves no 0, and none of an older message behind it.
+    // A text that cannot be formatted ends without a 0; no older message may show behind it.
     std::wmemset(gp_lastError, 0, LAST_ERROR_SIZE);
     if (std::vswprintf(gp_lastError, LAST_ERROR_SIZE, format, arguments) < 0)
         gp_lastError[LAST_ERROR_SIZE - 1] = 0;

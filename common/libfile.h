@@ -40,7 +40,7 @@ class CFile {
     UINT32 FindLine(UINT32 line, std::string_view text) const;
     /// The text between the first two delimiters of the line. @return false without them
     bool FindDelimitedString(UINT32 line, char delimiter, std::string_view& found) const;
-    /// A copy of the same, valid until the next call; null without delimiters or without memory.
+    /// The same as a copy, valid until the next call; null without delimiters or without memory.
     const char* GetDelimitedString(UINT32 line, char delimiter);
 
     // The reader strips whole files and looks into single lines; the rest is for hosts of the class.

@@ -29,7 +29,7 @@ class COperation {
     explicit COperation(const WCHAR* name, FAILURE_ORDER order = RECORD_FIRST)
         : m_trace(TraceFruData(name)), m_order(order) {}
 
-    /// Checks the state. A failure but the first is traced and recorded.
+    /// Checks the state. Every failure except NOT_INITIALIZED is traced and recorded.
     /// @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED
     EFI_STATUS Check(OPERATION_NEED need) const;
     /// Traces and records a failure. @return `status`

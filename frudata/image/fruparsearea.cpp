@@ -149,7 +149,7 @@ EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8
             return trace.Fail(L"Unexpected Character", status);
     }
     g_areaBlock.AssertWholeByte();
-    // An area may be one byte short of the buffer: one that fills it could have been cut.
+    // A full buffer may mean truncation: the limit is SIZE - 1.
     Assert(!g_areaBlock.IsFull(), SOURCE_FILE, "index != 512");
     data = g_areaBlock.GetData();
     length = g_areaBlock.GetLength();
