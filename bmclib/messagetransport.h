@@ -25,7 +25,7 @@ inline void AddressToBmc(BMC_MESSAGE& message, UINT8 command, UINT32 dataLength)
 }
 
 /// As ProcessMessage, for a response record that nothing else writes to. Clears only the first `used` bytes; the
-/// rest must already be 0. On return `used` is the number of bytes that the answer may have written.
+/// rest must already be 0. On return: the bytes that the answer may have written.
 int ProcessReusedMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout, UINT32& used);
 
 } // namespace Frudata_Private

@@ -8,8 +8,8 @@
 
 namespace Frudata_Private {
 
-/// `count` elements, all 0; null where there is no memory for them. A size that no object can have is refused here,
-/// because the operator throws for it even where it is asked not to.
+/// `count` elements, all 0; null where there is no memory for them. A size above PTRDIFF_MAX is refused here: operator
+/// new throws for it, with std::nothrow too.
 template <typename ELEMENT> std::unique_ptr<ELEMENT[]> AllocateArray(std::uint64_t count) {
     if (count > PTRDIFF_MAX / sizeof(ELEMENT))
         return nullptr;

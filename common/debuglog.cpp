@@ -21,8 +21,8 @@ using Frudata_Private::ToMultibyte;
 constexpr char LOG_FILE[] = "DBGLOG.txt";
 constexpr int BYTES_PER_ROW = 16;
 
-/// The log, opened for one line or dump. Without a buffer, and none can be allocated, a wide stream of this C library
-/// writes behind its end: so it has one of its own.
+/// The log, opened for one line or dump. It brings its own buffer: a wide stream of this C library that cannot allocate
+/// one writes past its end.
 class CLogFile {
   public:
     CLogFile() : m_file(OpenFile(LOG_FILE, 'a', Frudata_Private::OPEN_TERMINAL)) {

@@ -18,12 +18,12 @@ void ResetLastError() {
 }
 
 const WCHAR* SetLastError(const WCHAR* format, ...) {
-    const CTrace trace(L"FruData", L"SetLastError");
+    const CTrace trace = TraceFruData(L"SetLastError");
     if (!format || !gp_lastError)
         return nullptr;
     std::va_list arguments;
     va_start(arguments, format);
-    // What cannot be formatted leaves no 0, and none of an older message behind it.
+    // A text that cannot be formatted ends without a 0; no older message may show behind it.
     std::wmemset(gp_lastError, 0, LAST_ERROR_SIZE);
     if (std::vswprintf(gp_lastError, LAST_ERROR_SIZE, format, arguments) < 0)
         gp_lastError[LAST_ERROR_SIZE - 1] = 0;
@@ -36,11 +36,6 @@ const WCHAR* TakeLastError() {
     gp_lastError = gp_lastError == ga_lastError1 ? ga_lastError2 : ga_lastError1;
     gp_lastError[0] = 0;
     return message[0] ? message : nullptr;
-}
-
-const WCHAR* GetFormat(STRING_ID id, const char* arguments) {
-    const WCHAR* text = GetText(id);
-    return text && PlaceholdersFit(text, arguments) ? text : nullptr;
 }
 
 } // namespace Frudata_Private

@@ -1,8 +1,7 @@
 // The caller-visible reason of the last failure.
 #pragma once
 
-#include "common/placeholders.h"
-#include "common/stringresource.h"
+#include "common/textformat.h"
 
 namespace Frudata_Private {
 
@@ -25,24 +24,9 @@ const WCHAR* SetLastError(const WCHAR* format, ...);
 /// Hands out the message recorded since the last call, or null, and switches to the other buffer.
 const WCHAR* TakeLastError();
 
-/// The text of `id` if it can be formatted with what `arguments` stands for (see placeholders.h), else null.
-const WCHAR* GetFormat(STRING_ID id, const char* arguments);
-
-/// The letter of stringid.h for an argument of this type.
-constexpr char ArgumentLetter(const char*) {
-    return 's';
-}
-constexpr char ArgumentLetter(const WCHAR*) {
-    return 'w';
-}
-constexpr char ArgumentLetter(UINT32) {
-    return 'u';
-}
-
 /// Records the text of `id`, formatted with `arguments`.
 template <typename... ARGUMENTS> void RecordLastError(STRING_ID id, ARGUMENTS... arguments) {
-    static constexpr char letters[] = {ArgumentLetter(ARGUMENTS{})..., 0};
-    SetLastError(GetFormat(id, letters), arguments...);
+    SetLastError(GetFormat(id, ARGUMENT_LETTERS<ARGUMENTS...>), arguments...);
 }
 
 } // namespace Frudata_Private

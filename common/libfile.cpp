@@ -17,19 +17,29 @@ constexpr bool IsLineEnd(char character) {
     return character == '\r' || character == '\n';
 }
 
+/// The first `character` from `text` on, or `end`.
+char* Find(char* text, char* end, char character) {
+    char* const found = static_cast<char*>(std::memchr(text, character, static_cast<std::size_t>(end - text)));
+    return found ? found : end;
+}
+
 /// Calls `visit(line, lineEnd, next)` for every line: its text, the CR or LF that ends it or the end of the text, and
 /// where the next line starts. The text is followed by a zero byte.
 template <typename VISITOR> void ForEachLine(char* line, char* end, VISITOR visit) {
+    // Most files have no CR, so that it is looked for once.
+    char* nextLF = Find(line, end, '\n');
+    char* nextCR = Find(line, end, '\r');
     while (line < end) {
-        char* lineEnd = line;
-        // The zero byte behind the text stops the search, so that most bytes take one comparison.
-        while (static_cast<UINT8>(*lineEnd) > '\r' || (!IsLineEnd(*lineEnd) && lineEnd < end))
-            ++lineEnd;
+        char* const lineEnd = std::min(nextLF, nextCR);
         char* next = lineEnd;
         if (next < end)
             next += IsLineEnd(next[1]) && next[1] != next[0] ? 2 : 1;
         visit(line, lineEnd, next);
         line = next;
+        if (nextLF < line)
+            nextLF = Find(line, end, '\n');
+        if (nextCR < line)
+            nextCR = Find(line, end, '\r');
     }
 }
 
@@ -99,8 +109,23 @@ UINT32 CFile::GetLineLength(UINT32 line) const {
     return m_Length[line];
 }
 
-bool CFile::LineContains(UINT32 line, const char* text) const {
+bool CFile::LineContains(UINT32 line, std::string_view text) const {
     return std::string_view(LineText(line)).find(text) != std::string_view::npos;
+}
+
+UINT32 CFile::FindLine(UINT32 line, std::string_view text) const {
+    const std::string_view all(m_Cache.get(), m_CacheSize);
+    for (const UINT32 lines = LineCount(); line < lines; ++line) {
+        const std::size_t place = all.find(text, m_Offset[line]);
+        if (place == std::string_view::npos)
+            break;
+        while (line + 1 < lines && m_Offset[line + 1] <= place)
+            ++line;
+        // A line ends at its first zero byte, although the file may have more of them.
+        if (place == m_Offset[line] || LineContains(line, text))
+            return line;
+    }
+    return m_NumLines;
 }
 
 bool CFile::FindDelimitedString(UINT32 line, char delimiter, std::string_view& found) const {
@@ -193,8 +218,13 @@ void CFile::StripRight() {
 }
 
 void CFile::Strip() {
-    for (UINT32 line = 0, lines = LineCount(); line < lines; ++line)
-        Strip(line);
+    for (UINT32 line = 0, lines = LineCount(); line < lines; ++line) {
+        const char* const text = &m_Cache[m_Offset[line]];
+        const UINT32 length = m_Length[line];
+        // Most lines neither start nor end with anything that could be stripped.
+        if (length > 0 && (text[0] <= ' ' || text[length - 1] <= ' '))
+            Strip(line);
+    }
 }
 
 } // namespace Frudata_Private

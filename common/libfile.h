@@ -34,10 +34,13 @@ class CFile {
     const char* GetLine(UINT32 line) const { return LineText(line); }
     UINT32 GetLineLength(UINT32 line) const;
     /// Whether `text` occurs in the line.
-    bool LineContains(UINT32 line, const char* text) const;
+    bool LineContains(UINT32 line, std::string_view text) const;
+    /// The first line from `line` on in which `text` occurs, or LineCount(). One search over all of them: a file has
+    /// many short lines.
+    UINT32 FindLine(UINT32 line, std::string_view text) const;
     /// The text between the first two delimiters of the line. @return false without them
     bool FindDelimitedString(UINT32 line, char delimiter, std::string_view& found) const;
-    /// A copy of the same, valid until the next call; null without delimiters or without memory.
+    /// The same as a copy, valid until the next call; null without delimiters or without memory.
     const char* GetDelimitedString(UINT32 line, char delimiter);
 
     // The reader strips whole files and looks into single lines; the rest is for hosts of the class.

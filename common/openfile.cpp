@@ -28,7 +28,7 @@ bool IsOpenedWanted(int descriptor, OPEN_ALSO also) {
         return false;
     if (S_ISREG(file.st_mode))
         return fstatfs(descriptor, &system) == 0 && system.f_type != SYSFS_MAGIC;
-    // Not to wait was for the opening only.
+    // O_NONBLOCK is for the opening only.
     return isatty(descriptor) != 0 && fcntl(descriptor, F_SETFL, 0) == 0;
 }
 
@@ -47,7 +47,7 @@ int FlagsOf(char mode) {
 
 SCOPED_FILE OpenFile(const char* path, char mode, OPEN_ALSO also) {
     struct stat file;
-    // To open some devices is to use them.
+    // Opening some devices, such as a watchdog, has an effect.
     if (stat(path, &file) == 0 && !IsKindWanted(file, also))
         return nullptr;
     const int descriptor = open(path, FlagsOf(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, NEW_FILE_RIGHTS);

@@ -15,8 +15,8 @@ enum OPEN_ALSO {
 };
 
 /// Opens the file at `path` to read ("r"), write ("w") or append ("a"), closed when the process starts another program.
-/// A directory, FIFO, socket or device is refused, and never waited for: the first two are no files, and the others
-/// may block or never end. So is a file of sysfs, which is shorter than its size. @return null when it is refused or
+/// A directory, FIFO, socket or device is refused without waiting: it holds no text, may block or may never end. So is
+/// a file of sysfs, which is shorter than its size. @return null when it is refused or
 /// cannot be opened
 SCOPED_FILE OpenFile(const char* path, char mode, OPEN_ALSO also = OPEN_NOTHING_ELSE);
 

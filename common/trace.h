@@ -56,4 +56,17 @@ class CTrace {
     const wchar_t* m_operation;
 };
 
+/// Begins the traces of the operations of one class, which the log calls by `className`.
+class CTraceSource {
+  public:
+    constexpr explicit CTraceSource(const wchar_t* className) : m_class(className) {}
+    CTrace operator()(const wchar_t* operation) const { return {m_class, operation}; }
+
+  private:
+    const wchar_t* m_class;
+};
+
+/// The operations of the table, and functions of no class.
+inline constexpr CTraceSource TraceFruData(L"FruData");
+
 } // namespace Frudata_Private

@@ -54,9 +54,8 @@ bool AddToList(OrderedList<CFru*>& list, std::unique_ptr<CFru>& fru) {
 void ReportLoaded() {
     const unsigned int frus = g_FruData->m_pSystemList->Count();
     const unsigned int locators = g_FruData->m_pLocatorList->Count();
-    WCHAR text[LOADED_TEXT_SIZE] = {};
-    if (const WCHAR* format = GetFormat(STRING_PROGRESS_LOADED, "uu"))
-        std::swprintf(text, LOADED_TEXT_SIZE, format, frus, locators);
+    WCHAR text[LOADED_TEXT_SIZE];
+    FormatText(text, LOADED_TEXT_SIZE, STRING_PROGRESS_LOADED, frus, locators);
     // Without a test: setting the callback first is the host's part.
     g_FruData->m_pfnProgress(PROGRESS_CALLBACK_LOAD, text, frus, locators);
 }

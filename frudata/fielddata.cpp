@@ -34,7 +34,7 @@ EFI_STATUS FailUnsupported(const COperation& operation) {
     return operation.Fail(L"Unsupported", STRING_UNSUPPORTED, FRU_STATUS_UNSUPPORTED);
 }
 
-// Compatibility: unlike everywhere else, a call before `Initialize` is recorded.
+// Compatibility: a message is recorded even before `Initialize`.
 EFI_STATUS RecordEarlyCall(EFI_STATUS status) {
     if (status == FRU_STATUS_NOT_INITIALIZED)
         RecordLastError(STRING_UNEXPECTED);

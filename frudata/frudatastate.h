@@ -54,7 +54,7 @@ class CFruData {
 /// Where the library stands between `Initialize` and `DeInitialize`.
 enum START_STATE {
     START_DOWN,   ///< nothing was started, or all was given back
-    START_FAILED, ///< a start came as far as its state, and no further: only another one helps
+    START_FAILED, ///< `Initialize` failed after it had made its state; only another one helps
     START_UP      ///< every operation but a few needs it
 };
 extern START_STATE g_startState;

@@ -27,9 +27,9 @@ enum FAILURE_ORDER {
 class COperation {
   public:
     explicit COperation(const WCHAR* name, FAILURE_ORDER order = RECORD_FIRST)
-        : m_trace(L"FruData", name), m_order(order) {}
+        : m_trace(TraceFruData(name)), m_order(order) {}
 
-    /// Checks the state. A failure but the first is traced and recorded.
+    /// Checks the state. Every failure except NOT_INITIALIZED is traced and recorded.
     /// @return 0, NOT_INITIALIZED, NOT_LOADED, NOT_SELECTED
     EFI_STATUS Check(OPERATION_NEED need) const;
     /// Traces and records a failure. @return `status`

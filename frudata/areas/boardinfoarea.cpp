@@ -99,20 +99,21 @@ std::unique_ptr<WCHAR[]> CBoardInfoArea::HeaderFieldText(const CTrace& trace) co
     const UINT8* date = &m_header[HEADER_MFG_DATE_TIME];
     const std::time_t seconds = (date[0] | date[1] << 8 | date[2] << 16) * 60 + MFG_DATE_TIME_ORIGIN;
     const std::tm* time = std::gmtime(&seconds);
+    const auto number = [](int value) { return static_cast<UINT32>(value); };
     if (!time) {
         trace.Fail(L"Invalid Timestamp");
         RecordLastError(STRING_INVALID_TIMESTAMP);
         return nullptr;
     }
-    const WCHAR* format = GetFormat(STRING_DATE_TIME_FORMAT, "uuuuuu");
-    if (!format)
+    if (!GetFormat(STRING_DATE_TIME_FORMAT, "uuuuuu"))
         return nullptr;
     std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(DATE_TIME_TEXT_SIZE);
     if (!text)
         RefuseNoMemory(trace);
     else
-        std::swprintf(text.get(), DATE_TIME_TEXT_SIZE, format, time->tm_mon + 1, time->tm_mday, time->tm_year + 1900,
-                      time->tm_hour, time->tm_min, time->tm_sec);
+        FormatText(text.get(), DATE_TIME_TEXT_SIZE, STRING_DATE_TIME_FORMAT, number(time->tm_mon + 1),
+                   number(time->tm_mday), number(time->tm_year + 1900), number(time->tm_hour), number(time->tm_min),
+                   number(time->tm_sec));
     return text;
 }
 

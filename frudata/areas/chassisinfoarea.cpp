@@ -1,10 +1,10 @@
 #include "frudata/areas/chassisinfoarea.h"
 
+#include "common/allocate.h"
 #include "common/assertion.h"
 #include "common/stringresource.h"
 
 #include <cwchar>
-#include <new>
 
 namespace Frudata_Private {
 
@@ -74,7 +74,7 @@ std::unique_ptr<WCHAR[]> CChassisInfoArea::HeaderFieldText(const CTrace&) const 
     if (!name)
         return nullptr;
     const std::size_t size = std::wcslen(name) + 1;
-    std::unique_ptr<WCHAR[]> text(new (std::nothrow) WCHAR[size]);
+    std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(size);
     if (text)
         std::wmemcpy(text.get(), name, size);
     return text;

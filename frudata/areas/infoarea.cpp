@@ -191,7 +191,7 @@ bool CInfoArea::GetFieldData(UINTN index, const UINT8*& data, UINTN& length) con
         field = m_custom.Find(index == fixedFields ? 0 : 1);
     data = field ? field->m_data : nullptr;
     length = field ? DecodeLength(field->m_typeLength) : 0;
-    return field ? trace.Exit(true) : false;
+    return field && trace.Exit(true);
 }
 
 bool CInfoArea::SetFieldData(UINTN index, const UINT8* data, UINTN length, FRU_FIELD_TYPE type) {

@@ -151,10 +151,10 @@ class CInfoArea : public CFruArea {
     CFruField m_fields[FIELD_CAPACITY];
 
   private:
-    bool ParseHeader(const UINT8* data, UINTN length);
-    bool ParseField(const UINT8* data, UINTN length, UINTN& index, CFruField& field);
-    bool ParseCustomField(const UINT8* data, UINTN length, UINTN& index);
-    bool ParseTail(const UINT8* data, UINTN length, UINTN index);
+    bool ParseHeader(std::span<const UINT8> image);
+    bool ParseField(std::span<const UINT8> image, UINTN& index, CFruField& field);
+    bool ParseCustomField(std::span<const UINT8> image, UINTN& index);
+    bool ParseTail(std::span<const UINT8> image, UINTN index);
     UINT8 Sum() const;
     UINTN NumberOfFields() const { return m_custom.GetCount() + static_cast<UINTN>(m_description.fields.size()); }
     UINTN AreaLength() const { return m_header[HEADER_LENGTH] * 8U; }

@@ -1,11 +1,11 @@
 #include "frudata/areas/internalusearea.h"
 
+#include "common/allocate.h"
 #include "common/assertion.h"
 #include "common/stringresource.h"
 #include "common/trace.h"
 
 #include <cstring>
-#include <new>
 
 namespace Frudata_Private {
 
@@ -13,9 +13,7 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "internalusearea.cpp";
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CInternalUseArea", operation};
-}
+constexpr CTraceSource Trace(L"CInternalUseArea");
 
 /// Writes bytes as two hexadecimal digits each, with a blank between two bytes.
 void WriteHexadecimal(const UINT8* data, UINTN length, WCHAR* text) {
@@ -82,7 +80,7 @@ const WCHAR* CInternalUseArea::GetFieldValueFromIndex(UINTN index) {
     const CTrace trace = Trace(L"GetFieldValueFromIndex");
     m_pValue.reset();
     if (index == 0) {
-        m_pValue.reset(new (std::nothrow) WCHAR[3 * m_length + 1]());
+        m_pValue = AllocateArray<WCHAR>(3 * m_length + 1);
         if (m_pValue)
             WriteHexadecimal(m_data, m_length, m_pValue.get());
     }

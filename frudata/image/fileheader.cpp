@@ -1,9 +1,9 @@
 #include "frudata/image/fileheader.h"
 
+#include "common/allocate.h"
 #include "common/assertion.h"
 
 #include <cstring>
-#include <new>
 
 namespace Frudata_Private {
 
@@ -11,7 +11,7 @@ bool CFileHeader::Store(const WCHAR* operation, std::unique_ptr<char[]>& value, 
     const CTrace trace(L"CFileHeader", operation);
     Assert(text != nullptr, "fileheader.cpp", "text");
     const std::size_t size = std::strlen(text) + 1;
-    value.reset(new (std::nothrow) char[size]);
+    value = AllocateArray<char>(size);
     if (!value)
         return false;
     std::memcpy(value.get(), text, size);

@@ -4,6 +4,7 @@
 #include "common/bytesum.h"
 #include "common/lasterror.h"
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 
@@ -155,12 +156,12 @@ EFI_STATUS CFru::DecodeMultiRecArea(const UINT8* data) {
     const CTrace trace = TraceOf(L"DecodeMultiRecArea");
     m_multiRecords.reset();
     CMultiRecordAppender records(m_multiRecords);
-    for (UINTN offset = 0; offset < m_multiRecLength;) {
+    for (std::span<const UINT8> rest(data, m_multiRecLength); !rest.empty();) {
         FRUMultiRecord* record = records.Append();
         if (!record)
             return FRU_STATUS_OUT_OF_MEMORY;
-        record->Decode(data + offset, m_multiRecLength - offset);
-        offset += MULTIRECORD_HEADER_LENGTH + record->length;
+        record->Decode(rest);
+        rest = rest.subspan(std::min<std::size_t>(rest.size(), MULTIRECORD_HEADER_LENGTH + record->length));
     }
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
@@ -203,14 +204,13 @@ const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* b
     if (!locator || !buffer || bufferBytes < SMALLEST_IDENTIFIER_BYTES)
         return L"";
     const std::size_t size = static_cast<std::size_t>(bufferBytes) / sizeof(WCHAR);
-    std::wmemset(buffer, 0, size);
     // A text that is too long is cut at the buffer's end.
-    if (locator->name)
+    if (locator->name) {
         std::wcsncpy(buffer, locator->name, size - 1);
-    else if (const WCHAR* format = GetFormat(STRING_FRU_IDENTIFIER, "uuuu"))
-        std::swprintf(buffer, size, format, UINT32{locator->deviceId}, UINT32{locator->controller},
-                      UINT32{locator->deviceAddress}, UINT32{locator->bus});
-    buffer[size - 1] = 0;
+        buffer[size - 1] = 0;
+    } else
+        FormatText(buffer, size, STRING_FRU_IDENTIFIER, UINT32{locator->deviceId}, UINT32{locator->controller},
+                   UINT32{locator->deviceAddress}, UINT32{locator->bus});
     return trace.Exit(static_cast<const WCHAR*>(buffer));
 }
 

@@ -29,8 +29,8 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
-    /// The trace of one of its operations.
-    static CTrace TraceOf(const WCHAR* operation) { return {L"CFru", operation}; }
+    /// Begins the trace of one of its operations.
+    static constexpr CTraceSource TraceOf{L"CFru"};
 
     // --- Image ------------------------------------------------------------------------------------
 
@@ -116,8 +116,8 @@ class CFru {
     /// @return 0, READ_FRU_ERROR, or a transport value
     static EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data);
     /// Writes the header, the board area and the modified areas to the device that the locator names, and
-    /// reports each step to what `progress` then is, unless it is null: the host may exchange its callback
-    /// meanwhile. Areas written before a failure stay written. @return 0, WRITE_SYSTEM_ERROR
+    /// reports each step to `progress`, which is read anew for each: a callback may exchange or clear it. Areas written
+    /// before a failure stay written. @return 0, WRITE_SYSTEM_ERROR
     EFI_STATUS WriteToSystem(const FRU_PROGRESS_CALLBACK& progress);
     /// Writes to the device, by the path that its BMC has. @return 0, WRITE_FRU_ERROR, or a transport value
     EFI_STATUS WriteFruData(UINT32 offset, UINT32 length, const UINT8* data);

@@ -9,9 +9,7 @@ namespace Frudata_Private {
 
 namespace {
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFruHeader", operation};
-}
+constexpr CTraceSource Trace(L"CFruHeader");
 
 } // namespace
 

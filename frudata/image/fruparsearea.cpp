@@ -13,27 +13,6 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "frureadfile.cpp";
 
-/// Collects the bytes of one block.
-class CAreaBlock {
-  public:
-    static constexpr UINTN SIZE = 512;
-
-    bool IsFull() const { return m_length == SIZE; }
-    UINTN GetLength() const { return m_length; }
-    UINT8* GetData() { return m_data; }
-    void Clear();
-
-    EFI_STATUS AddText(const char* text, UINTN length);
-    EFI_STATUS AddHexadecimal(const char* digits);
-    /// A byte's two digits stand on one line.
-    void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
-
-  private:
-    UINT8 m_data[SIZE];
-    UINTN m_length;
-    bool m_isHalf;
-};
-
 /// What a character of a hexadecimal line is: a digit's value, nothing, or out of place.
 constexpr UINT8 NO_DIGIT = 0x10;
 constexpr UINT8 OUT_OF_PLACE = 0x20;
@@ -50,16 +29,46 @@ constexpr auto CHARACTERS = [] {
     return values;
 }();
 
-constexpr UINT8 Look(const char* character) {
+constexpr unsigned Look(const char* character) {
     return CHARACTERS[static_cast<UINT8>(*character)];
 }
 
-/// The first character that does not belong on a hexadecimal line, or its end.
-const char* FirstStranger(const char* line) {
-    while (Look(line) != OUT_OF_PLACE)
+/// The next digit from `line` on, or the first character that is out of place.
+const char* NextDigit(const char* line) {
+    while (Look(line) == NO_DIGIT)
         ++line;
     return line;
 }
+
+/// A line read as hexadecimal digits.
+struct HEXADECIMAL_LINE {
+    const char* end; ///< the first character that is out of place, or the line's zero byte
+    UINTN length;    ///< of the block with the line's bytes; more than it holds where there is no room
+    bool isHalf;     ///< the last digit waits for its second
+};
+
+/// Collects the bytes of one block.
+class CAreaBlock {
+  public:
+    static constexpr UINTN SIZE = 512;
+
+    bool IsFull() const { return m_length == SIZE; }
+    UINTN GetLength() const { return m_length; }
+    UINT8* GetData() { return m_data; }
+    void Clear();
+
+    EFI_STATUS AddText(const char* text, UINTN length);
+    /// Puts the bytes of `line` behind those that are there. They do not count before they are added.
+    HEXADECIMAL_LINE ReadHexadecimal(const char* line);
+    EFI_STATUS AddHexadecimal(const HEXADECIMAL_LINE& line);
+    /// A byte's two digits stand on one line.
+    void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
+
+  private:
+    UINT8 m_data[SIZE];
+    UINTN m_length;
+    bool m_isHalf;
+};
 
 void CAreaBlock::Clear() {
     std::memset(m_data, 0, SIZE);
@@ -75,40 +84,46 @@ EFI_STATUS CAreaBlock::AddText(const char* text, UINTN length) {
     return FRU_STATUS_SUCCESS;
 }
 
-EFI_STATUS CAreaBlock::AddHexadecimal(const char* digits) {
-    AssertWholeByte();
-    UINT8* end = m_data + m_length;
-    unsigned high = NO_DIGIT; // the digit that waits for its second
-    for (unsigned value = Look(digits); value != OUT_OF_PLACE; value = Look(++digits)) {
-        if (value == NO_DIGIT)
-            continue;
-        if (high == NO_DIGIT) {
-            high = value;
-            continue;
-        }
-        if (end == m_data + SIZE)
-            return FRU_STATUS_AREA_TOO_BIG;
-        *end++ = static_cast<UINT8>(high << 4 | value);
-        high = NO_DIGIT;
+HEXADECIMAL_LINE CAreaBlock::ReadHexadecimal(const char* line) {
+    UINTN length = m_length;
+    for (;; ++line) {
+        line = NextDigit(line);
+        const unsigned high = Look(line);
+        if (high == OUT_OF_PLACE)
+            return {line, length, false};
+        line = NextDigit(line + 1);
+        const unsigned low = Look(line);
+        if (low == OUT_OF_PLACE)
+            return {line, length, true};
+        if (length < SIZE)
+            m_data[length] = static_cast<UINT8>(high << 4 | low);
+        ++length;
     }
-    m_length = static_cast<UINTN>(end - m_data);
-    m_isHalf = high != NO_DIGIT;
-    return *digits == 0 ? EFI_STATUS{FRU_STATUS_SUCCESS} : FRU_STATUS_UNEXPECTED_CHARACTER;
+}
+
+EFI_STATUS CAreaBlock::AddHexadecimal(const HEXADECIMAL_LINE& line) {
+    AssertWholeByte();
+    if (line.length > SIZE)
+        return FRU_STATUS_AREA_TOO_BIG;
+    m_length = line.length;
+    m_isHalf = line.isHalf;
+    return *line.end == 0 ? EFI_STATUS{FRU_STATUS_SUCCESS} : FRU_STATUS_UNEXPECTED_CHARACTER;
 }
 
 /// Adds one line. @return false when the line ends the block
-bool AddLine(const char* line, CAreaBlock& block, EFI_STATUS& status) {
+bool AddLine(const char* text, CAreaBlock& block, EFI_STATUS& status) {
     status = FRU_STATUS_SUCCESS;
-    if (*line == 0)
+    if (*text == 0)
         return true;
-    if (*FirstStranger(line) != 0) {
-        const char* first = std::strchr(line, FRU_SINGLE_QUOTE);
+    const HEXADECIMAL_LINE line = block.ReadHexadecimal(text);
+    if (*line.end != 0) {
+        const char* first = std::strchr(line.end, FRU_SINGLE_QUOTE);
         const char* second = first ? std::strchr(first + 1, FRU_SINGLE_QUOTE) : nullptr;
         if (second) {
             status = block.AddText(first + 1, static_cast<UINTN>(second - first - 1));
             return true;
         }
-        if (std::strstr(line, FRU_CLOSE_PAREN) || std::strstr(line, FRU_AREA_TAG_PREFIX))
+        if (std::strstr(line.end, FRU_CLOSE_PAREN) || std::strstr(line.end, FRU_AREA_TAG_PREFIX))
             return false;
     }
     status = block.AddHexadecimal(line);
@@ -134,7 +149,7 @@ EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8
             return trace.Fail(L"Unexpected Character", status);
     }
     g_areaBlock.AssertWholeByte();
-    // An area may be one byte short of the buffer: one that fills it could have been cut.
+    // A full buffer may mean truncation: the limit is SIZE - 1.
     Assert(!g_areaBlock.IsFull(), SOURCE_FILE, "index != 512");
     data = g_areaBlock.GetData();
     length = g_areaBlock.GetLength();

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <type_traits>
 
 namespace Frudata_Private {
@@ -51,7 +52,7 @@ class CFruFileReader;
 
 /// What one state waits for, and what it does with it.
 struct READ_STEP {
-    const char* key; ///< the line must hold it
+    std::string_view key; ///< the line must hold it
     READ_STATE (CFruFileReader::*read)(const READ_STEP& step);
     READ_STATE next;
     STRING_ID name;                  ///< what an error message calls the value or area
@@ -82,6 +83,9 @@ class CFruFileReader {
     template <auto STORE> READ_STATE ReadArea(const READ_STEP& step);
 
   private:
+    /// Moves to the next line with the key of `step`, or of the following one where that comes first and `step` is
+    /// optional; behind the last line where there is none. @return the step whose key the line has
+    const READ_STEP* FindNext(const READ_STEP* step);
     bool ScanNumber(const READ_STEP& step, std::int64_t& number) const;
     READ_STATE RefuseValue(const READ_STEP& step, STRING_ID name) const;
     READ_STATE NextArea(READ_STATE areaRead) const;
@@ -189,14 +193,25 @@ static_assert(std::size(STEPS) == READ_DONE);
 READ_STATE CFruFileReader::Run() {
     READ_STATE state = READ_START;
     const UINT32 lines = m_file.LineCount();
-    for (m_line = 0; m_line < lines && state < READ_DONE; ++m_line) {
-        const READ_STEP* step = &STEPS[state];
-        if (step->isOptional && !m_file.LineContains(m_line, step->key))
-            ++step;
-        if (m_file.LineContains(m_line, step->key))
-            state = (this->*step->read)(*step);
+    for (m_line = 0; state < READ_DONE; ++m_line) {
+        const READ_STEP* step = FindNext(&STEPS[state]);
+        if (m_line == lines)
+            break;
+        state = (this->*step->read)(*step);
     }
     return state;
+}
+
+const READ_STEP* CFruFileReader::FindNext(const READ_STEP* step) {
+    const UINT32 start = m_line;
+    m_line = m_file.FindLine(start, step->key);
+    if (!step->isOptional)
+        return step;
+    const UINT32 following = m_file.FindLine(start, step[1].key);
+    if (m_line <= following)
+        return step;
+    m_line = following;
+    return step + 1;
 }
 
 READ_STATE CFruFileReader::RefuseValue(const READ_STEP& step, STRING_ID name) const {
@@ -254,10 +269,9 @@ READ_STATE CFruFileReader::ReadType(const READ_STEP& step) {
 
 bool CFruFileReader::ScanNumber(const READ_STEP& step, std::int64_t& number) const {
     const char* line = m_file.GetLine(m_line);
-    const std::size_t keyLength = std::strlen(step.key);
-    if (std::strncmp(line, step.key, keyLength) != 0)
+    if (!std::string_view(line).starts_with(step.key))
         return false;
-    const char* digits = line + keyLength;
+    const char* digits = line + step.key.size();
     char* end = nullptr;
     number = std::strtoll(digits, &end, 16);
     return end != digits;
@@ -276,7 +290,7 @@ template <auto STORE> READ_STATE CFruFileReader::ReadNumber(const READ_STEP& ste
 template <auto STORE> READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
     UINT8* data = nullptr;
     UINTN length = 0;
-    const EFI_STATUS status = CFru::ParseArea(step.key, m_file, m_line, data, length);
+    const EFI_STATUS status = CFru::ParseArea(step.key.data(), m_file, m_line, data, length);
     if (status != FRU_STATUS_SUCCESS) {
         m_trace.Fail(L"Area Parse Error");
         CFru::SetParseAreaErrorMessage(status, GetText(step.name), m_filename);

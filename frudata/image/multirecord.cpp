@@ -17,16 +17,17 @@ FRUMultiRecord::~FRUMultiRecord() {
     }
 }
 
-void FRUMultiRecord::Decode(const UINT8* bytes, UINTN available) {
+void FRUMultiRecord::Decode(std::span<const UINT8> bytes) {
     UINT8 header[MULTIRECORD_HEADER_LENGTH] = {};
-    const UINTN headerLength = std::min(available, MULTIRECORD_HEADER_LENGTH);
-    std::memcpy(header, bytes, headerLength);
+    const std::size_t headerLength = std::min<std::size_t>(bytes.size(), MULTIRECORD_HEADER_LENGTH);
+    std::copy_n(bytes.begin(), headerLength, header);
+    bytes = bytes.subspan(headerLength);
     typeId = header[0];
     format = header[1];
     length = header[2];
     recordChecksum = header[3];
     headerChecksum = header[4];
-    std::memcpy(data, bytes + headerLength, std::min<UINTN>(available - headerLength, length));
+    std::copy_n(bytes.begin(), std::min<std::size_t>(bytes.size(), length), data);
 }
 
 void FRUMultiRecord::EncodeHeader(UINT8* bytes) const {

@@ -4,6 +4,7 @@
 #include "frudata/types.h"
 
 #include <memory>
+#include <span>
 
 namespace Frudata_Private {
 
@@ -31,9 +32,8 @@ struct FRUMultiRecord {
     /// Has no effect.
     static void Create() {}
 
-    /// Takes the header and data from `bytes`, of which `available` are there; what is missing is zero and
-    /// shows in the checksum.
-    void Decode(const UINT8* bytes, UINTN available);
+    /// Takes the header and data from the start of `bytes`; what is missing there is zero and shows in the checksum.
+    void Decode(std::span<const UINT8> bytes);
     /// Writes the five header bytes.
     void EncodeHeader(UINT8* bytes) const;
     /// Whether header and data each sum to 0 modulo 256.

@@ -21,10 +21,6 @@ constexpr int CHUNK_STEP = 4;
 /// The DS1624's access-memory command takes the place of the high offset byte.
 constexpr UINT8 DS1624_ACCESS_MEMORY = 0x17;
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFru", operation};
-}
-
 UINT8 LowByte(UINT32 offset) {
     return static_cast<UINT8>(offset);
 }
@@ -115,7 +111,7 @@ EFI_STATUS LockFlash(const FRU_LOCATOR&) {
 } // namespace
 
 EFI_STATUS CFru::ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length) {
-    const CTrace trace = Trace(L"ReadFruDataFromBmc");
+    const CTrace trace = TraceOf(L"ReadFruDataFromBmc");
     int remaining = length;
     length = 0;
     if (locator.type == FRU_TYPE_NONE)
@@ -149,19 +145,19 @@ EFI_STATUS CFru::ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, U
 }
 
 EFI_STATUS CFru::ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data) {
-    const CTrace trace = Trace(L"ReadDataFromFRU");
+    const CTrace trace = TraceOf(L"ReadDataFromFRU");
     Assert(locator != nullptr, SOURCE_FILE, "locator");
     Assert(data != nullptr, SOURCE_FILE, "data");
     const EFI_STATUS status = ReadFruDataFromBmc(*locator, offset, data, length);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
-    const CTrace trace = Trace(L"WriteFruDataToBmc");
+    const CTrace trace = TraceOf(L"WriteFruDataToBmc");
     const EFI_STATUS status = WriteChunks(locator, locator.type == FRU_TYPE_IMBDEVICE, offset, data, length);
     if (status == FRU_STATUS_WRITE_FRU_ERROR)
         trace.Fail(L"Error Writing FRU");
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
@@ -174,15 +170,15 @@ EFI_STATUS CFru::WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, c
 }
 
 EFI_STATUS CFru::WriteFruData(UINT32 offset, UINT32 length, const UINT8* data) {
-    const CTrace trace = Trace(L"WriteFruData");
+    const CTrace trace = TraceOf(L"WriteFruData");
     const bool isMbmc = g_BMCType != BMC_TYPE_BMC && g_fdPlatform == FRU_PLATFORM_MBMC;
     const EFI_STATUS status = isMbmc ? WriteFruDataTomBmc(m_locator, offset, data, length)
                                      : WriteFruDataToBmc(m_locator, offset, data, length);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 void CFru::Sleep(unsigned int seconds) {
-    const CTrace trace = Trace(L"Sleep");
+    const CTrace trace = TraceOf(L"Sleep");
     sleep(seconds);
     trace.Exit();
 }

@@ -1,11 +1,11 @@
 #include "frudata/system/fruproperties.h"
 
+#include "common/allocate.h"
 #include "common/stringresource.h"
 #include "common/trace.h"
 #include "frudata/system/messages.h"
 
 #include <cwchar>
-#include <new>
 
 namespace Frudata_Private {
 
@@ -13,16 +13,10 @@ namespace {
 
 constexpr std::size_t COUNT_TEXT_SIZE = 8;
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFruProperties", operation};
-}
-
-CTrace TraceFruData(const WCHAR* operation) {
-    return {L"FruData", operation};
-}
+constexpr CTraceSource Trace(L"CFruProperties");
 
 std::unique_ptr<WCHAR[]> CountText(int count) {
-    std::unique_ptr<WCHAR[]> text(new (std::nothrow) WCHAR[COUNT_TEXT_SIZE]());
+    std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(COUNT_TEXT_SIZE);
     if (text)
         std::swprintf(text.get(), COUNT_TEXT_SIZE, L"%i", count);
     return text;
@@ -91,7 +85,7 @@ void CFruProperties::SetIpmiVersionString(const WCHAR* text) {
     if (!text)
         return trace.Exit();
     const std::size_t size = std::wcslen(text) + 1;
-    m_ipmiVersionString.reset(new (std::nothrow) WCHAR[size]);
+    m_ipmiVersionString = AllocateArray<WCHAR>(size);
     if (m_ipmiVersionString)
         std::wmemcpy(m_ipmiVersionString.get(), text, size);
     trace.Exit();

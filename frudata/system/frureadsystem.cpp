@@ -18,10 +18,6 @@ constexpr UINT16 MULTIRECORD_BUFFER = 915;
 /// Offsets on a device have 16 bits.
 constexpr UINTN LAST_OFFSET = 0xFFFF;
 
-CTrace Trace(const WCHAR* operation) {
-    return {L"CFru", operation};
-}
-
 /// Records a message about the FRU at `locator`.
 void RecordFruError(STRING_ID message, const FRU_LOCATOR* locator) {
     WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
@@ -35,7 +31,7 @@ void AssertLocator(const FRU_LOCATOR* locator) {
 } // namespace
 
 EFI_STATUS CFru::LoadFromSystem(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"LoadFromSystem");
+    const CTrace trace = TraceOf(L"LoadFromSystem");
     AssertLocator(locator);
     m_locator.deviceAddress = locator->deviceAddress;
     m_locator.bus = locator->bus;
@@ -47,7 +43,7 @@ EFI_STATUS CFru::LoadFromSystem(const FRU_LOCATOR* locator) {
     m_locator.mbmcSizeData = locator->mbmcSizeData;
     m_locator.SetName(locator->name);
     const EFI_STATUS status = ReadFruFromSystem(locator);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::ReadFruFromSystem(const FRU_LOCATOR* locator) {
@@ -59,7 +55,7 @@ EFI_STATUS CFru::ReadFruFromSystem(const FRU_LOCATOR* locator) {
         {FRU_HEADER_CHASSIS, &CFru::GetChassisArea},      {FRU_HEADER_INTERNAL_USE, &CFru::GetInternalArea},
         {FRU_HEADER_MULTIRECORD, &CFru::GetMultiRecArea},
     };
-    const CTrace trace = Trace(L"ReadFruFromSystem");
+    const CTrace trace = TraceOf(L"ReadFruFromSystem");
     AssertLocator(locator);
     EFI_STATUS status = GetCommonHeader(locator);
     for (const auto& row : AREAS) {
@@ -68,11 +64,11 @@ EFI_STATUS CFru::ReadFruFromSystem(const FRU_LOCATOR* locator) {
         if (m_header.Has(row.area))
             status = (this->*row.read)(locator);
     }
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
-    const CTrace trace = Trace(L"ReadFRUHeader");
+    const CTrace trace = TraceOf(L"ReadFRUHeader");
     AssertLocator(locator);
     Assert(data != nullptr, SOURCE_FILE, "data");
     const EFI_STATUS status = ReadDataFromFRU(locator, 0, CFruHeader::FRU_HEADER_LENGTH, data);
@@ -84,7 +80,7 @@ EFI_STATUS CFru::ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
 }
 
 EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetCommonHeader");
+    const CTrace trace = TraceOf(L"GetCommonHeader");
     UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
     const EFI_STATUS status = ReadFRUHeader(locator, header);
     if (status != FRU_STATUS_SUCCESS)
@@ -105,7 +101,7 @@ EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
 
 EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
                                    UINT16& length) {
-    const CTrace trace = Trace(L"GetTypeLengthArea");
+    const CTrace trace = TraceOf(L"GetTypeLengthArea");
     AssertLocator(locator);
     const auto start = static_cast<UINT16>(offset * 8);
     UINT8 areaStart[2] = {};
@@ -117,7 +113,7 @@ EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UI
     if (length > capacity)
         return trace.Exit(FRU_STATUS_SUCCESS);
     status = ReadDataFromFRU(locator, start, length, buffer);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 /// An info area on the device, and what is said of a failure.
@@ -133,7 +129,7 @@ struct CFru::DEVICE_AREA {
 };
 
 EFI_STATUS CFru::ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row) {
-    const CTrace trace = Trace(row.operation);
+    const CTrace trace = TraceOf(row.operation);
     UINT8 buffer[AREA_BUFFER];
     UINT16 length = 0;
     const EFI_STATUS status = GetTypeLengthArea(locator, buffer, row.room, m_header[row.place], length);
@@ -165,14 +161,14 @@ EFI_STATUS CFru::GetProductArea(const FRU_LOCATOR* locator) {
 }
 
 EFI_STATUS CFru::GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length) {
-    const CTrace trace = Trace(L"GetFRUInternalData");
+    const CTrace trace = TraceOf(L"GetFRUInternalData");
     AssertLocator(locator);
     const EFI_STATUS status = ReadDataFromFRU(locator, static_cast<UINT16>(offset * 8), length, buffer);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetInternalArea");
+    const CTrace trace = TraceOf(L"GetInternalArea");
     AssertLocator(locator);
     // The area has no length of its own: it ends where the first area behind it in the header starts.
     // Compatibility: first in the header's order, not on the device.
@@ -193,19 +189,19 @@ EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
 }
 
 EFI_STATUS CFru::GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length) {
-    const CTrace trace = Trace(L"GetMultiRecLength");
+    const CTrace trace = TraceOf(L"GetMultiRecLength");
     AssertLocator(locator);
     UINT8 recordStart[3] = {};
     const EFI_STATUS status = ReadDataFromFRU(locator, offset, sizeof recordStart, recordStart);
     length = recordStart[2];
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer) {
-    const CTrace trace = Trace(L"ReadMultiRecord");
+    const CTrace trace = TraceOf(L"ReadMultiRecord");
     AssertLocator(locator);
     const EFI_STATUS status = ReadDataFromFRU(locator, offset, count, buffer);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS CFru::ReadMultiRecords(const FRU_LOCATOR* locator) {
@@ -228,7 +224,7 @@ EFI_STATUS CFru::ReadMultiRecords(const FRU_LOCATOR* locator) {
         FRUMultiRecord* record = records.Append();
         if (!record)
             return FRU_STATUS_OUT_OF_MEMORY;
-        record->Decode(buffer, count);
+        record->Decode({buffer, count});
         offset += count;
         isLast = (record->format & MULTIRECORD_END_OF_LIST) != 0;
     }
@@ -237,7 +233,7 @@ EFI_STATUS CFru::ReadMultiRecords(const FRU_LOCATOR* locator) {
 }
 
 EFI_STATUS CFru::GetMultiRecArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = Trace(L"GetMultiRecArea");
+    const CTrace trace = TraceOf(L"GetMultiRecArea");
     const EFI_STATUS status = ReadMultiRecords(locator);
     if (status == FRU_STATUS_OUT_OF_MEMORY) {
         trace.Fail(L"FRU Error Allocation");

@@ -4,8 +4,6 @@
 #include "frudata/image/fru.h"
 #include "frudata/system/frudevice.h"
 
-#include <cwchar>
-
 namespace Frudata_Private {
 
 namespace {
@@ -59,16 +57,11 @@ class CFruWriter {
 
 /// Tells the host which FRU is being written, by its address whatever its name.
 void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
-    WCHAR address[ADDRESS_TEXT_SIZE] = {};
-    WCHAR text[WRITING_TEXT_SIZE] = {};
-    const WCHAR* addressFormat = GetFormat(STRING_FRU_IDENTIFIER, "uuuu");
-    const WCHAR* textFormat = GetFormat(STRING_PROGRESS_WRITING_FRU, "w");
-    if (addressFormat)
-        std::swprintf(address, ADDRESS_TEXT_SIZE, addressFormat, static_cast<unsigned>(locator.deviceId),
-                      static_cast<unsigned>(locator.controller), static_cast<unsigned>(locator.deviceAddress),
-                      static_cast<unsigned>(locator.bus));
-    if (textFormat)
-        std::swprintf(text, WRITING_TEXT_SIZE, textFormat, address);
+    WCHAR address[ADDRESS_TEXT_SIZE];
+    WCHAR text[WRITING_TEXT_SIZE];
+    FormatText(address, ADDRESS_TEXT_SIZE, STRING_FRU_IDENTIFIER, UINT32{locator.deviceId}, UINT32{locator.controller},
+               UINT32{locator.deviceAddress}, UINT32{locator.bus});
+    FormatText(text, WRITING_TEXT_SIZE, STRING_PROGRESS_WRITING_FRU, static_cast<const WCHAR*>(address));
     writer.Report(text);
 }
 
@@ -98,7 +91,7 @@ bool CFru::WriteAreas(const FRU_PROGRESS_CALLBACK& progress) {
 }
 
 EFI_STATUS CFru::WriteToSystem(const FRU_PROGRESS_CALLBACK& progress) {
-    const CTrace trace(L"CFru", L"WriteToSystem");
+    const CTrace trace = TraceOf(L"WriteToSystem");
     GetBmcType(&g_BMCType);
     if (WriteAreas(progress))
         return trace.Exit(FRU_STATUS_SUCCESS);

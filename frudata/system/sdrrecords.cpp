@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace Frudata_Private {
 
@@ -39,8 +40,21 @@ template <typename RECORD> EFI_STATUS DecodeCommon(const CTrace& trace, std::spa
 
 } // namespace
 
+EFI_STATUS SDR_MEM_Free(SDR_TYPE& sdr) {
+    const CTrace trace = TraceFruData(L"SDR_MEM_Free");
+    if (std::exchange(sdr.typeCount[SDR_INDEX_FRU_LOCATOR], 0U) != 0) {
+        sdr.fruLocators.reset();
+        sdr.fruCapacity = 0;
+    }
+    if (std::exchange(sdr.typeCount[SDR_INDEX_MC_LOCATOR], 0U) != 0) {
+        sdr.mcLocators.reset();
+        sdr.mcCapacity = 0;
+    }
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
 EFI_STATUS DecodeHeader(std::span<const UINT8> raw, RECHDR& header) {
-    const CTrace trace(L"FruData", L"DecodeHeader");
+    const CTrace trace = TraceFruData(L"DecodeHeader");
     if (raw.size() < SDR_HEADER_LENGTH || raw[4] < SMALLEST_RECORD_LENGTH)
         return trace.Fail(L"Bad SDR Header Length", FRU_STATUS_SDR_BAD_HEADER_LENGTH);
     if (raw[2] != SDR_VERSION)
@@ -53,7 +67,7 @@ EFI_STATUS DecodeHeader(std::span<const UINT8> raw, RECHDR& header) {
 }
 
 EFI_STATUS DecodeSDRType11V15(std::span<const UINT8> raw, TYPE11V15& record) {
-    const CTrace trace(L"FruData", L"DecodeSDRType11V15");
+    const CTrace trace = TraceFruData(L"DecodeSDRType11V15");
     const EFI_STATUS status = DecodeCommon(trace, raw, record);
     if (status != FRU_STATUS_SUCCESS)
         return status;
@@ -74,7 +88,7 @@ EFI_STATUS DecodeSDRType11V15(std::span<const UINT8> raw, TYPE11V15& record) {
 }
 
 EFI_STATUS DecodeSDRType12V15(std::span<const UINT8> raw, TYPE12V15& record) {
-    const CTrace trace(L"FruData", L"DecodeSDRType12V15");
+    const CTrace trace = TraceFruData(L"DecodeSDRType12V15");
     const EFI_STATUS status = DecodeCommon(trace, raw, record);
     if (status != FRU_STATUS_SUCCESS)
         return status;

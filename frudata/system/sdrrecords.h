@@ -93,6 +93,10 @@ struct SDR_TYPE {
     UINT32 mcCapacity = 0;  ///< room in mcLocators
 };
 
+/// Releases the arrays that hold a record. For hosts of the scan's state: the library does not call it, and the next
+/// scan releases what the last one left. @return 0
+EFI_STATUS SDR_MEM_Free(SDR_TYPE& sdr);
+
 /// Decode a record's header. `raw` is the record as read, whatever its length byte says.
 /// @return 0, SDR_BAD_HEADER_LENGTH, SDR_BAD_VERSION
 EFI_STATUS DecodeHeader(std::span<const UINT8> raw, RECHDR& header);

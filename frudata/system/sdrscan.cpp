@@ -2,6 +2,7 @@
 // turns those into a host's list.
 #include "frudata/sdrscan.h"
 
+#include "common/allocate.h"
 #include "common/trace.h"
 #include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
@@ -27,10 +28,6 @@ constexpr UINT8 DEVICE_TYPE_DS1624 = 0x02;
 constexpr UINT8 DEVICE_TYPE_FRU_COMMANDS = 0x10;
 
 SDR_TYPE gSDR_Types;
-
-CTrace Trace(const WCHAR* operation) {
-    return {L"FruData", operation};
-}
 
 /// Sends ReqMsg. @return whether an answer came with completion code 0
 bool Exchange() {
@@ -75,7 +72,7 @@ class CAskedRecords {
 
 template <typename RECORD> bool AllocateRecords(std::unique_ptr<RECORD[]>& records, UINT32 count, UINT32& capacity) {
     if (count > 0)
-        records.reset(new (std::nothrow) RECORD[count]());
+        records = AllocateArray<RECORD>(count);
     capacity = records ? count : 0;
     return capacity == count;
 }
@@ -85,14 +82,14 @@ UINT32 InitSDRStruct(SDR_TYPE& sdr) {
         0x01, 0x02, 0x08, 0x09, 0x10, SDR_TYPE_FRU_LOCATOR, SDR_TYPE_MC_LOCATOR, 0x13, 0x14, 0xC0};
     static_assert(SUPPORTED[SDR_INDEX_FRU_LOCATOR] == SDR_TYPE_FRU_LOCATOR);
     static_assert(SUPPORTED[SDR_INDEX_MC_LOCATOR] == SDR_TYPE_MC_LOCATOR);
-    const CTrace trace = Trace(L"InitSDRStruct");
+    const CTrace trace = TraceFruData(L"InitSDRStruct");
     sdr = {};
     std::copy(std::begin(SUPPORTED), std::end(SUPPORTED), sdr.supportedTypes);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
 EFI_STATUS CountIPMI15SDRTypes(UINT32* counters, const UINT8* supportedTypes, UINT32& recordCount) {
-    const CTrace trace = Trace(L"CountIPMI15SDRTypes");
+    const CTrace trace = TraceFruData(L"CountIPMI15SDRTypes");
     std::fill_n(counters, SDR_SUPPORTED_TYPES, 0U);
     recordCount = 0;
     CAskedRecords asked;
@@ -113,7 +110,7 @@ EFI_STATUS CountIPMI15SDRTypes(UINT32* counters, const UINT8* supportedTypes, UI
 }
 
 EFI_STATUS SDR_MEM_Alloc(SDR_TYPE& sdr, const UINT32* counters) {
-    const CTrace trace = Trace(L"SDR_MEM_Alloc");
+    const CTrace trace = TraceFruData(L"SDR_MEM_Alloc");
     if (!AllocateRecords(sdr.fruLocators, counters[SDR_INDEX_FRU_LOCATOR], sdr.fruCapacity) ||
         !AllocateRecords(sdr.mcLocators, counters[SDR_INDEX_MC_LOCATOR], sdr.mcCapacity))
         return FRU_STATUS_MEMORY_ALLOCATION_ERROR;
@@ -122,7 +119,7 @@ EFI_STATUS SDR_MEM_Alloc(SDR_TYPE& sdr, const UINT32* counters) {
 
 /// Reads the record `id`; `id` becomes the next record's. `room` becomes the part of itself that the record fills.
 EFI_STATUS ReadRecFromBMC(std::span<UINT8>& room, UINT32& id) {
-    const CTrace trace = Trace(L"ReadRecFromBMC");
+    const CTrace trace = TraceFruData(L"ReadRecFromBMC");
     if (!Reserve())
         return trace.Fail(L"Error Reserving SDR", FRU_STATUS_SDR_RESERVE_ERROR);
     if (RespMsg->dataLength != 2)
@@ -164,7 +161,7 @@ template <typename RECORD> EFI_STATUS DecodeInto(const CTrace& trace, std::uniqu
 }
 
 EFI_STATUS DecodeSDR(std::span<const UINT8> raw, SDR_TYPE& sdr) {
-    const CTrace trace = Trace(L"DecodeSDR");
+    const CTrace trace = TraceFruData(L"DecodeSDR");
     EFI_STATUS status = FRU_STATUS_SUCCESS;
     const UINT8 type = raw[3];
     if (type == SDR_TYPE_FRU_LOCATOR)
@@ -176,11 +173,11 @@ EFI_STATUS DecodeSDR(std::span<const UINT8> raw, SDR_TYPE& sdr) {
     else if (std::find(std::begin(sdr.supportedTypes), std::end(sdr.supportedTypes), type) ==
              std::end(sdr.supportedTypes))
         return trace.Fail(L"Unsupported SDR", FRU_STATUS_SDR_UNSUPPORTED);
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 EFI_STATUS GetAllSDRRecs(SDR_TYPE& sdr) {
-    const CTrace trace = Trace(L"GetAllSDRRecs");
+    const CTrace trace = TraceFruData(L"GetAllSDRRecs");
     UINT32 counters[SDR_SUPPORTED_TYPES];
     if (CountIPMI15SDRTypes(counters, sdr.supportedTypes, sdr.recordCount) != FRU_STATUS_SUCCESS)
         return trace.Fail(L"Error Reading SDR", FRU_STATUS_SDR_READ_ERROR);
@@ -198,7 +195,7 @@ EFI_STATUS GetAllSDRRecs(SDR_TYPE& sdr) {
         if (status == FRU_STATUS_SUCCESS)
             sdr.totalBytes = static_cast<UINT16>(sdr.totalBytes + record[4] + SDR_HEADER_LENGTH);
     }
-    return status == FRU_STATUS_SUCCESS ? trace.Exit(status) : status;
+    return trace.End(status);
 }
 
 FRU_TYPE AccessType(UINT8 deviceType) {
@@ -237,7 +234,7 @@ template <typename RECORD> void AppendLocators(const RECORD* records, UINT32 cou
 }
 
 EFI_STATUS CreateLocatorList(const SDR_TYPE& sdr, OrderedList<FRU_LOCATOR*>& list) {
-    const CTrace trace = Trace(L"CreateLocatorList");
+    const CTrace trace = TraceFruData(L"CreateLocatorList");
     AppendLocators(sdr.fruLocators.get(), sdr.typeCount[SDR_INDEX_FRU_LOCATOR], list);
     AppendLocators(sdr.mcLocators.get(), sdr.typeCount[SDR_INDEX_MC_LOCATOR], list);
     return trace.Exit(FRU_STATUS_SUCCESS);
@@ -249,7 +246,7 @@ EFI_STATUS CreateLocatorList(const SDR_TYPE& sdr, OrderedList<FRU_LOCATOR*>& lis
 
 EFI_STATUS ScanSystemForFruLocators(OrderedList<FRU_LOCATOR*>*& list) {
     using namespace Frudata_Private;
-    const CTrace trace = Trace(L"ScanSystemForFruLocators");
+    const CTrace trace = TraceFruData(L"ScanSystemForFruLocators");
     if (!list || !ReqMsg || !RespMsg)
         return FRU_STATUS_SUCCESS;
     InitSDRStruct(gSDR_Types);

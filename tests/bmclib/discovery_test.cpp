@@ -3,11 +3,11 @@
 #include "frudata/debug.h"
 #include "frudata/frudata.h"
 #include "kcsmodel.h"
+#include "tests/support/physicalmemory.h"
 
 #include <cstring>
 #include <cwchar>
 #include <gtest/gtest.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -19,21 +19,15 @@ constexpr UINT32 TABLE_ADDRESS = 0xFFFF1F0E;
 // The memories are exactly as long as a mapping, so that the address sanitizer sees a read behind it.
 BYTES g_firmware(MAPPING);
 BYTES g_table(MAPPING);
-int g_descriptor = MEMORY_DESCRIPTOR;
 int g_imbLength = 0; // of the IMB driver's answers; 0: no driver
 BYTES g_unreported;  // what the IMB driver's next answer has behind its length
 
 } // namespace
 
 extern "C" {
-// Under the names that 64-bit file offsets give them.
-int HostOpen(const char* path, int flags, ...) __asm__("open64");
+// Under the name that 64-bit file offsets give it.
 void* HostMap(void* hint, size_t size, int protection, int flags, int descriptor, long long offset) __asm__("mmap64");
 
-int HostOpen(const char* path, int flags, ...) {
-    return std::strcmp(path, "/dev/mem") == 0 ? g_descriptor
-                                              : static_cast<int>(syscall(SYS_openat, -100, path, flags, 0600));
-}
 void* HostMap(void*, size_t size, int, int, int descriptor, long long offset) {
     const bool isMemory = descriptor == (MEMORY_DESCRIPTOR & 0xFF) && size == MAPPING;
     if (isMemory && offset == 0xF0000)
@@ -145,6 +139,7 @@ TEST(DebugOutput, PrintBuffer) {
 }
 
 TEST(Discovery, PathsToTheBmc) {
+    Frudata_Tests::g_memoryDescriptor = MEMORY_DESCRIPTOR;
     const FIRMWARE rows[] = {
         {NOT_FOUND, MAPPING, 0, {}},                          // no entry point
         {NOT_FOUND, 0x1008, 3, Table(1)},                     // entry point off its place
@@ -166,7 +161,7 @@ TEST(Discovery, PathsToTheBmc) {
     };
     for (const FIRMWARE& row : rows)
         EXPECT_EXIT(Discover(row), testing::ExitedWithCode(0), testing::Eq(std::string(row.outcome))) << &row - rows;
-    g_descriptor = -1; // no physical memory
+    Frudata_Tests::g_memoryDescriptor = -1; // none
     EXPECT_EXIT(Discover({"", 0, 3, Table(1)}), testing::ExitedWithCode(0), testing::Eq(std::string("-1 0")));
 }
 

@@ -59,11 +59,6 @@ void* operator new[](std::size_t size) {
 namespace Frudata_Tests {
 namespace {
 
-std::string ReadFile(const char* name) {
-    std::ifstream file(name);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// At the level of the debug log that is the parameter: its lines need memory, too. At the default level memory that
 /// has run out stays so, and the failure's line lacks it.
 class CAllocation : public CHardeningTest, public testing::WithParamInterface<unsigned int> {

@@ -146,10 +146,7 @@ std::unique_ptr<CSimulatedBmc> MakeServer() {
     return bmc;
 }
 
-CHardeningTest::CHardeningTest() : m_before(std::filesystem::current_path()) {
-    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
-    m_directory = mkdtemp(name.data());
-    std::filesystem::current_path(m_directory);
+CHardeningTest::CHardeningTest() {
     std::filesystem::create_directory_symlink(FRUDATA_TEXTS "/enus", "enus");
     SetLibDebugLevel(0);
     RenewServer();
@@ -160,8 +157,6 @@ CHardeningTest::CHardeningTest() : m_before(std::filesystem::current_path()) {
 CHardeningTest::~CHardeningTest() {
     m_table->DeInitialize(m_table);
     SetCurrentBmc(nullptr);
-    std::filesystem::current_path(m_before);
-    std::filesystem::remove_all(m_directory);
 }
 
 void CHardeningTest::RenewServer() {

@@ -6,10 +6,10 @@
 #include "fruimage/imagebuilder.h"
 #include "sim/fronts.h"
 #include "sim/sdrrecords.h"
+#include "tests/support/directory.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -50,8 +50,7 @@ class CHardeningTest : public testing::Test {
     /// All that the selected FRU holds.
     std::string Snapshot();
 
-    std::filesystem::path m_before;
-    std::filesystem::path m_directory;
+    CFreshDirectory m_directory;
     std::unique_ptr<CSimulatedBmc> m_bmc;
     _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 };

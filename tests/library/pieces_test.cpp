@@ -3,7 +3,10 @@
 
 #include "common/allocate.h"
 #include "common/lasterror.h"
+#include "common/placeholders.h"
 #include "frudata/image/fru.h"
+#include "frudata/system/fruproperties.h"
+#include "frudata/system/sdrrecords.h"
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -140,7 +143,7 @@ TEST_F(CPiecesTest, ARecordIsValidWhereHeaderAndDataSumToZero) {
         std::copy(std::begin(good), std::end(good), bytes);
         ++bytes[wrong];
         FRUMultiRecord record;
-        record.Decode(bytes, sizeof good);
+        record.Decode({bytes, sizeof good});
         EXPECT_EQ(record.IsValid(), wrong == sizeof good) << wrong;
     }
 }
@@ -168,6 +171,60 @@ TEST_F(CPiecesTest, LinesOfAFile) {
             EXPECT_ASSERTION(file.LineCount(), "libfile", "m_Cache");
         }
     }
+}
+
+TEST_F(CPiecesTest, ALineIsFoundByAnyTextBeforeItsFirstZero) {
+    constexpr char content[] = "  key\n\n\nx\0key\ny key\0key\r\nke\ny";
+    WriteFile("lines", std::string(content, sizeof content - 1));
+    CFile file("lines");
+    file.Strip();
+    ASSERT_EQ(file.LineCount(), 7U);
+    for (const auto& [start, text, line] : {std::tuple(0U, "key", 0U),
+                                            {1U, "key", 4U},
+                                            {5U, "key", 7U},
+                                            {0U, "x", 3U},
+                                            {0U, "ke", 0U},
+                                            {5U, "ke", 5U},
+                                            {6U, "y", 6U},
+                                            {7U, "y", 7U}})
+        EXPECT_EQ(file.FindLine(start, text), line) << start << text;
+}
+
+// What the library itself does not call is kept for hosts of the classes.
+TEST_F(CPiecesTest, MembersKeptForHosts) {
+    CFileHeader header;
+    const struct {
+        bool (CFileHeader::*set)(const char* text);
+        const char* (CFileHeader::*get)() const;
+    } rows[] = {{&CFileHeader::SetLfName, &CFileHeader::GetLfName},
+                {&CFileHeader::SetLfVersion, &CFileHeader::GetLfVersion},
+                {&CFileHeader::SetLfFmtVersion, &CFileHeader::GetLfFmtVersion},
+                {&CFileHeader::SetIpmiVersion, &CFileHeader::GetIpmiVersion}};
+    for (const auto& row : rows) {
+        EXPECT_EQ((header.*row.get)(), nullptr);
+        const std::string text = "value " + std::to_string(&row - rows);
+        EXPECT_TRUE((header.*row.set)("old") && (header.*row.set)(text.c_str()));
+        EXPECT_EQ((header.*row.get)(), text);
+        EXPECT_ASSERTION((header.*row.set)(nullptr), "fileheader", "text");
+    }
+    CFruProperties properties;
+    properties.IncrementNumberOfFrus();
+    properties.IncrementNumberOfIpmiFrus();
+    EXPECT_EQ(properties.GetNumberOfFrus(), 1);
+    EXPECT_EQ(properties.GetNumberOfIpmiFrus(), 1) << "the number of FRUs";
+    EXPECT_STREQ(properties.GetNumberOfIpmiFrusString(), L"1");
+    CFru fru;
+    EXPECT_EQ(fru.CreateFruList() + fru.GetInternalAreaLength(), 0U);
+    EXPECT_ASSERTION(fru.LoadFromFile(nullptr), "fru", "0");
+    SDR_TYPE sdr;
+    sdr.fruLocators.reset(new TYPE11V15[1]);
+    sdr.mcLocators.reset(new TYPE12V15[1]);
+    sdr.typeCount[SDR_INDEX_MC_LOCATOR] = 1;
+    SetLibDebugLevel(3);
+    TakeLog();
+    EXPECT_EQ(SDR_MEM_Free(sdr), 0U);
+    EXPECT_EQ(TakeLog(), "FruData::SDR_MEM_Free [ENTRY]\r\nFruData::SDR_MEM_Free [EXIT]\r\n");
+    EXPECT_TRUE(sdr.fruLocators && !sdr.mcLocators) << "only what holds a record is released";
 }
 
 TEST_F(CPiecesTest, LinesAreEdited) {

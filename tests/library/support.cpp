@@ -2,10 +2,7 @@
 
 #include "frudata/bmclib.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <numeric>
-#include <sstream>
 
 // The driver that a host may supply: there is one, so the library looks no further, but it reaches nothing.
 extern "C" {
@@ -94,16 +91,6 @@ std::string WithLine(const std::string& text, const std::string& key, const std:
     return text.substr(0, start) + line + text.substr(text.find('\n', start));
 }
 
-void WriteFile(const std::string& name, const std::string& content) {
-    std::ofstream(name, std::ios::binary) << content;
-}
-
-std::string ReadFile(const std::string& name) {
-    std::ostringstream content;
-    content << std::ifstream(name, std::ios::binary).rdbuf();
-    return content.str();
-}
-
 std::string TextTable(const std::vector<UINT32>& words, const std::u16string& units, int sum) {
     std::string content(reinterpret_cast<const char*>(words.data()), words.size() * 4);
     content.append(reinterpret_cast<const char*>(units.data()), units.size() * 2);
@@ -143,9 +130,6 @@ void WriteTexts(const std::string& directory, const std::wstring& prefix,
 }
 
 CLibraryTest::CLibraryTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
-    m_path = mkdtemp(name.data());
-    std::filesystem::current_path(m_path);
     WriteTexts("enus", L"T");
     LIBDBG_DEBUG_LEVEL = 1;
     Restart(0);
@@ -153,8 +137,6 @@ CLibraryTest::CLibraryTest() {
 
 CLibraryTest::~CLibraryTest() {
     m_table->DeInitialize(m_table);
-    std::filesystem::current_path(m_before);
-    std::filesystem::remove_all(m_path);
 }
 
 void CLibraryTest::Restart(int platform) {

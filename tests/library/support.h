@@ -4,12 +4,12 @@
 
 #include "frudata/debug.h"
 #include "frudata/frudata.h"
+#include "tests/support/directory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -41,8 +41,6 @@ std::string FruText(const FRU_BYTES& fru);
 /// `text` with the first line that starts with `key` replaced by `line`.
 std::string WithLine(const std::string& text, const std::string& key, const std::string& line);
 
-void WriteFile(const std::string& name, const std::string& content);
-std::string ReadFile(const std::string& name);
 /// A table of texts: `words` (count, offsets, lengths), `units` (the texts), and what makes the word sum `sum`.
 std::string TextTable(const std::vector<UINT32>& words, const std::u16string& units, int sum = 0);
 /// Writes DIRECTORY/frudata/str/frudata.str, in which text n reads PREFIX n and its arguments, except `others`.
@@ -69,12 +67,12 @@ class CLibraryTest : public testing::Test {
         for (const int poison : {0xA5, 0x00, 0x01}) {
             const VALUE before = value;
             if constexpr (std::is_pointer_v<VALUE>)
-                value = reinterpret_cast<VALUE>(&m_path); // none that it could tell
+                value = reinterpret_cast<VALUE>(&m_directory); // none that it could tell
             else
                 value = static_cast<VALUE>(poison);
             EXPECT_EQ(operation(m_table, value), 0U);
             if constexpr (std::is_pointer_v<VALUE>)
-                EXPECT_NE(static_cast<const void*>(value), static_cast<const void*>(&m_path));
+                EXPECT_NE(static_cast<const void*>(value), static_cast<const void*>(&m_directory));
             else
                 EXPECT_TRUE(poison == 0xA5 || value == before) << "nothing was told";
         }
@@ -85,7 +83,7 @@ class CLibraryTest : public testing::Test {
     /// What was logged since the last call.
     static std::string TakeLog();
 
-    std::filesystem::path m_before = std::filesystem::current_path(), m_path;
+    CFreshDirectory m_directory;
     _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 };
 

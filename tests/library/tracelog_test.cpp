@@ -1,8 +1,9 @@
 // The debug trace log.
 #include "support.h"
 
+#include "tests/support/tracelog.h"
+
 #include <functional>
-#include <set>
 #include <sstream>
 
 namespace Frudata_Tests {
@@ -10,7 +11,52 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using CTraceLogTest = CLibraryTest;
+class CTraceLogTest : public CLibraryTest {
+  protected:
+    /// The operations that only tell, select or set, of which each must succeed.
+    void AskForEverything() {
+        UINT8 bytes[64];
+        unsigned int first, second, size = sizeof bytes;
+        FRU_TYPE type = FRU_TYPE_NONE;
+        UINT16 word;
+        const auto is = [](EFI_STATUS status) { EXPECT_EQ(status, 0U); };
+        for (const auto tell :
+             {m_table->IsLoaded, m_table->IsModified, m_table->HasInternalUseArea, m_table->HasBoardArea,
+              m_table->HasProductArea, m_table->HasChassisArea, m_table->HasMultiRecordArea})
+            Told(tell);
+        is(m_table->GetNumberOfFrus(m_table, first, second));
+        is(m_table->GetFruAddress(m_table, type, bytes[0], bytes[1], bytes[2], bytes[3], bytes[4], bytes[5], word));
+        is(m_table->SelectFruByAddress(m_table, type, bytes[0], bytes[1], bytes[2], bytes[3], bytes[4], 0, 0));
+        Told(m_table->GetFruName);
+        Told(m_table->GetNumberOfAreas);
+        for (const FRU_AREA area : {FRU_AREA_MULTIRECORD, FRU_AREA_INTERNAL_USE}) {
+            size = sizeof bytes;
+            is(m_table->SelectAreaEnum(m_table, area));
+            Told(m_table->GetAreaName);
+            Told(m_table->GetAreaSize);
+            is(m_table->GetAreaData(m_table, bytes, size));
+            is(m_table->SetAreaData(m_table, bytes, size));
+        }
+        size = 8;
+        is(m_table->SelectAreaEnum(m_table, FRU_AREA_COMMON_HEADER));
+        is(m_table->GetAreaData(m_table, bytes, size));
+        for (const auto& [area, field] : {std::pair(FRU_AREA_INTERNAL_USE, FRU_FIELD_INTERNAL_USE_DATA),
+                                          {FRU_AREA_CHASSIS, FRU_FIELD_CHASSIS_SERIAL_NUMBER},
+                                          {FRU_AREA_PRODUCT, FRU_FIELD_PRODUCT_FILE_ID},
+                                          {FRU_AREA_BOARD, FRU_FIELD_BOARD_MFG_DATE_TIME}}) {
+            is(m_table->SelectAreaEnum(m_table, area));
+            is(m_table->SelectFieldEnum(m_table, field));
+        }
+        EXPECT_EQ(Set(0, "abc"), 0U);
+        Data(0);
+        Told(m_table->GetMaxFieldSize);
+        Told(m_table->GetAssetTagLength);
+        LastError();
+        is(m_table->SetProgressCallback(m_table, nullptr));
+        is(m_table->SetProgressCallbackInterval(m_table, 1));
+        is(m_table->SetDebugLevel(m_table, 3));
+    }
+};
 
 TEST_F(CTraceLogTest, LinesAndBuffersUpToTheLevel) {
     UINT8 data[32];
@@ -163,6 +209,7 @@ TEST_F(CTraceLogTest, ASession) {
             EXPECT_EQ(Set(Told(m_table->GetNumberOfFields) - 1, "y"), 0U);
         }
     }
+    AskForEverything();
     m_table->SelectFru(m_table, 1);
     Saved();
     Restart(0);
@@ -170,24 +217,8 @@ TEST_F(CTraceLogTest, ASession) {
     const std::string log = TakeLog();
     EXPECT_THAT(log, testing::HasSubstr("CBoardInfoArea::ParseField [ENTRY]\r\nFruDefs::DecodeLength [ENTRY]\r\n"
                                         "FruDefs::DecodeLength [EXIT]\r\nCBoardInfoArea::ParseField [EXIT]\r\n"));
-    std::istringstream lines(log);
-    std::vector<std::string> entered;
-    std::set<std::string> names;
-    for (std::string line; std::getline(lines, line);) {
-        const std::string name = line.substr(0, line.find(' ')), what = line.substr(name.size());
-        if (what == " [ENTRY]\r") {
-            entered.push_back(name);
-            names.insert(name);
-        } else {
-            ASSERT_EQ(what, " [EXIT]\r") << line;
-            ASSERT_FALSE(entered.empty()) << line;
-            ASSERT_EQ(entered.back(), name) << "is not left";
-            entered.pop_back();
-        }
-    }
-    EXPECT_TRUE(entered.empty()) << entered.back() << " is not left";
     std::string found;
-    for (const std::string& name : names)
+    for (const std::string& name : BalancedOperations(log))
         found += name + "\n";
     EXPECT_EQ(found, ReadFile(FRUDATA_TEST_OPERATIONS)) << "the operations of a session";
     // Of the second FRU's 13 fields, one reads like the end marker: nothing of it is written but its type/length byte.

@@ -1,11 +1,10 @@
 // The string table compiler, run as the build runs it, and the tables that it made for this build.
+#include "tests/support/directory.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <numeric>
 #include <sstream>
 #include <string>
@@ -15,10 +14,7 @@
 
 namespace {
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using namespace Frudata_Tests;
 
 /// Replaces the first `from` of `text`, which must be there.
 std::string Replaced(std::string text, const std::string& from, const std::string& to) {
@@ -27,12 +23,12 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }
 
-struct CRun {
+struct RUN {
     int status;
     std::string output;
 };
 
-CRun RunCompiler(const std::string& arguments) {
+RUN RunCompiler(const std::string& arguments) {
     std::FILE* pipe = popen((std::string(STRC_PROGRAM) + " " + arguments + " 2>&1").c_str(), "r");
     std::string output;
     for (int character; (character = std::fgetc(pipe)) != EOF;)
@@ -42,22 +38,17 @@ CRun RunCompiler(const std::string& arguments) {
 
 class CStrings : public testing::Test {
   protected:
-    void SetUp() override {
-        char name[] = "/tmp/frudata-strings-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        m_directory = name;
-        m_source = ReadFile(STRC_SOURCE);
-    }
+    void SetUp() override { m_source = ReadFile(STRC_SOURCE); }
     void TearDown() override {
-        std::remove((m_directory + "/in.txt").c_str());
-        std::remove((m_directory + "/out.str").c_str());
-        EXPECT_EQ(rmdir(m_directory.c_str()), 0) << "a temporary file was left behind";
+        std::remove("in.txt");
+        std::remove("out.str");
+        EXPECT_TRUE(std::filesystem::is_empty(m_directory.Path())) << "a temporary file was left behind";
     }
-    CRun Compile(const std::string& source) {
-        std::ofstream(m_directory + "/in.txt", std::ios::binary) << source;
-        return RunCompiler(m_directory + "/in.txt -o " + m_directory + "/out.str");
+    RUN Compile(const std::string& source) {
+        WriteFile("in.txt", source);
+        return RunCompiler("in.txt -o out.str");
     }
-    std::string m_directory;
+    CFreshDirectory m_directory;
     std::string m_source;
 };
 
@@ -100,17 +91,17 @@ TEST_F(CStrings, RefusesFaultySources) {
         const auto line =
             1 + std::count_if(m_source.begin(), m_source.begin() + static_cast<long>(m_source.find(faulty.from)),
                               [](char character) { return character == '\n'; });
-        const std::string expected = m_directory + "/in.txt:" + std::to_string(line) + ": " + faulty.message;
-        const CRun run = Compile(Replaced(m_source, faulty.from, faulty.to));
+        const std::string expected = "in.txt:" + std::to_string(line) + ": " + faulty.message;
+        const RUN run = Compile(Replaced(m_source, faulty.from, faulty.to));
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.output.substr(0, expected.size()), expected);
-        EXPECT_NE(access((m_directory + "/out.str").c_str(), F_OK), 0) << "a table was written";
+        EXPECT_NE(access("out.str", F_OK), 0) << "a table was written";
     }
 }
 
 TEST_F(CStrings, KeepsWhatTheSourceSays) {
     ASSERT_EQ(Compile(Replaced(m_source, "\"Board Info Area\"", "\"\\\"\\\\ 5 %% \xC3\xA4\xE2\x82\xAC\"")).status, 0);
-    const CRun list = RunCompiler("--list " + m_directory + "/out.str");
+    const RUN list = RunCompiler("--list out.str");
     EXPECT_EQ(list.status, 0);
     EXPECT_NE(list.output.find("\n5\t\"\\ 5 %% \xC3\xA4\xE2\x82\xAC\n6\tProduct Info Area\n"), std::string::npos);
 }

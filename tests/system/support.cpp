@@ -3,22 +3,13 @@
 #include "frudata/bmclib.h"
 #include "frudata/debug.h"
 #include "sim/fronts.h"
+#include "tests/support/physicalmemory.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 extern "C" {
-// The firmware of the machine that runs the tests is none of their business. Under the name that 64-bit file
-// offsets give the function.
-int HostOpen(const char* path, int flags, ...) __asm__("open64");
-int HostOpen(const char* path, int flags, ...) {
-    return std::strcmp(path, "/dev/mem") == 0 ? -1 : static_cast<int>(syscall(SYS_openat, -100, path, flags, 0600));
-}
 // No test waits.
 int usleep(useconds_t) {
     return 0;
@@ -50,11 +41,6 @@ BYTES Request(const ADDRESS& address, ACCESS access, UINT8 fruCommand, std::size
     const UINT8 lun = g_front == FRONT::KCS ? UINT8{0} : address.lun;
     const UINT8 first = access == ACCESS::EEPROM ? high : UINT8{0x17};
     return {address.controller, 0x06, lun, 0x52, address.bus, address.deviceAddress, count, first, low};
-}
-
-std::string ReadFile(const char* name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace
@@ -139,9 +125,6 @@ std::wstring Identifier(const ADDRESS& address) {
 }
 
 CSystemTest::CSystemTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "frudata-XXXXXX").string();
-    m_path = mkdtemp(name.data());
-    std::filesystem::current_path(m_path);
     std::filesystem::create_directory_symlink(FRUDATA_TEXTS "/enus", "enus");
     LIBDBG_DEBUG_LEVEL = 1;
     g_progress.clear();
@@ -159,8 +142,6 @@ CSystemTest::~CSystemTest() {
     SetCurrentKcs(nullptr);
     SetCurrentBmc(nullptr);
     EXPECT_EQ(m_kcs.Counts().violations, 0U);
-    std::filesystem::current_path(m_before);
-    std::filesystem::remove_all(m_path);
 }
 
 EFI_STATUS CSystemTest::Set(FRU_AREA area, FRU_FIELD field, const std::string& value) {

@@ -6,12 +6,12 @@
 #include "fruimage/imagebuilder.h"
 #include "sim/kcsmodel.h"
 #include "sim/samples.h"
+#include "tests/support/directory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cwchar>
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -124,8 +124,7 @@ class CSystemTest : public testing::Test {
     _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 
   private:
-    std::filesystem::path m_before = std::filesystem::current_path();
-    std::filesystem::path m_path;
+    CFreshDirectory m_directory;
 };
 
 /// The calls of the progress callback, as type, text and the two numbers.

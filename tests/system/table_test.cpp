@@ -2,6 +2,9 @@
 #include "tests/system/support.h"
 
 #include "frudata/debug.h"
+#include "frudata/sdrscan.h"
+#include "sim/sdrrecords.h"
+#include "tests/support/tracelog.h"
 
 #include <sstream>
 
@@ -99,6 +102,52 @@ TEST_F(Table, TheSamePlaceInEachListIsAnotherFru) {
         const std::vector<std::wstring> texts = Walk();
         EXPECT_EQ(texts[0].find(L"|X1|") != std::wstring::npos, list == FRU_LIST_SYSTEM);
     }
+}
+
+// With the session of a FRU text file in the library's tests, this is every operation that a host can succeed with.
+TEST_F(Table, ASessionLeavesWhatItEnters) {
+    BYTES image = IMAGE;
+    m_bmc.AddSdr(LogicalFruRecord(0x20, 0, 1, "PSU 1"));
+    m_bmc.AddSdr(ControllerRecord(0xC0, 0, 0x29, "HSC"));
+    LIBDBG_DEBUG_LEVEL = 3;
+    TakeLog();
+    EXPECT_EQ(LoadImage(image), 0U);
+    EXPECT_EQ(Find({}), 0U);
+    Select(0);
+    EXPECT_EQ(Set(FRU_AREA_PRODUCT, FRU_FIELD_PRODUCT_ASSET_TAG, "A1"), 0U);
+    UINT8 records[1024];
+    unsigned int length = sizeof records;
+    EXPECT_EQ(m_table->SelectAreaEnum(m_table, FRU_AREA_MULTIRECORD), 0U);
+    EXPECT_EQ(m_table->GetAreaData(m_table, records, length), 0U);
+    EXPECT_EQ(m_table->SetAreaData(m_table, records, length), 0U);
+    EXPECT_EQ(CommitIt(), 0U);
+    EXPECT_EQ(m_table->LoadPropertiesFromSystem(m_table), 0U);
+    OrderedList<FRU_LOCATOR*> list;
+    OrderedList<FRU_LOCATOR*>* argument = &list;
+    EXPECT_EQ(ScanSystemForFruLocators(argument), 0U);
+    EXPECT_EQ(list.Count(), 2U);
+    while (FRU_LOCATOR* const first = list.First())
+        delete list.Remove(first);
+    LIBDBG_DEBUG_LEVEL = 1;
+    // No name is what SetName calls a failure, and loading does not.
+    std::string log = TakeLog();
+    const std::string nameless = "FRU_LOCATOR::SetName [ENTRY]\r\nCFru::ReadFruFromSystem";
+    ASSERT_NE(log.find(nameless), std::string::npos);
+    log.erase(log.find(nameless), nameless.find("CFru"));
+    const std::set<std::string> names = BalancedOperations(log);
+    for (const char* const name :
+         {"LoadFromSystem",        "ReadFruFromSystem",     "ReadFRUHeader",      "GetCommonHeader",
+          "GetTypeLengthArea",     "GetBoardArea",          "GetProductArea",     "GetChassisArea",
+          "GetFRUInternalData",    "GetInternalArea",       "GetMultiRecLength",  "ReadMultiRecord",
+          "GetMultiRecArea",       "CheckMultiRecCheckSum", "ReadFruDataFromBmc", "ReadDataFromFRU",
+          "WriteFruDataToBmc",     "WriteFruData",          "WriteToSystem",      "SetMultiRecArea",
+          "SerializeMultiRecArea", "CalculateChecksum"})
+        EXPECT_EQ(names.count(std::string("CFru::") + name), 1U) << name;
+    for (const char* const name :
+         {"InitializeFruProperties", "GetIPMIRevision", "ScanSystemForFruLocators", "InitSDRStruct", "GetAllSDRRecs",
+          "CountIPMI15SDRTypes", "SDR_MEM_Alloc", "ReadRecFromBMC", "DecodeSDR", "DecodeHeader", "DecodeSDRType11V15",
+          "DecodeSDRType12V15", "CreateLocatorList", "FindFruAtAddressAndChecksumHeader"})
+        EXPECT_EQ(names.count(std::string("FruData::") + name), 1U) << name;
 }
 
 TEST_F(Table, Properties) {
