@@ -32,7 +32,7 @@ class CLogFile {
     FILE* Get() const { return m_file.get(); }
 
   private:
-    char m_buffer[1024];
+    char m_buffer[1024] = {};
     SCOPED_FILE m_file; ///< closed before its buffer goes
 };
 

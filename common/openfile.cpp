@@ -22,8 +22,8 @@ bool IsKindWanted(const struct stat& file, OPEN_ALSO also) {
 
 /// Whether what was opened is what was asked for: the path may name something else by now.
 bool IsOpenedWanted(int descriptor, OPEN_ALSO also) {
-    struct stat file;
-    struct statfs system;
+    struct stat file {};
+    struct statfs system {};
     if (fstat(descriptor, &file) != 0 || !IsKindWanted(file, also))
         return false;
     if (S_ISREG(file.st_mode))
@@ -46,7 +46,7 @@ int FlagsOf(char mode) {
 } // namespace
 
 SCOPED_FILE OpenFile(const char* path, char mode, OPEN_ALSO also) {
-    struct stat file;
+    struct stat file {};
     // Opening some devices, such as a watchdog, has an effect.
     if (stat(path, &file) == 0 && !IsKindWanted(file, also))
         return nullptr;

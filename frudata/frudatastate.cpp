@@ -12,8 +12,10 @@ std::unique_ptr<CFruData> g_FruData;
 namespace {
 
 template <typename T> void DestroyElements(OrderedList<T*>* list) {
-    while (list && list->First())
-        const std::unique_ptr<T> element(list->Remove(list->First()));
+    while (T* const first = list ? list->First() : nullptr) {
+        list->Remove(first);
+        const std::unique_ptr<T> element(first);
+    }
 }
 
 } // namespace

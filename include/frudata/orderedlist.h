@@ -48,7 +48,7 @@ template <typename T> class OrderedList {
         OrderedListNode* node = Find(value);
         if (!node)
             return nullptr;
-        std::unique_ptr<OrderedListNode>& link = node->prev ? node->prev->next : m_head;
+        std::unique_ptr<OrderedListNode>& link = node == m_head.get() ? m_head : node->prev->next;
         std::unique_ptr<OrderedListNode> removed = std::move(link);
         link = std::move(removed->next);
         if (link)
