@@ -9,7 +9,7 @@ namespace {
 
 /// The runtime lies inside the library, and would keep this memory for each time that a host loads it. Runs after all
 /// else in the library.
-[[gnu::destructor]] void FreeRuntimeMemory() {
+[[gnu::destructor(101)]] void FreeRuntimeMemory() {
     __gnu_cxx::__freeres();
 }
 

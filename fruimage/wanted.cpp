@@ -70,7 +70,9 @@ void WantRecords(CReading& reading, std::size_t offset) {
         if (header.size() < RECORD_HEADER_SIZE)
             return;
         const std::size_t size = RECORD_HEADER_SIZE + header[2];
-        const bool isLast = header[2] == 0 || (header[1] & END_OF_LIST) != 0;
+        // A record without data ends the list where its header is sound.
+        const bool isClosing = header[2] == 0 && ZeroChecksum(header) == 0;
+        const bool isLast = isClosing || (header[1] & END_OF_LIST) != 0;
         reading.Want({offset, size + (isLast ? 0 : RECORD_HEADER_SIZE)});
         if (isLast)
             return;

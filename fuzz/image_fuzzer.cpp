@@ -4,15 +4,18 @@
 #include "fruimage/repair.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
 using namespace FruImage;
 
-void Require(bool condition) {
-    if (!condition)
-        std::abort();
+void Require(bool condition, int line = __builtin_LINE()) {
+    if (condition)
+        return;
+    std::fprintf(stderr, "line %d does not hold\n", line);
+    std::abort();
 }
 
 std::ptrdiff_t Damages(const FRU& fru) {
