@@ -63,7 +63,7 @@ class CLibraryTest : public testing::Test {
     BYTES Data(unsigned int field);
     /// The value that `operation` tells, which must succeed, and write it whatever was there.
     template <typename VALUE> VALUE Told(EFI_STATUS (*operation)(_EFI_FRU_INTERFACE*, VALUE&)) {
-        VALUE value;
+        VALUE value{};
         for (const int poison : {0xA5, 0x00, 0x01}) {
             const VALUE before = value;
             if constexpr (std::is_pointer_v<VALUE>)
