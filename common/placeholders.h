@@ -112,7 +112,8 @@ template <typename CHARACTER> constexpr bool PlaceholdersFit(const CHARACTER* te
 /// Whether `text` takes each of `arguments` once, spelled as the texts of this library are.
 template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* text, const char* arguments) {
     PLACEHOLDERS all;
-    return ReadPlaceholders(text, arguments, all) && all.isPlain && (all.used & (all.used + 1)) == 0 &&
+    // As many placeholders as arguments used: none is used twice, so that the count does not pass the arguments' end.
+    return ReadPlaceholders(text, arguments, all) && all.isPlain && all.used == (1U << all.count) - 1 &&
            arguments[all.count] == 0;
 }
 
