@@ -386,4 +386,12 @@ TEST_F(CModelTest, TellsBlankFromDamagedAndImageFromText) {
     EXPECT_EQ(Fructl("show letter.txt").status, 2);
 }
 
+TEST_F(CModelTest, ChangesOfOneFileAtOnceAreAllKept) {
+    WriteFile("shared.bin", Image({Board(), Product()}, 1024));
+    Shell("for n in 1 2 3 4 5 6; do " FRUCTL_PROGRAM " set shared.bin product.custom+=VALUE-$n & done; wait");
+    const std::string after = Fructl("get shared.bin 'product.custom*'").output;
+    for (const char* value : {"VALUE-1", "VALUE-2", "VALUE-3", "VALUE-4", "VALUE-5", "VALUE-6"})
+        EXPECT_THAT(after, HasSubstr(value));
+}
+
 } // namespace Fructl_Tests

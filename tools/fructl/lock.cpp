@@ -45,6 +45,13 @@ std::string DevicePath(const SOURCE& device) {
     return device.isEeprom ? device.label : LockPath(WayKey() + "-" + AddressText(device.address));
 }
 
+/// A link stands for the file behind it.
+std::string DirectoryOf(const std::string& file) {
+    std::error_code failed;
+    const fs::path resolved = fs::weakly_canonical(file, failed);
+    return (failed ? fs::absolute(file, failed) : resolved).parent_path();
+}
+
 int OpenLock(const fs::path& path) {
     // One that another user has left in a directory of all may be opened, but not with the right to create it.
     for (const int flags : {O_RDWR | O_CREAT, O_RDWR, O_RDONLY})
@@ -104,6 +111,8 @@ void CFileLock::Wait() const {
 
 CDeviceLock::CDeviceLock(const SOURCE& device)
     : CFileLock(DevicePath(device), device.label, device.isEeprom ? "" : "writes " + Printable(device.label)) {}
+
+CDirectoryLock::CDirectoryLock(const std::string& file) : CFileLock(DirectoryOf(file), file, "") {}
 
 CPortLock::CPortLock(UINT16 port)
     : CFileLock(LockPath(fmt::format("kcs-{:X}", port)), fmt::format("the KCS interface at {:X}h", port), "uses it") {}

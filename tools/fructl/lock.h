@@ -36,6 +36,13 @@ class CDeviceLock : public CFileLock {
     explicit CDeviceLock(const SOURCE& device);
 };
 
+/// While one lives, no other fructl changes a file of the directory: the file itself is replaced by each that does.
+class CDirectoryLock : public CFileLock {
+  public:
+    /// @param file a path to the file
+    explicit CDirectoryLock(const std::string& file);
+};
+
 /// While one lives, no other fructl uses the KCS interface at the port: an answer goes to whoever asks first.
 class CPortLock : public CFileLock {
   public:

@@ -2,6 +2,7 @@
 
 #include "tools/fructl/difference.h"
 #include "tools/fructl/files.h"
+#include "tools/fructl/lock.h"
 #include "tools/fructl/savefru.h"
 
 #include <CLI/CLI.hpp>
@@ -9,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <iostream>
+#include <optional>
 
 #include <unistd.h>
 
@@ -63,6 +65,9 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
 }
 
 void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
+    std::optional<CDirectoryLock> lock;
+    if (!options.write.dryRun && options.output.empty() && source.label != STANDARD_STREAM)
+        lock.emplace(source.label);
     const CONTENTS contents = Open(source, READING::WHOLE);
     const PLAN plan = planner(contents);
     const FRU after = FruImage::Parse(plan.bytes);
