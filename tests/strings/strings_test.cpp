@@ -107,7 +107,7 @@ TEST_F(CStrings, KeepsWhatTheSourceSays) {
 }
 
 TEST(CompiledTables, TheGermanDateStandsDayFirst) {
-    const CRun list = RunCompiler("--list " STRC_TABLES "/dede/frudata/str/frudata.str");
+    const RUN list = RunCompiler("--list " STRC_TABLES "/dede/frudata/str/frudata.str");
     EXPECT_NE(list.output.find("\n35\t%2$02u.%1$02u.%3$04u %4$02u:%5$02u:%6$02u\n"), std::string::npos);
 }
 
