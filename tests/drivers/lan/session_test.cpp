@@ -47,10 +47,9 @@ const BYTES ANSWER_READ{0x00, 0x2E, 0xB2, 0x30, 0x14, 0x11, 0x00, 0x08, 0x01,
 class Session : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        using namespace Frudata_Sim;
         if (!CIpmiSim::IsInstalled())
             return;
-        const Frudata_Sim::BYTES image =
+        const FruImage::BYTES image =
             FruImage::CImageBuilder()
                 .Product({.manufacturer = "Maker", .productName = "Rack", .assetTag = "none"}, 16)
                 .Build(256);

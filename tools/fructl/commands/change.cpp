@@ -64,10 +64,13 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     Note(fmt::format("changed {}\n{}", change.output, change.difference));
 }
 
-void ChangeFile(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
+void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
     std::optional<CDirectoryLock> lock;
-    if (!options.write.dryRun && options.output.empty() && source.label != STANDARD_STREAM)
+    if (!options.write.dryRun && options.output.empty() && source.label != STANDARD_STREAM) {
         lock.emplace(source.label);
+        // What was read before may have been changed by whoever had the lock.
+        source = FileSource(source.label);
+    }
     const CONTENTS contents = Open(source, READING::WHOLE);
     const PLAN plan = planner(contents);
     const FRU after = FruImage::Parse(plan.bytes);
