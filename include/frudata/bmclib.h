@@ -109,8 +109,11 @@ int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsig
 int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 channel, UINT8 target);
 /**
  * Sends one request to the BMC over KCS or the session library, as SelectIPMIInterface has it and
- * whatever the discovery has found. `responseData` has room for 65535 bytes.
+ * whatever the discovery has found.
+ * @param request asked
  * @param timeout milliseconds, for the session library; KCS has its own 15 seconds a wait
+ * @param responseData room for 65535 bytes @param responseLength out: bytes of it
+ * @param completionCode out: 0 for success
  * @return 0; 1 where the interface failed; a session library result (see SendTimedUsbRequest)
  */
 int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
@@ -137,7 +140,8 @@ int GetBmcTypeVersion(UINT32* type, UINT32* version);
 /** Writes one request frame of at least 2 bytes. @return 0; 1 busy; 2 time-out; 3 wrong state */
 int KCSSendMessage(const UINT8* frame, unsigned int length);
 /**
- * Reads one response frame. @param buffer room for `capacity` bytes @param count out: bytes read
+ * Reads one response frame.
+ * @param buffer room for the frame @param capacity bytes of it @param count out: bytes read
  * @return 0; 2 time-out; 3 neither READ nor IDLE state, after a recovery; 4 `capacity` reached before the end
  */
 int KCSReadBMCData(UINT8* buffer, unsigned int capacity, unsigned int* count);
@@ -158,8 +162,11 @@ void kcs_timeout(int signalNumber);
 int IsKCS(void);
 /** @return 1 if the SMS attention flag is set, else 0 */
 int KCSMessageReady(void);
-/** Waits for a byte (address 0x20) or for SMS attention (any other), without limit. @param timeout no effect
- *  @return 0 */
+/**
+ * Waits for what a responder has to say, without limit.
+ * @param responderAddress 0x20: for a byte; any other: for SMS attention @param timeout no effect
+ * @return 0
+ */
 int CheckMessageReady(UINT8 responderAddress, unsigned int timeout);
 /** Millisecond time-out: kept for hosts, no effect. */
 void SetMsTimeout(unsigned int timeout);
