@@ -147,7 +147,7 @@ void WriteSessionSeeds(const BYTES& image) {
 
 /// A record of each form, without a text to set.
 void WriteRecordSeeds() {
-    for (const FruImage::RECORD_DESCRIPTION& form : FruRecords::DescribeAllRecords())
+    for (const FruRecords::RECORD_DESCRIPTION& form : FruRecords::DescribeAllRecords())
         WriteSeed("record", BYTES{form.firstType, 0, 0} + FruRecords::NewRecord(form.firstType));
     for (UINT8 subType = 1; subType <= 8; ++subType)
         WriteSeed("record", BYTES{0x03, 0, 0, subType} + BYTES(16, 'A'));
