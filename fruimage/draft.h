@@ -18,6 +18,7 @@ struct DRAFT_AREA {
     bool ghost = false;
     bool removed = false;
     bool changed = false;
+    std::size_t zeroes = 0; ///< that end a list of records without an end mark, and move with it
     AREA_DESCRIPTION description;
 
     BYTES bytes;            ///< LayOut: what it becomes

@@ -40,6 +40,10 @@ DRAFT_AREA DraftOf(const FRU& fru, const AREA& area) {
         const BYTE_VIEW bytes = fru.View(draft.old);
         draft.description.bytes.assign(bytes.begin(), bytes.end());
     }
+    const bool hasEnd = !area.records.empty() && area.records.back().IsLast();
+    if (area.id == AREA_ID::MULTIRECORD && !area.damaged && !hasEnd)
+        draft.zeroes = std::min(RECORD_HEADER_SIZE, area.room - std::min(area.room, area.length));
+    draft.old.length += draft.zeroes;
     return draft;
 }
 

@@ -198,6 +198,8 @@ FAULT LayOut(DRAFT& draft) {
         if (!bytes)
             return bytes.Error();
         area.bytes = bytes.Take();
+        if (!area.changed)
+            area.bytes.resize(area.bytes.size() + area.zeroes);
     }
     return CLayout(draft).LayOut();
 }
