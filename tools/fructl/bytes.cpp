@@ -68,10 +68,4 @@ std::optional<unsigned> ParseNumber(std::string_view text, unsigned maximum) {
     return number;
 }
 
-BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length) {
-    if (offset >= bytes.size())
-        return {};
-    return bytes.subspan(offset, std::min(length, bytes.size() - offset));
-}
-
 } // namespace Fructl

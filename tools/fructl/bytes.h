@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frudata/types.h"
+#include "fruimage/bytes.h"
 
 #include <cstddef>
 #include <optional>
@@ -14,6 +15,7 @@ namespace Fructl {
 
 using BYTES = std::vector<UINT8>;
 using BYTE_VIEW = std::span<const UINT8>;
+using FruImage::Slice;
 
 /// Upper-case pairs, `separator` between them.
 std::string Hex(BYTE_VIEW bytes, std::string_view separator = {});
@@ -27,8 +29,5 @@ std::optional<BYTES> FromHex(std::string_view text);
 
 /// A whole number, decimal or with "0x" in front, up to `maximum`; nothing where it is not one.
 std::optional<unsigned> ParseNumber(std::string_view text, unsigned maximum);
-
-/// The bytes from `offset` on, at most `length`, never past the end.
-BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length);
 
 } // namespace Fructl
