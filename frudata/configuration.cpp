@@ -1,8 +1,10 @@
 // Filling the lists of FRUs, choosing one, and carrying one FRU out again.
 #include "common/allocate.h"
 #include "common/assertion.h"
+#include "common/ipmi.h"
 #include "frudata/operation.h"
 #include "frudata/operations.h"
+#include "frudata/system/frudevice.h"
 
 #include <cwchar>
 #include <new>
@@ -87,7 +89,7 @@ namespace Frudata_Public {
 EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
     return RunConfigurationOperation(L"LoadConfigurationFromSystem", NEED_INITIALIZED, [](const COperation& operation) {
         // The BMC's own FRU device.
-        const FRU_LOCATOR locator(0x20, 0, 0, 0xFF, 0, 0x20, 0, FRU_TYPE_IMBDEVICE);
+        const FRU_LOCATOR locator(BMC_ADDRESS, 0, 0, NO_BUS, 0, BMC_ADDRESS, 0, FRU_TYPE_IMBDEVICE);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         if (!fru)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
@@ -160,9 +162,7 @@ EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type,
                 return operation.Fail(L"Not IPMI FRU", STRING_NOT_IPMI_FRU, FRU_STATUS_NOT_IPMI_FRU);
             if (CFru::CalculateChecksum(header, sizeof header) != 0) {
                 operation.Trace().Fail(L"Invalid Header Area");
-                WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
-                RecordLastError(STRING_INVALID_HEADER,
-                                CFru::GetFriendlyFruIdentifier(&locator, identifier, FRU_IDENTIFIER_BYTES));
+                RecordFruError(STRING_INVALID_HEADER, &locator);
                 return FRU_STATUS_CHECKSUM_ERROR;
             }
             return FRU_STATUS_SUCCESS;

@@ -1,5 +1,6 @@
 // Start, end and settings of the library.
 #include "frudata/bmclib.h"
+#include "frudata/image/platform.h"
 #include "frudata/operation.h"
 #include "frudata/operations.h"
 #include "frudata/system/messages.h"

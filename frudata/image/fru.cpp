@@ -3,14 +3,13 @@
 #include "common/assertion.h"
 #include "common/bytesum.h"
 #include "common/lasterror.h"
+#include "frudata/image/frutextfile.h"
 
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
 
 namespace Frudata_Private {
-
-int g_fdPlatform = 0;
 
 namespace {
 
@@ -59,7 +58,7 @@ UINTN CFru::GetInternalAreaLength() const {
 }
 
 UINT16 CFru::GetMultiRecAreaLength() const {
-    return TraceOf(L"GetMultiRecAreaLength").Exit(m_multiRecLength);
+    return TraceOf(L"GetMultiRecAreaLength").Exit(m_multiRecords.length);
 }
 
 EFI_STATUS CFru::CreateFruList() {
@@ -119,7 +118,7 @@ UINT8 CFru::CalculateChecksum(const UINT8* data, int length) {
 UINT16 CFru::GetOverallLength() const {
     const CTrace trace = TraceOf(L"GetOverallLength");
     return trace.Exit(static_cast<UINT16>(m_board.GetLength() + m_chassis.GetLength() + m_product.GetLength() +
-                                          m_multiRecLength + m_internalUse.GetLength() + m_header.GetLength()));
+                                          m_multiRecords.length + m_internalUse.GetLength() + m_header.GetLength()));
 }
 
 EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
@@ -131,7 +130,7 @@ EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
         end -= length;
         return static_cast<UINTN>(length);
     };
-    m_multiRecLength = static_cast<UINT16>(lengthOf(FRU_HEADER_MULTIRECORD));
+    m_multiRecords.length = static_cast<UINT16>(lengthOf(FRU_HEADER_MULTIRECORD));
     m_product.SetLength(lengthOf(FRU_HEADER_PRODUCT));
     m_board.SetLength(lengthOf(FRU_HEADER_BOARD));
     m_chassis.SetLength(lengthOf(FRU_HEADER_CHASSIS));
@@ -140,23 +139,23 @@ EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
 
 EFI_STATUS CFru::SetMultiRecArea(const UINT8* data, UINTN length, bool modified) {
     const CTrace trace = TraceOf(L"SetMultiRecArea");
-    m_multiRecords.reset();
-    m_multiRecLength = static_cast<UINT16>(length);
+    m_multiRecords.first.reset();
+    m_multiRecords.length = static_cast<UINT16>(length);
     const EFI_STATUS status = DecodeMultiRecArea(data);
     if (status != FRU_STATUS_SUCCESS) {
         trace.Fail(L"Unexpected");
         RecordLastError(STRING_UNEXPECTED);
         return status;
     }
-    m_multiRecModified = modified;
+    m_multiRecords.isModified = modified;
     return trace.Exit(status);
 }
 
 EFI_STATUS CFru::DecodeMultiRecArea(const UINT8* data) {
     const CTrace trace = TraceOf(L"DecodeMultiRecArea");
-    m_multiRecords.reset();
-    CMultiRecordAppender records(m_multiRecords);
-    for (std::span<const UINT8> rest(data, m_multiRecLength); !rest.empty();) {
+    m_multiRecords.first.reset();
+    CMultiRecordAppender records(m_multiRecords.first);
+    for (std::span<const UINT8> rest(data, m_multiRecords.length); !rest.empty();) {
         FRUMultiRecord* record = records.Append();
         if (!record)
             return FRU_STATUS_OUT_OF_MEMORY;
@@ -166,17 +165,12 @@ EFI_STATUS CFru::DecodeMultiRecArea(const UINT8* data) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::TakeMultiRecBlock(const UINT8* data, UINTN length) {
-    m_multiRecLength = static_cast<UINT16>(length);
-    return DecodeMultiRecArea(data);
-}
-
 EFI_STATUS CFru::SerializeMultiRecArea(UINT8* buffer, UINTN& length) const {
     const CTrace trace = TraceOf(L"SerializeMultiRecArea");
     const UINTN capacity = length;
     UINTN written = 0;
     length = 0;
-    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
+    for (const FRUMultiRecord* record = m_multiRecords.first.get(); record; record = record->next.get()) {
         if (capacity - written < MULTIRECORD_HEADER_LENGTH)
             return trace.Fail(L"Unexpected", FRU_STATUS_BUFFER_TOO_SMALL);
         record->EncodeHeader(buffer + written);
@@ -192,7 +186,7 @@ EFI_STATUS CFru::SerializeMultiRecArea(UINT8* buffer, UINTN& length) const {
 
 bool CFru::CheckMultiRecCheckSum() const {
     const CTrace trace = TraceOf(L"CheckMultiRecCheckSum");
-    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
+    for (const FRUMultiRecord* record = m_multiRecords.first.get(); record; record = record->next.get()) {
         if (!record->IsValid())
             return false;
     }
@@ -212,6 +206,22 @@ const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* b
         FormatText(buffer, size, STRING_FRU_IDENTIFIER, UINT32{locator->deviceId}, UINT32{locator->controller},
                    UINT32{locator->deviceAddress}, UINT32{locator->bus});
     return trace.Exit(static_cast<const WCHAR*>(buffer));
+}
+
+EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
+    return Frudata_Private::ReadFRUFromFile(*this, filename);
+}
+
+EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
+    return Frudata_Private::ParseArea(tag, file, line, data, length);
+}
+
+void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename) {
+    Frudata_Private::SetParseAreaErrorMessage(status, areaName, filename);
+}
+
+EFI_STATUS CFru::SaveFRUToFile(const char* path) {
+    return Frudata_Private::SaveFRUToFile(*this, path);
 }
 
 } // namespace Frudata_Private

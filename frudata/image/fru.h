@@ -1,7 +1,6 @@
 // One FRU image in memory.
 #pragma once
 
-#include "common/libfile.h"
 #include "frudata/areas/boardinfoarea.h"
 #include "frudata/areas/chassisinfoarea.h"
 #include "frudata/areas/internalusearea.h"
@@ -13,15 +12,13 @@
 
 namespace Frudata_Private {
 
-/// The platform code given to `Initialize`; FRU_PLATFORM_MBMC opens the paths of FRU_TYPE_MBMC_FRU.
-extern int g_fdPlatform;
+class CFile;
 
 /// Bytes of the buffer that a FRU's identifier is composed in, as its users have it.
 constexpr int FRU_IDENTIFIER_BYTES = 400;
 
 /// Common header, the four areas, the multi-record chain and the address of one FRU. The areas and the
-/// locator live as long as the CFru. Its operations lie in fru.cpp (the image), frureadfile.cpp and
-/// fruwritefile.cpp (FRU text file) and ../system (device).
+/// locator live as long as the CFru.
 class CFru {
   public:
     CFru() = default;
@@ -32,10 +29,12 @@ class CFru {
     /// Begins the trace of one of its operations.
     static constexpr CTraceSource TraceOf{L"CFru"};
 
-    // --- Image ------------------------------------------------------------------------------------
-
     CFruHeader& GetFRUHeader();
     FRU_LOCATOR* GetDevLocator();
+    /// The same without a trace, for functions that trace themselves.
+    CFruHeader& Header() { return m_header; }
+    FRU_LOCATOR& Locator() { return m_locator; }
+    MULTIRECORD_AREA& MultiRecords() { return m_multiRecords; }
     CFileHeader& GetFileHeader() { return m_fileHeader; }
     CInternalUseArea& GetInternalUseArea() { return m_internalUse; }
     CChassisInfoArea& GetChassisInfoArea() { return m_chassis; }
@@ -51,10 +50,6 @@ class CFru {
     EFI_STATUS GetFruNameString(const WCHAR*& name) const;
     UINTN GetInternalAreaLength() const;
     UINT16 GetMultiRecAreaLength() const;
-    /// Has no effect. @return 0
-    EFI_STATUS CreateFruList();
-    /// Not supported: a fatal assertion.
-    EFI_STATUS LoadFromFile(std::FILE* file);
 
     bool HasInternalArea() const;
     bool HasChassisArea() const;
@@ -88,78 +83,29 @@ class CFru {
     /// buffer, when an argument is null or `bufferBytes` is below 100.
     static const WCHAR* GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* buffer, int bufferBytes);
 
-    // --- FRU text file ----------------------------------------------------------------------------
-
-    /// Fills this image from a file; what was read before a failure stays. A null name is a fatal assertion.
-    /// @return 0, FILE_READ_ERROR
+    // The functions of these names in image/frutextfile.h and system/frudevice.h, for this image.
     EFI_STATUS ReadFRUFromFile(const char* filename);
-    /// Reads the area block whose tag is on `line`; `data` is valid until the next call of any CFru.
-    /// @return 0, MISSING_AREA_TAG, AREA_TOO_BIG, UNEXPECTED_CHARACTER
-    static EFI_STATUS ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length);
-    /// Turns a ParseArea failure into the last error.
-    static void SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename);
-    /// Sets multiRecLength and decodes the chain of a text file's block.
-    EFI_STATUS TakeMultiRecBlock(const UINT8* data, UINTN length);
-
-    /// Writes this image to a file; a failure leaves the sections written so far.
-    /// @return 0, OUT_OF_MEMORY, FILE_CREATE_ERROR, FILE_WRITE_ERROR
     EFI_STATUS SaveFRUToFile(const char* path);
-
-    // --- Device -----------------------------------------------------------------------------------
-
-    /// Takes over the address and the name of `locator` and fills this image from the device there; areas read
-    /// before a failure stay. A null locator is a fatal assertion, here and below.
-    /// @return 0, NOT_IPMI_FRU, CHECKSUM_ERROR, READ_FRU_ERROR, an INVALID_..._AREA code, OUT_OF_MEMORY, or a
-    ///         transport value
     EFI_STATUS LoadFromSystem(const FRU_LOCATOR* locator);
-    /// Reads `length` bytes at `offset` of the device. A null buffer is a fatal assertion.
-    /// @return 0, READ_FRU_ERROR, or a transport value
-    static EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data);
-    /// Writes the header, the board area and the modified areas to the device that the locator names, and
-    /// reports each step to `progress`, which is read anew for each: a callback may exchange or clear it. Areas written
-    /// before a failure stay written. @return 0, WRITE_SYSTEM_ERROR
     EFI_STATUS WriteToSystem(const FRU_PROGRESS_CALLBACK& progress);
-    /// Writes to the device, by the path that its BMC has. @return 0, WRITE_FRU_ERROR, or a transport value
-    EFI_STATUS WriteFruData(UINT32 offset, UINT32 length, const UINT8* data);
-    static void Sleep(unsigned int seconds);
+    static EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data);
 
-  private:
-    EFI_STATUS ReadFruFromSystem(const FRU_LOCATOR* locator);
-    EFI_STATUS ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data);
-    EFI_STATUS GetCommonHeader(const FRU_LOCATOR* locator);
-    EFI_STATUS GetBoardArea(const FRU_LOCATOR* locator);
-    EFI_STATUS GetProductArea(const FRU_LOCATOR* locator);
-    EFI_STATUS GetChassisArea(const FRU_LOCATOR* locator);
-    EFI_STATUS GetInternalArea(const FRU_LOCATOR* locator);
-    EFI_STATUS GetMultiRecArea(const FRU_LOCATOR* locator);
-    EFI_STATUS ReadMultiRecords(const FRU_LOCATOR* locator);
-    /// Reads the area at `offset` (8-byte units). A `length` above `capacity` was not read.
-    static EFI_STATUS GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
-                                        UINT16& length);
-    struct DEVICE_AREA;
-    /// Reads and parses one info area. @return 0, its own status, or for the product area a read status
-    EFI_STATUS ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row);
-    static EFI_STATUS GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length);
-    static EFI_STATUS GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length);
-    static EFI_STATUS ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer);
-    /// @param length in: bytes wanted; out: bytes read
+    // Complete the interface; the library itself calls none of them. The first six are functions as above.
+    static EFI_STATUS ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length);
+    static void SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename);
     static EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length);
+    EFI_STATUS WriteFruData(UINT32 offset, UINT32 length, const UINT8* data);
     static EFI_STATUS WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
     static EFI_STATUS WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length);
-    bool WriteAreas(const FRU_PROGRESS_CALLBACK& progress);
+    static void Sleep(unsigned int seconds);
+    /// Has no effect. @return 0
+    EFI_STATUS CreateFruList();
+    /// Not supported: a fatal assertion.
+    EFI_STATUS LoadFromFile(std::FILE* file);
 
-    EFI_STATUS SaveFRUFileHeader(const char* path);
-    EFI_STATUS SaveFRUCommonHeader(const char* path);
-    EFI_STATUS SaveInternalAreaToFile(const char* path);
-    EFI_STATUS SaveChassisAreaToFile(const char* path);
-    EFI_STATUS SaveBoardAreaToFile(const char* path);
-    EFI_STATUS SaveProductAreaToFile(const char* path);
-    EFI_STATUS SaveMultiRecAreaToFile(const char* path);
-
+  private:
     CFruHeader m_header;
-    std::unique_ptr<FRUMultiRecord> m_multiRecords;
-    UINT16 m_multiRecLength = 0;
-    bool m_multiRecModified = false;
+    MULTIRECORD_AREA m_multiRecords;
     FRU_LOCATOR m_locator;
     CFileHeader m_fileHeader;
     CInternalUseArea m_internalUse;

@@ -1,7 +1,7 @@
 // Reading one area block of a FRU text file.
 #include "common/assertion.h"
 #include "common/lasterror.h"
-#include "frudata/image/fru.h"
+#include "frudata/image/frutextfile.h"
 #include "frudata/image/textfilekeys.h"
 
 #include <array>
@@ -135,8 +135,8 @@ CAreaBlock g_areaBlock;
 
 } // namespace
 
-EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
-    const CTrace trace = TraceOf(L"ParseArea");
+EFI_STATUS ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& data, UINTN& length) {
+    const CTrace trace = CFru::TraceOf(L"ParseArea");
     g_areaBlock.Clear();
     if (!file.LineContains(line, tag))
         return trace.Fail(L"Missing Area Tag", FRU_STATUS_MISSING_AREA_TAG);
@@ -156,7 +156,7 @@ EFI_STATUS CFru::ParseArea(const char* tag, const CFile& file, UINTN line, UINT8
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename) {
+void SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const char* filename) {
     static constexpr struct {
         EFI_STATUS status;
         const WCHAR* reason;
@@ -167,7 +167,7 @@ void CFru::SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, co
         {FRU_STATUS_UNEXPECTED_CHARACTER, L"Unexpected Character", STRING_FILE_UNEXPECTED_CHARACTER},
         {FRU_STATUS_SUCCESS, L"Area Parse Error", STRING_FILE_AREA_INVALID}, // every other failure
     };
-    const CTrace trace = TraceOf(L"SetParseAreaErrorMessage");
+    const CTrace trace = CFru::TraceOf(L"SetParseAreaErrorMessage");
     Assert(status != FRU_STATUS_SUCCESS, SOURCE_FILE, "status");
     const auto* row = MESSAGES;
     while (row->status != FRU_STATUS_SUCCESS && row->status != status)

@@ -1,7 +1,8 @@
 // Reading a FRU text file: a state machine over its lines, one row a state.
 #include "common/assertion.h"
 #include "common/lasterror.h"
-#include "frudata/image/fru.h"
+#include "frudata/image/frutextfile.h"
+#include "frudata/image/platform.h"
 #include "frudata/image/textfilekeys.h"
 
 #include <cstdlib>
@@ -148,7 +149,8 @@ template <FRU_AREA AREA> bool StoreInfoArea(CFru& fru, const UINT8* data, UINTN 
 
 bool StoreMultiRecords(CFru& fru, const UINT8* data, UINTN length) {
     Assert(length >= MULTIRECORD_HEADER_LENGTH, SOURCE_FILE, "length >= 5");
-    return fru.TakeMultiRecBlock(data, length) == FRU_STATUS_SUCCESS;
+    fru.MultiRecords().length = static_cast<UINT16>(length);
+    return fru.DecodeMultiRecArea(data) == FRU_STATUS_SUCCESS;
 }
 
 void StoreDataLength(CFru& fru, UINT32 number) {
@@ -290,10 +292,10 @@ template <auto STORE> READ_STATE CFruFileReader::ReadNumber(const READ_STEP& ste
 template <auto STORE> READ_STATE CFruFileReader::ReadArea(const READ_STEP& step) {
     UINT8* data = nullptr;
     UINTN length = 0;
-    const EFI_STATUS status = CFru::ParseArea(step.key.data(), m_file, m_line, data, length);
+    const EFI_STATUS status = ParseArea(step.key.data(), m_file, m_line, data, length);
     if (status != FRU_STATUS_SUCCESS) {
         m_trace.Fail(L"Area Parse Error");
-        CFru::SetParseAreaErrorMessage(status, GetText(step.name), m_filename);
+        SetParseAreaErrorMessage(status, GetText(step.name), m_filename);
         return READ_FAILED;
     }
     if (!STORE(m_fru, data, length)) {
@@ -315,8 +317,8 @@ READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
 
 } // namespace
 
-EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
-    const CTrace trace = TraceOf(L"ReadFRUFromFile");
+EFI_STATUS ReadFRUFromFile(CFru& fru, const char* filename) {
+    const CTrace trace = CFru::TraceOf(L"ReadFRUFromFile");
     Assert(filename != nullptr, SOURCE_FILE, "filename");
     CFile file;
     if (!file.Open(filename)) {
@@ -326,7 +328,7 @@ EFI_STATUS CFru::ReadFRUFromFile(const char* filename) {
     }
     file.StripRightFromSequence(FRU_COMMENT);
     file.Strip();
-    const READ_STATE state = CFruFileReader(*this, file, filename, trace).Run();
+    const READ_STATE state = CFruFileReader(fru, file, filename, trace).Run();
     if (state == READ_DONE)
         return trace.Exit(FRU_STATUS_SUCCESS);
     if (state != READ_FAILED) {

@@ -2,7 +2,7 @@
 #include "common/allocate.h"
 #include "common/lasterror.h"
 #include "common/openfile.h"
-#include "frudata/image/fru.h"
+#include "frudata/image/frutextfile.h"
 #include "frudata/image/textfilekeys.h"
 
 namespace Frudata_Private {
@@ -120,37 +120,10 @@ void WriteRecord(std::FILE* file, const FRUMultiRecord& record) {
     std::fputs("\n ", file);
 }
 
-} // namespace
-
-EFI_STATUS CFru::SaveFRUToFile(const char* path) {
-    const CTrace trace = TraceOf(L"SaveFRUToFile");
-    const struct {
-        bool isPresent;
-        EFI_STATUS (CFru::*save)(const char* path);
-    } sections[] = {
-        {true, &CFru::SaveFRUFileHeader},
-        {true, &CFru::SaveFRUCommonHeader},
-        {m_header.Has(FRU_HEADER_INTERNAL_USE), &CFru::SaveInternalAreaToFile},
-        {m_header.Has(FRU_HEADER_CHASSIS), &CFru::SaveChassisAreaToFile},
-        {m_header.Has(FRU_HEADER_BOARD), &CFru::SaveBoardAreaToFile},
-        {m_header.Has(FRU_HEADER_PRODUCT), &CFru::SaveProductAreaToFile},
-        {m_header.Has(FRU_HEADER_MULTIRECORD), &CFru::SaveMultiRecAreaToFile},
-    };
-    for (const auto& section : sections) {
-        const EFI_STATUS status = section.isPresent ? (this->*section.save)(path) : FRU_STATUS_SUCCESS;
-        if (status != FRU_STATUS_SUCCESS)
-            return status;
-    }
-    const SCOPED_FILE file = AppendSection(trace, path);
-    if (!file)
-        return FRU_STATUS_FILE_WRITE_ERROR;
-    std::fprintf(file.get(), "%s\n", FRU_CLOSE_PAREN);
-    return trace.Exit(FRU_STATUS_SUCCESS);
-}
-
-EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
-    const CTrace trace = TraceOf(L"SaveFRUFileHeader");
-    const std::unique_ptr<char[]> title = ToNarrowTitle(m_locator.name);
+EFI_STATUS SaveFRUFileHeader(CFru& fru, const char* path) {
+    const CTrace trace = CFru::TraceOf(L"SaveFRUFileHeader");
+    const FRU_LOCATOR& locator = fru.Locator();
+    const std::unique_ptr<char[]> title = ToNarrowTitle(locator.name);
     if (!title) {
         trace.Fail(L"FRU Error Allocation");
         RecordLastError(STRING_OUT_OF_MEMORY);
@@ -160,80 +133,109 @@ EFI_STATUS CFru::SaveFRUFileHeader(const char* path) {
     if (!file)
         return FRU_STATUS_FILE_CREATE_ERROR;
     WriteQuoted(file.get(), FRU_LF_NAME, path);
-    WriteVersion(file.get(), m_internalUse);
+    WriteVersion(file.get(), fru.GetInternalUseArea());
     WriteQuoted(file.get(), FRU_LF_FMT_VER, "1.50");
     WriteQuoted(file.get(), FRU_IMPI_VERSION, "1.00");
     std::fprintf(file.get(), "\n\n%s %s\n", FRU_FRU, FRU_OPEN_PAREN);
     WriteQuoted(file.get(), FRU_FRU_TITLE, title.get());
     std::fprintf(file.get(), "%s\t%s\n", FRU_START_ADDR, "0000");
-    std::fprintf(file.get(), "%s\t%04X\n", FRU_DATA_LEN, GetOverallLength());
-    WriteQuoted(file.get(), FRU_NVS_TYPE, TypeName(m_locator.type));
+    std::fprintf(file.get(), "%s\t%04X\n", FRU_DATA_LEN, fru.GetOverallLength());
+    WriteQuoted(file.get(), FRU_NVS_TYPE, TypeName(locator.type));
     // Compatibility: this one line has two tabs.
-    std::fprintf(file.get(), "%s\t\t%02X\n", FRU_DEV_ID, m_locator.deviceId);
+    std::fprintf(file.get(), "%s\t\t%02X\n", FRU_DEV_ID, locator.deviceId);
     const struct {
         const char* key;
         UINT8 value;
     } address[] = {
-        {FRU_DEV_CNTR, m_locator.controller},
-        {FRU_NVS_LUN, m_locator.lun},
-        {FRU_DEV_BUS, m_locator.bus},
-        {FRU_DEV_ADDRESS, m_locator.deviceAddress},
+        {FRU_DEV_CNTR, locator.controller},
+        {FRU_NVS_LUN, locator.lun},
+        {FRU_DEV_BUS, locator.bus},
+        {FRU_DEV_ADDRESS, locator.deviceAddress},
     };
     for (const auto& row : address)
         std::fprintf(file.get(), "%s\t%02X\n", row.key, row.value);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::SaveFRUCommonHeader(const char* path) {
-    const CTrace trace = TraceOf(L"SaveFRUCommonHeader");
+EFI_STATUS SaveFRUCommonHeader(CFru& fru, const char* path) {
+    const CTrace trace = CFru::TraceOf(L"SaveFRUCommonHeader");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;
     std::fprintf(file.get(), "%s\n", FRU_COMMON);
     for (UINTN place = 0; place < CFruHeader::FRU_HEADER_LENGTH; ++place) {
         std::fputc('\t', file.get());
-        WriteByte(file.get(), m_header[place], '\n');
+        WriteByte(file.get(), fru.Header()[place], '\n');
     }
     std::fprintf(file.get(), "\n\n");
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::SaveInternalAreaToFile(const char* path) {
-    const CTrace trace = TraceOf(L"SaveInternalAreaToFile");
+EFI_STATUS SaveInternalAreaToFile(CFru& fru, const char* path) {
+    const CTrace trace = CFru::TraceOf(L"SaveInternalAreaToFile");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;
+    const CInternalUseArea& area = fru.GetInternalUseArea();
     std::fprintf(file.get(), "%s\n", FRU_INTERNAL);
-    for (UINTN index = 0; index < m_internalUse.GetLength(); ++index) {
+    for (UINTN index = 0; index < area.GetLength(); ++index) {
         if (index % 16 == 0)
             std::fputs("\n\t", file.get());
-        WriteByte(file.get(), m_internalUse.GetData()[index], ' ');
+        WriteByte(file.get(), area.GetData()[index], ' ');
     }
     std::fprintf(file.get(), "\n\n\n");
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::SaveChassisAreaToFile(const char* path) {
-    return SaveInfoArea(TraceOf(L"SaveChassisAreaToFile"), path, FRU_CHASSIS, m_chassis);
+EFI_STATUS SaveChassisAreaToFile(CFru& fru, const char* path) {
+    return SaveInfoArea(CFru::TraceOf(L"SaveChassisAreaToFile"), path, FRU_CHASSIS, fru.GetChassisInfoArea());
 }
 
-EFI_STATUS CFru::SaveBoardAreaToFile(const char* path) {
-    return SaveInfoArea(TraceOf(L"SaveBoardAreaToFile"), path, FRU_BOARD, m_board);
+EFI_STATUS SaveBoardAreaToFile(CFru& fru, const char* path) {
+    return SaveInfoArea(CFru::TraceOf(L"SaveBoardAreaToFile"), path, FRU_BOARD, fru.GetBoardInfoArea());
 }
 
-EFI_STATUS CFru::SaveProductAreaToFile(const char* path) {
-    return SaveInfoArea(TraceOf(L"SaveProductAreaToFile"), path, FRU_PRODUCT, m_product);
+EFI_STATUS SaveProductAreaToFile(CFru& fru, const char* path) {
+    return SaveInfoArea(CFru::TraceOf(L"SaveProductAreaToFile"), path, FRU_PRODUCT, fru.GetProductInfoArea());
 }
 
-EFI_STATUS CFru::SaveMultiRecAreaToFile(const char* path) {
-    const CTrace trace = TraceOf(L"SaveMultiRecAreaToFile");
+EFI_STATUS SaveMultiRecAreaToFile(CFru& fru, const char* path) {
+    const CTrace trace = CFru::TraceOf(L"SaveMultiRecAreaToFile");
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)
         return FRU_STATUS_FILE_WRITE_ERROR;
     std::fprintf(file.get(), "%s\n", FRU_MULTIREC);
-    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get())
+    for (const FRUMultiRecord* record = fru.MultiRecords().first.get(); record; record = record->next.get())
         WriteRecord(file.get(), *record);
     std::fprintf(file.get(), "\n");
+    return trace.Exit(FRU_STATUS_SUCCESS);
+}
+
+} // namespace
+
+EFI_STATUS SaveFRUToFile(CFru& fru, const char* path) {
+    const CTrace trace = CFru::TraceOf(L"SaveFRUToFile");
+    const struct {
+        bool isPresent;
+        EFI_STATUS (*save)(CFru& fru, const char* path);
+    } sections[] = {
+        {true, SaveFRUFileHeader},
+        {true, SaveFRUCommonHeader},
+        {fru.Header().Has(FRU_HEADER_INTERNAL_USE), SaveInternalAreaToFile},
+        {fru.Header().Has(FRU_HEADER_CHASSIS), SaveChassisAreaToFile},
+        {fru.Header().Has(FRU_HEADER_BOARD), SaveBoardAreaToFile},
+        {fru.Header().Has(FRU_HEADER_PRODUCT), SaveProductAreaToFile},
+        {fru.Header().Has(FRU_HEADER_MULTIRECORD), SaveMultiRecAreaToFile},
+    };
+    for (const auto& section : sections) {
+        const EFI_STATUS status = section.isPresent ? section.save(fru, path) : FRU_STATUS_SUCCESS;
+        if (status != FRU_STATUS_SUCCESS)
+            return status;
+    }
+    const SCOPED_FILE file = AppendSection(trace, path);
+    if (!file)
+        return FRU_STATUS_FILE_WRITE_ERROR;
+    std::fprintf(file.get(), "%s\n", FRU_CLOSE_PAREN);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 

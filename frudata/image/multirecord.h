@@ -1,4 +1,4 @@
-// One record of the multi-record area (FRU Information Storage Definition, section 16).
+// The multi-record area (FRU Information Storage Definition, section 16).
 #pragma once
 
 #include "frudata/types.h"
@@ -38,6 +38,13 @@ struct FRUMultiRecord {
     void EncodeHeader(UINT8* bytes) const;
     /// Whether header and data each sum to 0 modulo 256.
     bool IsValid() const;
+};
+
+/// The area of one image.
+struct MULTIRECORD_AREA {
+    std::unique_ptr<FRUMultiRecord> first;
+    UINT16 length = 0;       ///< in bytes
+    bool isModified = false; ///< since it was read or written
 };
 
 /// Appends records to a chain without walking it.

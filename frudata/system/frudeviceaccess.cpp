@@ -1,12 +1,11 @@
 // Moving FRU inventory bytes from and to a device, a few at a time.
 #include "common/assertion.h"
-#include "frudata/image/fru.h"
+#include "frudata/image/platform.h"
 #include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 
 #include <algorithm>
 #include <cstring>
-#include <unistd.h>
 
 namespace Frudata_Private {
 
@@ -110,8 +109,8 @@ EFI_STATUS LockFlash(const FRU_LOCATOR&) {
 
 } // namespace
 
-EFI_STATUS CFru::ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length) {
-    const CTrace trace = TraceOf(L"ReadFruDataFromBmc");
+EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* buffer, UINT16& length) {
+    const CTrace trace = CFru::TraceOf(L"ReadFruDataFromBmc");
     int remaining = length;
     length = 0;
     if (locator.type == FRU_TYPE_NONE)
@@ -144,23 +143,23 @@ EFI_STATUS CFru::ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, U
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data) {
-    const CTrace trace = TraceOf(L"ReadDataFromFRU");
+EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data) {
+    const CTrace trace = CFru::TraceOf(L"ReadDataFromFRU");
     Assert(locator != nullptr, SOURCE_FILE, "locator");
     Assert(data != nullptr, SOURCE_FILE, "data");
     const EFI_STATUS status = ReadFruDataFromBmc(*locator, offset, data, length);
     return trace.End(status);
 }
 
-EFI_STATUS CFru::WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
-    const CTrace trace = TraceOf(L"WriteFruDataToBmc");
+EFI_STATUS WriteFruDataToBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
+    const CTrace trace = CFru::TraceOf(L"WriteFruDataToBmc");
     const EFI_STATUS status = WriteChunks(locator, locator.type == FRU_TYPE_IMBDEVICE, offset, data, length);
     if (status == FRU_STATUS_WRITE_FRU_ERROR)
         trace.Fail(L"Error Writing FRU");
     return trace.End(status);
 }
 
-EFI_STATUS CFru::WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
+EFI_STATUS WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, const UINT8* data, UINT32 length) {
     if (offset == 0 && locator.type == FRU_TYPE_MBMC_FRU && LockFlash(locator) != FRU_STATUS_SUCCESS) {
         Dbg(L"\nLockFlash Error\n", TRACE_ERROR);
         return FRU_STATUS_LOCK_FLASH_ERROR;
@@ -169,18 +168,12 @@ EFI_STATUS CFru::WriteFruDataTomBmc(const FRU_LOCATOR& locator, UINT32 offset, c
     return WriteChunks(locator, useFruCommands, offset, data, length);
 }
 
-EFI_STATUS CFru::WriteFruData(UINT32 offset, UINT32 length, const UINT8* data) {
-    const CTrace trace = TraceOf(L"WriteFruData");
+EFI_STATUS WriteFruData(const FRU_LOCATOR& locator, UINT32 offset, UINT32 length, const UINT8* data) {
+    const CTrace trace = CFru::TraceOf(L"WriteFruData");
     const bool isMbmc = g_BMCType != BMC_TYPE_BMC && g_fdPlatform == FRU_PLATFORM_MBMC;
-    const EFI_STATUS status = isMbmc ? WriteFruDataTomBmc(m_locator, offset, data, length)
-                                     : WriteFruDataToBmc(m_locator, offset, data, length);
+    const EFI_STATUS status =
+        isMbmc ? WriteFruDataTomBmc(locator, offset, data, length) : WriteFruDataToBmc(locator, offset, data, length);
     return trace.End(status);
-}
-
-void CFru::Sleep(unsigned int seconds) {
-    const CTrace trace = TraceOf(L"Sleep");
-    sleep(seconds);
-    trace.Exit();
 }
 
 } // namespace Frudata_Private

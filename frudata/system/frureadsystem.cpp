@@ -1,7 +1,7 @@
 // Filling a FRU image from a device.
 #include "common/assertion.h"
 #include "common/lasterror.h"
-#include "frudata/image/fru.h"
+#include "frudata/system/frudevice.h"
 
 #include <optional>
 
@@ -18,57 +18,12 @@ constexpr UINT16 MULTIRECORD_BUFFER = 915;
 /// Offsets on a device have 16 bits.
 constexpr UINTN LAST_OFFSET = 0xFFFF;
 
-/// Records a message about the FRU at `locator`.
-void RecordFruError(STRING_ID message, const FRU_LOCATOR* locator) {
-    WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
-    RecordLastError(message, CFru::GetFriendlyFruIdentifier(locator, identifier, FRU_IDENTIFIER_BYTES));
-}
-
 void AssertLocator(const FRU_LOCATOR* locator) {
     Assert(locator != nullptr, SOURCE_FILE, "locator");
 }
 
-} // namespace
-
-EFI_STATUS CFru::LoadFromSystem(const FRU_LOCATOR* locator) {
-    const CTrace trace = TraceOf(L"LoadFromSystem");
-    AssertLocator(locator);
-    m_locator.deviceAddress = locator->deviceAddress;
-    m_locator.bus = locator->bus;
-    m_locator.deviceId = locator->deviceId;
-    m_locator.controller = locator->controller;
-    m_locator.lun = locator->lun;
-    m_locator.type = locator->type;
-    m_locator.mbmcSizeAddress = locator->mbmcSizeAddress;
-    m_locator.mbmcSizeData = locator->mbmcSizeData;
-    m_locator.SetName(locator->name);
-    const EFI_STATUS status = ReadFruFromSystem(locator);
-    return trace.End(status);
-}
-
-EFI_STATUS CFru::ReadFruFromSystem(const FRU_LOCATOR* locator) {
-    static constexpr struct {
-        FRU_HEADER_BYTE area;
-        EFI_STATUS (CFru::*read)(const FRU_LOCATOR* locator);
-    } AREAS[] = {
-        {FRU_HEADER_BOARD, &CFru::GetBoardArea},          {FRU_HEADER_PRODUCT, &CFru::GetProductArea},
-        {FRU_HEADER_CHASSIS, &CFru::GetChassisArea},      {FRU_HEADER_INTERNAL_USE, &CFru::GetInternalArea},
-        {FRU_HEADER_MULTIRECORD, &CFru::GetMultiRecArea},
-    };
-    const CTrace trace = TraceOf(L"ReadFruFromSystem");
-    AssertLocator(locator);
-    EFI_STATUS status = GetCommonHeader(locator);
-    for (const auto& row : AREAS) {
-        if (status != FRU_STATUS_SUCCESS)
-            return status;
-        if (m_header.Has(row.area))
-            status = (this->*row.read)(locator);
-    }
-    return trace.End(status);
-}
-
-EFI_STATUS CFru::ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
-    const CTrace trace = TraceOf(L"ReadFRUHeader");
+EFI_STATUS ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
+    const CTrace trace = CFru::TraceOf(L"ReadFRUHeader");
     AssertLocator(locator);
     Assert(data != nullptr, SOURCE_FILE, "data");
     const EFI_STATUS status = ReadDataFromFRU(locator, 0, CFruHeader::FRU_HEADER_LENGTH, data);
@@ -79,8 +34,8 @@ EFI_STATUS CFru::ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
     return status;
 }
 
-EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
-    const CTrace trace = TraceOf(L"GetCommonHeader");
+EFI_STATUS GetCommonHeader(CFru& fru, const FRU_LOCATOR* locator) {
+    const CTrace trace = CFru::TraceOf(L"GetCommonHeader");
     UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {};
     const EFI_STATUS status = ReadFRUHeader(locator, header);
     if (status != FRU_STATUS_SUCCESS)
@@ -90,8 +45,8 @@ EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
         RecordLastError(STRING_NOT_IPMI_FRU);
         return FRU_STATUS_NOT_IPMI_FRU;
     }
-    m_header.SetData(header);
-    if (!m_header.IsValid()) {
+    fru.Header().SetData(header);
+    if (!fru.Header().IsValid()) {
         trace.Fail(L"Invalid Header Area");
         RecordFruError(STRING_INVALID_HEADER, locator);
         return FRU_STATUS_CHECKSUM_ERROR;
@@ -99,9 +54,10 @@ EFI_STATUS CFru::GetCommonHeader(const FRU_LOCATOR* locator) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
-                                   UINT16& length) {
-    const CTrace trace = TraceOf(L"GetTypeLengthArea");
+/// Reads the area at `offset` (8-byte units). A `length` above `capacity` was not read.
+EFI_STATUS GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UINT16 capacity, UINT16 offset,
+                             UINT16& length) {
+    const CTrace trace = CFru::TraceOf(L"GetTypeLengthArea");
     AssertLocator(locator);
     const auto start = static_cast<UINT16>(offset * 8);
     UINT8 areaStart[2] = {};
@@ -116,8 +72,8 @@ EFI_STATUS CFru::GetTypeLengthArea(const FRU_LOCATOR* locator, UINT8* buffer, UI
     return trace.End(status);
 }
 
-/// An info area on the device, and what is said of a failure.
-struct CFru::DEVICE_AREA {
+/// An info area on the device, and the messages of its failures.
+struct DEVICE_AREA {
     const WCHAR* operation = nullptr;
     FRU_HEADER_BYTE place = FRU_HEADER_BOARD;
     FRU_AREA area = FRU_AREA_NONE;
@@ -128,14 +84,15 @@ struct CFru::DEVICE_AREA {
     std::optional<STRING_ID> message;
 };
 
-EFI_STATUS CFru::ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row) {
-    const CTrace trace = TraceOf(row.operation);
+/// Reads and parses one info area. @return 0, its own status, or for the product area a read status
+EFI_STATUS ReadInfoArea(CFru& fru, const FRU_LOCATOR* locator, const DEVICE_AREA& row) {
+    const CTrace trace = CFru::TraceOf(row.operation);
     UINT8 buffer[AREA_BUFFER];
     UINT16 length = 0;
-    const EFI_STATUS status = GetTypeLengthArea(locator, buffer, row.room, m_header[row.place], length);
+    const EFI_STATUS status = GetTypeLengthArea(locator, buffer, row.room, fru.Header()[row.place], length);
     if (status != FRU_STATUS_SUCCESS && !row.message)
         return status;
-    if (status == FRU_STATUS_SUCCESS && length <= row.room && GetInfoArea(row.area)->SetData(buffer, length))
+    if (status == FRU_STATUS_SUCCESS && length <= row.room && fru.GetInfoArea(row.area)->SetData(buffer, length))
         return trace.Exit(FRU_STATUS_SUCCESS);
     trace.Fail(row.failure);
     if (row.message)
@@ -143,53 +100,56 @@ EFI_STATUS CFru::ReadInfoArea(const FRU_LOCATOR* locator, const DEVICE_AREA& row
     return row.refused;
 }
 
-EFI_STATUS CFru::GetBoardArea(const FRU_LOCATOR* locator) {
-    return ReadInfoArea(locator, {L"GetBoardArea", FRU_HEADER_BOARD, FRU_AREA_BOARD, AREA_BUFFER, L"Invalid Board Area",
-                                  FRU_STATUS_INVALID_BOARD_AREA, STRING_INVALID_BOARD_AREA});
+EFI_STATUS GetBoardArea(CFru& fru, const FRU_LOCATOR* locator) {
+    return ReadInfoArea(fru, locator,
+                        {L"GetBoardArea", FRU_HEADER_BOARD, FRU_AREA_BOARD, AREA_BUFFER, L"Invalid Board Area",
+                         FRU_STATUS_INVALID_BOARD_AREA, STRING_INVALID_BOARD_AREA});
 }
 
-EFI_STATUS CFru::GetChassisArea(const FRU_LOCATOR* locator) {
-    return ReadInfoArea(locator,
+EFI_STATUS GetChassisArea(CFru& fru, const FRU_LOCATOR* locator) {
+    return ReadInfoArea(fru, locator,
                         {L"GetChassisArea", FRU_HEADER_CHASSIS, FRU_AREA_CHASSIS, AREA_BUFFER, L"Invalid Chassis Area",
                          FRU_STATUS_INVALID_CHASSIS_AREA, STRING_INVALID_CHASSIS_AREA});
 }
 
 // Compatibility: this area alone leaves no message.
-EFI_STATUS CFru::GetProductArea(const FRU_LOCATOR* locator) {
-    return ReadInfoArea(locator, {L"GetProductArea", FRU_HEADER_PRODUCT, FRU_AREA_PRODUCT, PRODUCT_BUFFER,
-                                  L"Invalid Product Area", FRU_STATUS_INVALID_PRODUCT_AREA, std::nullopt});
+EFI_STATUS GetProductArea(CFru& fru, const FRU_LOCATOR* locator) {
+    return ReadInfoArea(fru, locator,
+                        {L"GetProductArea", FRU_HEADER_PRODUCT, FRU_AREA_PRODUCT, PRODUCT_BUFFER,
+                         L"Invalid Product Area", FRU_STATUS_INVALID_PRODUCT_AREA, std::nullopt});
 }
 
-EFI_STATUS CFru::GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length) {
-    const CTrace trace = TraceOf(L"GetFRUInternalData");
+EFI_STATUS GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 offset, UINT16 length) {
+    const CTrace trace = CFru::TraceOf(L"GetFRUInternalData");
     AssertLocator(locator);
     const EFI_STATUS status = ReadDataFromFRU(locator, static_cast<UINT16>(offset * 8), length, buffer);
     return trace.End(status);
 }
 
-EFI_STATUS CFru::GetInternalArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = TraceOf(L"GetInternalArea");
+EFI_STATUS GetInternalArea(CFru& fru, const FRU_LOCATOR* locator) {
+    const CTrace trace = CFru::TraceOf(L"GetInternalArea");
     AssertLocator(locator);
     // The area has no length of its own: it ends where the first area behind it in the header starts.
     // Compatibility: first in the header's order, not on the device.
+    const CFruHeader& header = fru.Header();
     UINTN next = FRU_HEADER_CHASSIS;
-    while (next <= FRU_HEADER_MULTIRECORD && m_header[next] == 0)
+    while (next <= FRU_HEADER_MULTIRECORD && header[next] == 0)
         ++next;
     Assert(next <= FRU_HEADER_MULTIRECORD, SOURCE_FILE, "0");
-    const UINT8 offset = m_header[FRU_HEADER_INTERNAL_USE];
-    const int length = (m_header[next] - offset) * 8;
+    const UINT8 offset = header[FRU_HEADER_INTERNAL_USE];
+    const int length = (header[next] - offset) * 8;
     UINT8 buffer[AREA_BUFFER];
     if (length >= 0 && length <= static_cast<int>(CInternalUseArea::SIZE) &&
         GetFRUInternalData(locator, buffer, offset, static_cast<UINT16>(length)) == FRU_STATUS_SUCCESS &&
-        m_internalUse.SetData(buffer, static_cast<UINTN>(length), false))
+        fru.GetInternalUseArea().SetData(buffer, static_cast<UINTN>(length), false))
         return trace.Exit(FRU_STATUS_SUCCESS);
     trace.Fail(L"Invalid Internal Area");
     RecordFruError(STRING_INVALID_INTERNAL_AREA, locator);
     return FRU_STATUS_INVALID_INTERNAL_AREA;
 }
 
-EFI_STATUS CFru::GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length) {
-    const CTrace trace = TraceOf(L"GetMultiRecLength");
+EFI_STATUS GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UINT8& length) {
+    const CTrace trace = CFru::TraceOf(L"GetMultiRecLength");
     AssertLocator(locator);
     UINT8 recordStart[3] = {};
     const EFI_STATUS status = ReadDataFromFRU(locator, offset, sizeof recordStart, recordStart);
@@ -197,17 +157,18 @@ EFI_STATUS CFru::GetMultiRecLength(const FRU_LOCATOR* locator, UINT16 offset, UI
     return trace.End(status);
 }
 
-EFI_STATUS CFru::ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer) {
-    const CTrace trace = TraceOf(L"ReadMultiRecord");
+EFI_STATUS ReadMultiRecord(const FRU_LOCATOR* locator, UINT16 offset, UINT16 count, UINT8* buffer) {
+    const CTrace trace = CFru::TraceOf(L"ReadMultiRecord");
     AssertLocator(locator);
     const EFI_STATUS status = ReadDataFromFRU(locator, offset, count, buffer);
     return trace.End(status);
 }
 
-EFI_STATUS CFru::ReadMultiRecords(const FRU_LOCATOR* locator) {
-    m_multiRecords.reset();
-    CMultiRecordAppender records(m_multiRecords);
-    const UINTN start = m_header.Offset(FRU_HEADER_MULTIRECORD);
+EFI_STATUS ReadMultiRecords(CFru& fru, const FRU_LOCATOR* locator) {
+    MULTIRECORD_AREA& area = fru.MultiRecords();
+    area.first.reset();
+    CMultiRecordAppender records(area.first);
+    const UINTN start = fru.Header().Offset(FRU_HEADER_MULTIRECORD);
     UINTN offset = start;
     bool isLast = false;
     while (!isLast) {
@@ -228,13 +189,13 @@ EFI_STATUS CFru::ReadMultiRecords(const FRU_LOCATOR* locator) {
         offset += count;
         isLast = (record->format & MULTIRECORD_END_OF_LIST) != 0;
     }
-    m_multiRecLength = static_cast<UINT16>(offset - start);
-    return CheckMultiRecCheckSum() ? FRU_STATUS_SUCCESS : FRU_STATUS_INVALID_MULTIREC_AREA;
+    area.length = static_cast<UINT16>(offset - start);
+    return fru.CheckMultiRecCheckSum() ? FRU_STATUS_SUCCESS : FRU_STATUS_INVALID_MULTIREC_AREA;
 }
 
-EFI_STATUS CFru::GetMultiRecArea(const FRU_LOCATOR* locator) {
-    const CTrace trace = TraceOf(L"GetMultiRecArea");
-    const EFI_STATUS status = ReadMultiRecords(locator);
+EFI_STATUS GetMultiRecArea(CFru& fru, const FRU_LOCATOR* locator) {
+    const CTrace trace = CFru::TraceOf(L"GetMultiRecArea");
+    const EFI_STATUS status = ReadMultiRecords(fru, locator);
     if (status == FRU_STATUS_OUT_OF_MEMORY) {
         trace.Fail(L"FRU Error Allocation");
         RecordLastError(STRING_OUT_OF_MEMORY);
@@ -246,6 +207,46 @@ EFI_STATUS CFru::GetMultiRecArea(const FRU_LOCATOR* locator) {
         return status;
     }
     return trace.Exit(status);
+}
+
+EFI_STATUS ReadFruFromSystem(CFru& fru, const FRU_LOCATOR* locator) {
+    static constexpr struct {
+        FRU_HEADER_BYTE area;
+        EFI_STATUS (*read)(CFru& fru, const FRU_LOCATOR* locator);
+    } AREAS[] = {
+        {FRU_HEADER_BOARD, GetBoardArea},          {FRU_HEADER_PRODUCT, GetProductArea},
+        {FRU_HEADER_CHASSIS, GetChassisArea},      {FRU_HEADER_INTERNAL_USE, GetInternalArea},
+        {FRU_HEADER_MULTIRECORD, GetMultiRecArea},
+    };
+    const CTrace trace = CFru::TraceOf(L"ReadFruFromSystem");
+    AssertLocator(locator);
+    EFI_STATUS status = GetCommonHeader(fru, locator);
+    for (const auto& row : AREAS) {
+        if (status != FRU_STATUS_SUCCESS)
+            return status;
+        if (fru.Header().Has(row.area))
+            status = row.read(fru, locator);
+    }
+    return trace.End(status);
+}
+
+} // namespace
+
+EFI_STATUS LoadFromSystem(CFru& fru, const FRU_LOCATOR* locator) {
+    const CTrace trace = CFru::TraceOf(L"LoadFromSystem");
+    AssertLocator(locator);
+    FRU_LOCATOR& own = fru.Locator();
+    own.deviceAddress = locator->deviceAddress;
+    own.bus = locator->bus;
+    own.deviceId = locator->deviceId;
+    own.controller = locator->controller;
+    own.lun = locator->lun;
+    own.type = locator->type;
+    own.mbmcSizeAddress = locator->mbmcSizeAddress;
+    own.mbmcSizeData = locator->mbmcSizeData;
+    own.SetName(locator->name);
+    const EFI_STATUS status = ReadFruFromSystem(fru, locator);
+    return trace.End(status);
 }
 
 } // namespace Frudata_Private

@@ -1,7 +1,7 @@
 // Writing a FRU image back to its device.
-#include "common/lasterror.h"
+#include "common/stringresource.h"
+#include "common/textformat.h"
 #include "frudata/bmclib.h"
-#include "frudata/image/fru.h"
 #include "frudata/system/frudevice.h"
 
 namespace Frudata_Private {
@@ -11,10 +11,12 @@ namespace {
 constexpr std::size_t ADDRESS_TEXT_SIZE = 100;
 constexpr std::size_t WRITING_TEXT_SIZE = 256;
 
-/// Writes the areas one behind the other, wherever the header has them, and reports each.
+/// Writes the areas one behind the other and reports each.
+/// Compatibility: wherever the header has them.
 class CFruWriter {
   public:
-    CFruWriter(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) : m_fru(fru), m_progress(progress) {}
+    CFruWriter(const FRU_LOCATOR& locator, const FRU_PROGRESS_CALLBACK& progress)
+        : m_locator(locator), m_progress(progress) {}
 
     void Report(const WCHAR* text) const {
         if (m_progress)
@@ -22,7 +24,7 @@ class CFruWriter {
     }
 
     bool Write(const UINT8* data, UINTN length) {
-        if (m_fru.WriteFruData(m_offset, length, data) != FRU_STATUS_SUCCESS)
+        if (WriteFruData(m_locator, m_offset, length, data) != FRU_STATUS_SUCCESS)
             return false;
         m_offset += length;
         return true;
@@ -50,7 +52,7 @@ class CFruWriter {
     }
 
   private:
-    CFru& m_fru;
+    const FRU_LOCATOR& m_locator;
     const FRU_PROGRESS_CALLBACK& m_progress;
     UINT32 m_offset = 0;
 };
@@ -65,39 +67,43 @@ void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
     writer.Report(text);
 }
 
-} // namespace
-
-bool CFru::WriteAreas(const FRU_PROGRESS_CALLBACK& progress) {
-    CFruWriter writer(*this, progress);
-    ReportFru(writer, m_locator);
-    if (!writer.Write(m_header.GetData(), m_header.GetLength()))
+bool WriteAreas(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) {
+    CInternalUseArea& internalUse = fru.GetInternalUseArea();
+    CChassisInfoArea& chassis = fru.GetChassisInfoArea();
+    CBoardInfoArea& board = fru.GetBoardInfoArea();
+    CProductInfoArea& product = fru.GetProductInfoArea();
+    MULTIRECORD_AREA& multiRecords = fru.MultiRecords();
+    CFruWriter writer(fru.Locator(), progress);
+    ReportFru(writer, fru.Locator());
+    if (!writer.Write(fru.Header().GetData(), fru.Header().GetLength()))
         return false;
     // Compatibility: the board area goes out with every commit, modified or not.
-    if (!writer.WriteArea(m_internalUse, HasInternalArea() && m_internalUse.IsModified(),
+    if (!writer.WriteArea(internalUse, fru.HasInternalArea() && internalUse.IsModified(),
                           STRING_PROGRESS_INTERNAL_USE) ||
-        !writer.WriteArea(m_chassis, HasChassisArea() && m_chassis.IsModified(), STRING_PROGRESS_CHASSIS) ||
-        !writer.WriteArea(m_board, HasBoardArea() || m_board.IsModified(), STRING_PROGRESS_BOARD) ||
-        !writer.WriteArea(m_product, HasProductArea() && m_product.IsModified(), STRING_PROGRESS_PRODUCT))
+        !writer.WriteArea(chassis, fru.HasChassisArea() && chassis.IsModified(), STRING_PROGRESS_CHASSIS) ||
+        !writer.WriteArea(board, fru.HasBoardArea() || board.IsModified(), STRING_PROGRESS_BOARD) ||
+        !writer.WriteArea(product, fru.HasProductArea() && product.IsModified(), STRING_PROGRESS_PRODUCT))
         return false;
-    if (!HasMultiRecArea() || !m_multiRecModified)
+    if (!fru.HasMultiRecArea() || !multiRecords.isModified)
         return true;
     writer.Report(GetText(STRING_PROGRESS_MULTIRECORD));
-    for (const FRUMultiRecord* record = m_multiRecords.get(); record; record = record->next.get()) {
+    for (const FRUMultiRecord* record = multiRecords.first.get(); record; record = record->next.get()) {
         if (!writer.WriteRecord(*record))
             return false;
     }
-    m_multiRecModified = false;
+    multiRecords.isModified = false;
     return true;
 }
 
-EFI_STATUS CFru::WriteToSystem(const FRU_PROGRESS_CALLBACK& progress) {
-    const CTrace trace = TraceOf(L"WriteToSystem");
+} // namespace
+
+EFI_STATUS WriteToSystem(CFru& fru, const FRU_PROGRESS_CALLBACK& progress) {
+    const CTrace trace = CFru::TraceOf(L"WriteToSystem");
     GetBmcType(&g_BMCType);
-    if (WriteAreas(progress))
+    if (WriteAreas(fru, progress))
         return trace.Exit(FRU_STATUS_SUCCESS);
     trace.Fail(L"Error Writing System");
-    WCHAR identifier[FRU_IDENTIFIER_BYTES / sizeof(WCHAR)];
-    RecordLastError(STRING_DEVICE_NOT_WRITTEN, GetFriendlyFruIdentifier(&m_locator, identifier, FRU_IDENTIFIER_BYTES));
+    RecordFruError(STRING_DEVICE_NOT_WRITTEN, &fru.Locator());
     return FRU_STATUS_WRITE_SYSTEM_ERROR;
 }
 

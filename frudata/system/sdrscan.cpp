@@ -4,7 +4,6 @@
 
 #include "common/allocate.h"
 #include "common/trace.h"
-#include "frudata/system/frudevice.h"
 #include "frudata/system/messages.h"
 #include "frudata/system/sdrrecords.h"
 

@@ -3,6 +3,7 @@
 
 #include "common/allocate.h"
 #include "common/lasterror.h"
+#include "common/libfile.h"
 #include "common/placeholders.h"
 #include "frudata/image/fru.h"
 #include "frudata/system/fruproperties.h"
@@ -214,8 +215,19 @@ TEST_F(CPiecesTest, MembersKeptForHosts) {
     EXPECT_EQ(properties.GetNumberOfIpmiFrus(), 1) << "the number of FRUs";
     EXPECT_STREQ(properties.GetNumberOfIpmiFrusString(), L"1");
     CFru fru;
-    EXPECT_EQ(fru.CreateFruList() + fru.GetInternalAreaLength(), 0U);
+    EXPECT_EQ(fru.CreateFruList(), 0U);
     EXPECT_ASSERTION(fru.LoadFromFile(nullptr), "fru", "0");
+    UINT8 byte = 0;
+    UINT16 wanted = 1;
+    fru.GetDevLocator()->type = FRU_TYPE_NONE;
+    const FRU_LOCATOR& nowhere = *fru.GetDevLocator();
+    EXPECT_EQ(CFru::ReadFruDataFromBmc(nowhere, 0, &byte, wanted), FRU_STATUS_READ_FRU_ERROR);
+    EXPECT_EQ(wanted, 0);
+    for (const EFI_STATUS status : {fru.WriteFruData(0, 1, &byte), CFru::WriteFruDataToBmc(nowhere, 0, &byte, 1),
+                                    CFru::WriteFruDataTomBmc(nowhere, 0, &byte, 1)})
+        EXPECT_EQ(status, FRU_STATUS_WRITE_FRU_ERROR);
+    fru.GetDevLocator()->type = FRU_TYPE_IMBDEVICE;
+    EXPECT_EQ(fru.WriteFruData(1, 0, &byte), 0U) << "no byte, no request";
     SDR_TYPE sdr;
     sdr.fruLocators.reset(new TYPE11V15[1]);
     sdr.mcLocators.reset(new TYPE12V15[1]);
