@@ -1,6 +1,7 @@
 // Where a FRU device is, and how people write it.
 #pragma once
 
+#include "common/ipmi.h"
 #include "frudata/frudata.h"
 
 #include <string>
@@ -11,9 +12,9 @@ namespace Fructl {
 struct ADDRESS {
     FRU_TYPE type = FRU_TYPE_IMBDEVICE;
     UINT8 lun = 0;
-    UINT8 deviceAddress = 0x20;
-    UINT8 bus = 0xFF;
-    UINT8 controller = 0x20;
+    UINT8 deviceAddress = Frudata_Private::BMC_ADDRESS;
+    UINT8 bus = Frudata_Private::NO_BUS;
+    UINT8 controller = Frudata_Private::BMC_ADDRESS;
     UINT8 deviceId = 0;
     UINT8 mbmcSizeData = 0xFF;
     UINT16 mbmcSizeAddress = 0;

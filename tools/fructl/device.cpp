@@ -5,6 +5,8 @@
 #include "tools/fructl/toolerror.h"
 #include "tools/fructl/way.h"
 
+#include "common/ipmi.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -13,14 +15,10 @@
 
 namespace Fructl {
 
+using namespace Frudata_Private;
+
 namespace {
 
-constexpr UINT8 NETFN_APPLICATION = 0x06;
-constexpr UINT8 NETFN_STORAGE = 0x0A;
-constexpr UINT8 MASTER_WRITE_READ = 0x52;
-constexpr UINT8 FRU_AREA_INFO = 0x10;
-constexpr UINT8 READ_FRU_DATA = 0x11;
-constexpr UINT8 WRITE_FRU_DATA = 0x12;
 /// The memory access command of a DS1624 thermometer stands where the offset's high byte would be.
 constexpr UINT8 DS1624_ACCESS = 0x17;
 constexpr std::size_t DS1624_SIZE = 256;
@@ -36,14 +34,14 @@ constexpr std::size_t FRU_DEVICE_CHUNK = 16;
 
 /// How often a request is sent again after this answer, with growing pauses.
 int Retries(UINT8 code, bool eeprom) {
-    if (code == 0xC0 || code == 0x81)
+    if (code == COMPLETION_NODE_BUSY || code == COMPLETION_FRU_BUSY)
         return 20;
     // An EEPROM does not acknowledge while it stores what it was given before: some 10 milliseconds.
-    return eeprom && code == 0x83 ? 4 : 0;
+    return eeprom && code == COMPLETION_NO_ACKNOWLEDGE ? 4 : 0;
 }
 
 bool IsTooLong(UINT8 code) {
-    return code == 0xC7 || code == 0xC8 || code == 0xCA;
+    return code == COMPLETION_BAD_LENGTH || code == COMPLETION_FIELD_TOO_LONG || code == COMPLETION_CANNOT_RETURN_COUNT;
 }
 
 bool IsSoundHeader(BYTE_VIEW header) {
@@ -54,7 +52,8 @@ bool IsSoundHeader(BYTE_VIEW header) {
 
 CDevice::CDevice(const ADDRESS& address, std::string name)
     : m_address(address), m_name(std::move(name)), m_chunk(IsFruDevice() ? FRU_DEVICE_CHUNK : EEPROM_PAGE),
-      m_readChunk(IsFruDevice() && !IsBridged() && m_address.controller == 0x20 ? CurrentWay().readChunk : m_chunk) {}
+      m_readChunk(IsFruDevice() && !IsBridged() && m_address.controller == BMC_ADDRESS ? CurrentWay().readChunk
+                                                                                       : m_chunk) {}
 
 void CDevice::Fail(const std::string& why) const {
     throw CToolError(EXIT_DEVICE, m_name, why);
@@ -62,7 +61,7 @@ void CDevice::Fail(const std::string& why) const {
 
 bool CDevice::IsBridged() const {
     // The FRU of a controller behind the BMC is named by a bus and device 0.
-    return m_address.type == FRU_TYPE_IMBDEVICE && m_address.controller == 0x20 && m_address.bus != 0xFF &&
+    return m_address.type == FRU_TYPE_IMBDEVICE && m_address.controller == BMC_ADDRESS && m_address.bus != NO_BUS &&
            m_address.deviceId == 0;
 }
 
@@ -100,7 +99,7 @@ std::optional<std::size_t> CDevice::Size() {
         return m_size;
     m_sizeAsked = true;
     BYTES answer;
-    if (Send({NETFN_STORAGE, FRU_AREA_INFO, {m_address.deviceId}}, answer) != 0 || answer.size() < 3)
+    if (Send({NETFN_STORAGE, COMMAND_GET_FRU_AREA_INFO, {m_address.deviceId}}, answer) != 0 || answer.size() < 3)
         return m_size;
     if ((answer[2] & 0x01) != 0)
         Fail("it is accessed in words, which is not supported");
@@ -114,15 +113,15 @@ CDevice::REQUEST CDevice::ReadRequest(std::size_t offset, std::size_t count) con
     const auto high = static_cast<UINT8>(offset >> 8);
     const auto wanted = static_cast<UINT8>(count);
     if (IsFruDevice())
-        return {NETFN_STORAGE, READ_FRU_DATA, {m_address.deviceId, low, high, wanted}};
+        return {NETFN_STORAGE, COMMAND_READ_FRU_DATA, {m_address.deviceId, low, high, wanted}};
     const UINT8 first = m_address.type == FRU_TYPE_DS1624S ? DS1624_ACCESS : high;
-    return {NETFN_APPLICATION, MASTER_WRITE_READ, {m_address.bus, m_address.deviceAddress, wanted, first, low}};
+    return {NETFN_APPLICATION, COMMAND_MASTER_WRITE_READ, {m_address.bus, m_address.deviceAddress, wanted, first, low}};
 }
 
 CDevice::REQUEST CDevice::WriteRequest(std::size_t offset, BYTE_VIEW data) const {
     REQUEST request = ReadRequest(offset, 0);
     if (IsFruDevice()) {
-        request.cmd = WRITE_FRU_DATA;
+        request.cmd = COMMAND_WRITE_FRU_DATA;
         request.data.pop_back();
     }
     request.data.insert(request.data.end(), data.begin(), data.end());

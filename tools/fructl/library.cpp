@@ -6,6 +6,7 @@
 #include "tools/fructl/settings.h"
 #include "tools/fructl/titles.h"
 
+#include "common/ipmi.h"
 #include "frudata/debug.h"
 #include "sim/directory.h"
 #include "sim/fronts.h"
@@ -145,9 +146,9 @@ void CLibrary::LoadTexts() const {
 void CLibrary::CheckBmc() const {
     const auto request = std::make_unique<BMC_MESSAGE>();
     const auto response = std::make_unique<BMC_MESSAGE>();
-    request->rsSa = 0x20;
-    request->netFn = 0x06;
-    request->cmd = 0x01;
+    request->rsSa = Frudata_Private::BMC_ADDRESS;
+    request->netFn = Frudata_Private::NETFN_APPLICATION;
+    request->cmd = Frudata_Private::COMMAND_GET_DEVICE_ID;
     const int status = ProcessMessage(request.get(), response.get(), TIMEOUT);
     // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
     if (status == 0 && response->dataLength < 0xFF)

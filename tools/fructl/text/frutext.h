@@ -2,6 +2,7 @@
 // line by line, composed from nothing. The library judges whether it takes a file; this names what is wrong with it.
 #pragma once
 
+#include "common/ipmi.h"
 #include "fruimage/image.h"
 
 #include <string>
@@ -60,10 +61,10 @@ struct TEXT_HEADER {
     std::string title; ///< of the FRU; may be empty
     std::string type = "IMBDEVICE";
     unsigned deviceId = 0;
-    unsigned controller = 0x20;
+    unsigned controller = Frudata_Private::BMC_ADDRESS;
     unsigned lun = 0;
-    unsigned bus = 0xFF;
-    unsigned address = 0x20;
+    unsigned bus = Frudata_Private::NO_BUS;
+    unsigned address = Frudata_Private::BMC_ADDRESS;
 };
 /// A text file of the image's areas, fields that text cannot hold as hexadecimal lines.
 std::string ComposeFruText(const TEXT_HEADER& header, const FruImage::FRU& image);
