@@ -16,14 +16,14 @@ enum ACCESS_PATH : int {
 extern int g_Mbmcsupport;
 
 enum WAY {
-    WAY_NONE, ///< nothing is sent: the request seems to succeed, without data
+    WAY_NONE, ///< sends nothing: the request seems to succeed, without data
     WAY_IMB_DRIVER,
     WAY_KCS,
     WAY_SESSION,
     WAY_SESSION_OR_KCS ///< KCS where the session library fails
 };
 
-/// The way of a request with `dataLength` data bytes where the discovery has found `accessPath`.
+/// The way of a request with `dataLength` data bytes after the discovery found `accessPath`.
 WAY ChooseWay(int accessPath, UINT32 dataLength);
 
 } // namespace Frudata_Private

@@ -15,7 +15,7 @@ constexpr UINT8 IPMI_VERSION_BYTE_20 = 0x02;
 
 constexpr UINT16 MBMC_PRODUCTS[] = {0x4311, 0x4312, 0x4315};
 
-// Asked once and then remembered; a query that fails clears the type.
+// Asked once, then remembered; a failed query clears the type.
 UINT32 g_bmcType = BMC_TYPE_UNKNOWN;
 UINT32 g_ipmiVersion = 0;
 
@@ -25,7 +25,7 @@ int GetDeviceId(BMC_MESSAGE& response) {
     return ProcessMessage(&request, &response, REQUEST_TIMEOUT);
 }
 
-// Compatibility: BMC_TYPE_MBMC_EXT is unreachable, because `knownType` is always BMC_TYPE_UNKNOWN here.
+// Unreachable: `knownType` is always BMC_TYPE_UNKNOWN here; kept by contract.
 UINT32 Classify(UINT16 productId, UINT32 knownType) {
     const bool isMbmc =
         std::find(std::begin(MBMC_PRODUCTS), std::end(MBMC_PRODUCTS), productId) != std::end(MBMC_PRODUCTS);

@@ -26,8 +26,8 @@ constexpr int ATTEMPTS = 5;
 constexpr int FIRMWARE_ATTEMPTS = 23;
 constexpr int POLLS = 100;
 constexpr int PATIENT_POLLS = 1000;
-// Stale answers and a busy bus do not count against the poll budget. This ends the polling of a BMC that sends
-// nothing else; sequence numbers tell 63 requests apart, so a working one queues far fewer stale answers.
+// Stale answers and a busy bus do not count against the poll budget. This limit ends the polling of a BMC that sends
+// nothing else. Sequence numbers tell 63 requests apart, so a working BMC queues far fewer stale answers.
 constexpr int UNCOUNTED_POLLS = 4096;
 
 constexpr UINT8 PANEL_ADDRESS = 0x22;
@@ -50,7 +50,7 @@ constexpr UINT8 LAST_SEQUENCE = 63;
 
 // Sequence number of the next bridged request, 1 to LAST_SEQUENCE.
 UINT8 sendSeq = 1;
-// Set for good once the BMC has reported a busy bus: a crowded bus takes longer to answer.
+// Set for good by the first busy bus: a crowded one takes longer to answer.
 int incTestCount = 0;
 
 enum POLL_OUTCOME {
@@ -85,7 +85,7 @@ class CBridgedRequest {
     const BMC_MESSAGE& m_Request;
     UINT8 m_Target;
     UINT32 m_WrappedSize;
-    BMC_MESSAGE m_Message; // the wrapped request, which Get Message, having no data, leaves in place
+    BMC_MESSAGE m_Message; // the wrapped request; Get Message has no data and leaves it in place
     BMC_MESSAGE m_Answer = {};
     UINT32 m_AnswerUsed = 0;
 };

@@ -28,7 +28,7 @@ constexpr int MAP_FAILURE = -1;
 constexpr int DEFAULT_PORT_SILENT = -1;
 
 // Compatibility: the base port that the firmware names serves the probe only. The driver talks to KCSAddress, which
-// is the host's to set.
+// the host sets.
 UINT32 kcsBaseAddress = 0;
 
 int ProbeStatusPort(int silentResult) {

@@ -11,7 +11,7 @@ extern "C" {
 #pragma GCC visibility pop
 
 int startIPMI(void) {
-    // A driver that can be opened but not sent through is none.
+    // A driver without a way to send is none.
     return open_imb && SendTimedImbpRequest ? open_imb() : 0;
 }
 

@@ -5,7 +5,7 @@
 
 namespace Frudata_Private {
 
-/// Sends one request through the driver, which `startIPMI` has found. @return the driver's result
+/// Sends one request through the driver that `startIPMI` found. @return the driver's result
 int SendImbRequest(const _IMBPREQUESTDATA& request, int timeout, UINT8* responseData, int* responseLength,
                    UINT8* completionCode);
 

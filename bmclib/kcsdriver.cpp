@@ -1,7 +1,8 @@
 // The KCS driver: write phase, read phase and error recovery. No sleeping and no allocation, and no port
 // access beyond those below. "wait" is a wait while IBF and "until OBF" a wait for that flag, each at least one
-// status read. State and OBF after a wait are those of its last status byte, but for the read phase: a controller
-// may set its state a moment after IBF falls. A time-out of any wait ends the operation with 2.
+// status read. State and OBF after a wait come from its last status byte; the read phase reads the
+// status again, since a controller may set its state a moment after IBF falls. A time-out of any wait ends the
+// operation with 2.
 //
 //   write phase          written                then                              state must be  else
 //   start                                       wait (time-out: 1), discard byte

@@ -1,4 +1,4 @@
-// Looking at a KCS interface without transferring a message. For hosts: nothing in the library calls these.
+// Looking at a KCS interface without transferring a message. For hosts; the library calls none of these.
 #include "bmclib/kcsregisters.h"
 #include "common/ipmi.h"
 

@@ -1,4 +1,4 @@
-// Requests: to the BMC itself on the way that is chosen for them, to every other controller bridged by the BMC.
+// Requests: to the BMC on the way chosen for them, to every other controller bridged by the BMC.
 #include "bmclib/messagetransport.h"
 #include "bmclib/accesspath.h"
 #include "bmclib/imbdriver.h"
@@ -11,7 +11,7 @@ namespace {
 using namespace Frudata_Private;
 
 constexpr UINT8 CHANNEL_PRIMARY_IPMB = 0;
-// The one controller that is on another bus.
+// The one controller on another bus.
 constexpr UINT8 CHANNEL_6 = 6;
 constexpr UINT8 CHANNEL_6_ADDRESS = 0x2C;
 
@@ -52,7 +52,7 @@ int SendOnWay(WAY way, const _IMBPREQUESTDATA& request, int timeout, UINT8* data
     case WAY_NONE:
         break;
     }
-    return 0; // Compatibility: what cannot be sent seems to succeed.
+    return 0; // Compatibility: a request that cannot be sent seems to succeed.
 }
 
 int SendToBmc(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout) {
@@ -96,7 +96,7 @@ int ProcessReusedMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsi
         return ProcessSendMessage(&request, &response, channel, request.rsSa);
     }
     const int status = SendToBmc(request, response, timeout);
-    // Only an IMB driver gets the record itself, and may leave bytes behind those that it reports.
+    // Only an IMB driver writes into the record itself, and may leave bytes behind the reported ones.
     if (g_Mbmcsupport != ACCESS_IMB)
         used = response.dataLength;
     return status;

@@ -1,4 +1,4 @@
-// What the library's own requests have in common.
+// Limits and helpers of the library's own requests.
 #pragma once
 
 #include "common/ipmi.h"
@@ -24,7 +24,7 @@ inline void AddressToBmc(BMC_MESSAGE& message, UINT8 command, UINT32 dataLength)
     message.completionCode = 0;
 }
 
-/// As ProcessMessage, for a response record that nothing else writes to. Clears only the first `used` bytes; the
+/// ProcessMessage for a response record that nothing else writes to. Clears only the first `used` bytes; the
 /// rest must already be 0. On return: the bytes that the answer may have written.
 int ProcessReusedMessage(const BMC_MESSAGE& request, BMC_MESSAGE& response, unsigned int timeout, UINT32& used);
 

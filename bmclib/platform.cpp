@@ -16,8 +16,8 @@ enum PORT_ACCESS {
     PORT_ACCESS_REFUSED
 };
 
-// The kernel grants port access to a thread, not to a process: in another thread than the one that was granted it, a
-// port instruction is a fault. Initial-exec spares the 32-bit library a call of the loader for each access.
+// The kernel grants port access to a thread, not to a process: in any other thread a port instruction faults.
+// Initial-exec spares the 32-bit library a call of the loader for each access.
 [[gnu::tls_model("initial-exec")]] constinit thread_local PORT_ACCESS g_portAccess = PORT_ACCESS_NOT_ASKED;
 
 // Compatibility: eight bits wide. A descriptor above 255 is cut.

@@ -11,10 +11,10 @@ inline constexpr size_t PHYSICAL_MAPPING_SIZE = 65535;
 /// Asks the kernel for port access for the calling thread. @return whether it was granted
 bool AcquirePortAccess();
 
-/// Whether the calling thread may touch ports; asks for the access where it never was asked for.
+/// Whether the calling thread may touch ports. Asks the kernel if nobody has.
 bool HavePortAccess();
 
-/// Set by the library's own inb: its last read found no port access. Never set where a host's inb is in force.
+/// Set by the library's own inb when a read finds no port access. A host's inb never sets it.
 extern bool g_portReadRefused;
 
 /// Opens the physical memory, read-only, for the life of the process. @return false on failure

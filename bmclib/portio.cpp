@@ -1,5 +1,4 @@
-// The library's own inb and outb. A port instruction without access ends the process, so none is ever
-// executed then.
+// The library's own inb and outb. A port instruction without access ends the process: without it they execute none.
 #include "bmclib/platform.h"
 #include "frudata/bmclib.h"
 

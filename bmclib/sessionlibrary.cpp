@@ -1,4 +1,4 @@
-// The path through an IPMI 2.0 session library, which is loaded when a host selects it.
+// The way through an IPMI 2.0 session library, loaded when a host selects it.
 #include "frudata/bmclib.h"
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace {
 
-// An argument whose type only the session library knows: it holds a pointer as well as a number.
+// An argument of a type that only the session library knows: wide enough for a pointer or a number.
 using ARGUMENT = std::uintptr_t;
 
 using CREATE_SESSION = int(void* session, const char* host, int port, const char* user, const char* password, ARGUMENT,
@@ -31,7 +31,7 @@ CREATE_SESSION* LIBIPMI_Create_IPMI20_Session_dll = nullptr;
 CLOSE_SESSION* LIBIPMI_CloseSession_dll = nullptr;
 SEND_COMMAND* LIBIPMI_Send_RAW_IPMI2_0_Command_dll = nullptr;
 
-// Only the session library knows the record's layout; this is ample room for it.
+// Only the session library knows the record's layout; this is ample room.
 alignas(std::max_align_t) UINT8 sessionHandle[65536];
 UINT8 usbRespBuf[RESPONSE_SIZE];
 
@@ -74,7 +74,7 @@ void UsbLibDeinitialize(void) {
 }
 
 int UsbOpenSession(void) {
-    static UINT8 privilegeLevel; // the library may keep its address as long as the session
+    static UINT8 privilegeLevel; // the session library may keep its address
     if (!LIBIPMI_Create_IPMI20_Session_dll)
         return REQUEST_FAILED;
     privilegeLevel = PRIVILEGE_ADMINISTRATOR;

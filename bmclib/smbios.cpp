@@ -27,7 +27,7 @@ UINT32 ReadNumber(BYTES bytes, size_t offset, size_t size) {
     return value;
 }
 
-// The structure's strings end with two zero bytes, also where it has none.
+// Two zero bytes end a structure's strings, even where it has none.
 BYTES SkipStructure(BYTES table) {
     for (size_t end = table[1]; end + 1 < table.size(); ++end) {
         if (table[end] == 0 && table[end + 1] == 0)

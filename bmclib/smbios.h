@@ -1,5 +1,5 @@
-// Finding the IPMI device among the firmware's SMBIOS structures. The bytes are the firmware's: every read stays inside
-// the span.
+// Finding the IPMI device among the firmware's SMBIOS structures. Firmware can be wrong: every read stays inside the
+// span.
 #pragma once
 
 #include "frudata/types.h"

@@ -8,8 +8,8 @@
 
 namespace Frudata_Private {
 
-/// `count` elements, all 0; null where there is no memory for them. A size above PTRDIFF_MAX is refused here: operator
-/// new throws for it, with std::nothrow too.
+/// `count` elements, all 0, or null when memory runs out. Refuses a size above PTRDIFF_MAX itself: operator new throws
+/// for one even with std::nothrow.
 template <typename ELEMENT> std::unique_ptr<ELEMENT[]> AllocateArray(std::uint64_t count) {
     if (count > PTRDIFF_MAX / sizeof(ELEMENT))
         return nullptr;

@@ -7,8 +7,8 @@ namespace Frudata_Private {
 /// place to replace where a failed assertion must not end the process (the fuzzers do).
 [[noreturn]] void FailAssertion(const char* file, const char* condition);
 
-/// Ends the process unless `holds`. `condition` is the text that is printed, and `file` the source file by which hosts
-/// know it: that of the class or operation it belongs to, which is not always the one that it stands in.
+/// Ends the process unless `holds`, and prints `condition`. `file` is the source file by which hosts know the
+/// assertion: that of the class or operation it belongs to, not always the one it stands in.
 inline void Assert(bool holds, const char* file, const char* condition) {
     if (!holds) [[unlikely]]
         FailAssertion(file, condition);

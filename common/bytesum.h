@@ -7,7 +7,7 @@
 
 namespace Frudata_Private {
 
-/// The sum of `length` bytes modulo 256, four at a time: carries only go into bits that are dropped.
+/// The sum of `length` bytes modulo 256, four bytes at a time: a carry reaches only bits that are dropped.
 inline UINT8 ByteSum(const UINT8* data, UINTN length) {
     UINT32 sum = 0;
     for (; length >= sizeof sum; length -= static_cast<UINTN>(sizeof sum), data += sizeof sum) {

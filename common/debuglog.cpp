@@ -1,5 +1,5 @@
-// The debug trace log. The file is opened for each line, so that a host can move or empty it at any time
-// and a crash loses nothing.
+// The debug trace log. Each line opens the file anew: a host can move or empty it at any time, and a crash loses
+// nothing.
 #include "frudata/debug.h"
 
 #include "common/openfile.h"
@@ -21,8 +21,8 @@ using Frudata_Private::ToMultibyte;
 constexpr char LOG_FILE[] = "DBGLOG.txt";
 constexpr int BYTES_PER_ROW = 16;
 
-/// The log, opened for one line or dump. It brings its own buffer: a wide stream of this C library that cannot allocate
-/// one writes past its end.
+/// The log, opened for one line or dump. Owns its buffer: a wide stream of glibc that cannot
+/// allocate one writes past its end.
 class CLogFile {
   public:
     CLogFile() : m_file(OpenFile(LOG_FILE, 'a', Frudata_Private::OPEN_TERMINAL)) {
@@ -109,7 +109,7 @@ FILE* wfopen(const wchar_t* path, const wchar_t* mode) {
 }
 
 void PrintBuffer(const wchar_t* title, const unsigned char* data, int length) {
-    // Compatibility: "%s" takes multibyte text, so that only the leading byte of a wide title shows.
+    // Compatibility: "%s" takes multibyte text and shows only the leading byte of a wide title.
     std::wprintf(L"%s", reinterpret_cast<const char*>(title));
     for (int offset = 0; offset < length; ++offset)
         std::wprintf(L" %02X", data[offset]);

@@ -26,7 +26,7 @@ char* Find(char* text, char* end, char character) {
 /// Calls `visit(line, lineEnd, next)` for every line: its text, the CR or LF that ends it or the end of the text, and
 /// where the next line starts. The text is followed by a zero byte.
 template <typename VISITOR> void ForEachLine(char* line, char* end, VISITOR visit) {
-    // Most files have no CR, so that it is looked for once.
+    // Most files have no CR: one search tells.
     char* nextLF = Find(line, end, '\n');
     char* nextCR = Find(line, end, '\r');
     while (line < end) {
@@ -121,7 +121,7 @@ UINT32 CFile::FindLine(UINT32 line, std::string_view text) const {
             break;
         while (line + 1 < lines && m_Offset[line + 1] <= place)
             ++line;
-        // A line ends at its first zero byte, although the file may have more of them.
+        // The text of a line ends at its first zero byte; the line in the file may go on.
         if (place == m_Offset[line] || LineContains(line, text))
             return line;
     }
@@ -200,7 +200,7 @@ void CFile::StripRightFromSequence(const char* sequence, UINT32 line) {
 void CFile::StripRightFromSequence(const char* sequence) {
     const UINT32 lines = LineCount();
     Assert(sequence != nullptr, SOURCE_FILE, "sequence");
-    // Most files have no comment: one look at the whole spares one at each line.
+    // Most files have no comment: one search of the whole replaces one of each line.
     if (!std::memchr(m_Cache.get(), *sequence, m_CacheSize))
         return;
     for (UINT32 line = 0; line < lines; ++line)

@@ -10,9 +10,9 @@
 
 namespace Frudata_Private {
 
-/// Loads a whole file and gives access to its lines. A line ends at CR, LF, CR LF or LF CR. Each line is
-/// followed by a zero byte, so it is a text; editing keeps it so. A line index out of range, or a query
-/// of a file that is not loaded, is a fatal assertion.
+/// Loads a whole file and gives access to its lines. A line ends at CR, LF, CR LF or LF CR. A zero
+/// byte follows each line, and editing keeps it. A line index out of range, or a query of a file that is not loaded, is
+/// a fatal assertion.
 class CFile {
   public:
     CFile() = default;
@@ -22,8 +22,8 @@ class CFile {
     CFile& operator=(const CFile&) = delete;
     virtual ~CFile() = default;
 
-    /// Loads the file at `path` in place of an earlier one. @return false when it cannot be opened, is empty, or has
-    /// more lines than there is memory for; nothing is open then
+    /// Replaces the loaded file by the one at `path`. @return false, with nothing open, when it cannot be opened, is
+    /// empty, or memory runs out
     bool Open(const char* path);
     bool IsOpen() const { return m_File != nullptr; }
     /// Closes the file; its lines stay.
@@ -35,15 +35,15 @@ class CFile {
     UINT32 GetLineLength(UINT32 line) const;
     /// Whether `text` occurs in the line.
     bool LineContains(UINT32 line, std::string_view text) const;
-    /// The first line from `line` on in which `text` occurs, or LineCount(). One search over all of them: a file has
-    /// many short lines.
+    /// The first line from `line` on in which `text` occurs, or LineCount(). One search covers all lines: on
+    /// lines this short, strstr's set-up costs more than the search.
     UINT32 FindLine(UINT32 line, std::string_view text) const;
     /// The text between the first two delimiters of the line. @return false without them
     bool FindDelimitedString(UINT32 line, char delimiter, std::string_view& found) const;
     /// The same as a copy, valid until the next call; null without delimiters or without memory.
     const char* GetDelimitedString(UINT32 line, char delimiter);
 
-    // The reader strips whole files and looks into single lines; the rest is for hosts of the class.
+    // The reader strips whole files and looks into single lines; the rest completes the interface.
 
     /// Remove leading, trailing, or both kinds of blanks and tabs, of one line or of all.
     void StripLeft(UINT32 line);
@@ -59,7 +59,7 @@ class CFile {
     void StripRightFromSequence(const char* sequence);
 
   private:
-    /// As assertions name it.
+    /// The name in assertions.
     static constexpr char SOURCE_FILE[] = "libfile.cpp";
 
     void Clear();

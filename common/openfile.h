@@ -14,13 +14,12 @@ enum OPEN_ALSO {
     OPEN_TERMINAL
 };
 
-/// Opens the file at `path` to read ("r"), write ("w") or append ("a"), closed when the process starts another program.
-/// A directory, FIFO, socket or device is refused without waiting: it holds no text, may block or may never end. So is
-/// a file of sysfs, which is shorter than its size. @return null when it is refused or
-/// cannot be opened
+/// Opens the file at `path` to read ("r"), write ("w") or append ("a"), close-on-exec. Refuses without waiting what may
+/// block or never end (directories, FIFOs, sockets, devices) and files of sysfs, which are shorter than their size.
+/// @return null when it is refused or cannot be opened
 SCOPED_FILE OpenFile(const char* path, char mode, OPEN_ALSO also = OPEN_NOTHING_ELSE);
 
-/// `text` in the current locale's multibyte form, in as many bytes as it has characters: what is longer is cut.
+/// `text` in the current locale's multibyte form, cut at as many bytes as it has characters.
 /// @return null when it cannot be converted or the allocation fails
 std::unique_ptr<char[]> ToMultibyte(const WCHAR* text);
 

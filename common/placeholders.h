@@ -7,7 +7,7 @@ namespace Frudata_Private {
 struct PLACEHOLDER {
     char argument = 0;     ///< what it takes, as stringid.h has it
     unsigned position = 0; ///< the number of its argument, from 1; 0: the next one
-    bool isPlain = true;   ///< spelled as the texts of this library spell it
+    bool isPlain = true;   ///< in the spelling of this library's texts
 };
 
 template <typename CHARACTER> constexpr bool IsOneOf(CHARACTER character, const char* set) {
@@ -16,13 +16,13 @@ template <typename CHARACTER> constexpr bool IsOneOf(CHARACTER character, const 
     return *set != 0;
 }
 
-/// Two digits are more than any column of ours needs and keep a text from asking for gigabytes.
+/// No column needs more than two digits; a third would let a text ask for much memory.
 template <typename CHARACTER> constexpr void SkipNumber(const CHARACTER*& text) {
     for (int digits = 0; digits < 2 && IsOneOf(*text, "0123456789"); ++digits)
         ++text;
 }
 
-/// Reads a length and a conversion. @return false where they take no argument of ours
+/// Reads a length and a conversion. @return false where they take no argument that callers give
 template <typename CHARACTER> constexpr bool ReadConversion(const CHARACTER*& text, PLACEHOLDER& found) {
     int shorts = 0;
     while (*text == 'h' && shorts < 2) {
@@ -46,7 +46,7 @@ template <typename CHARACTER> constexpr bool ReadConversion(const CHARACTER*& te
     return true;
 }
 
-/// Reads what stands behind a percent sign. @return false where it takes no argument of ours
+/// Reads what stands behind a percent sign. @return false where it takes no argument that callers give
 template <typename CHARACTER> constexpr bool ReadPlaceholder(const CHARACTER*& text, PLACEHOLDER& found) {
     if (IsOneOf(text[0], "123456789") && text[1] == '$') {
         found.position = static_cast<unsigned>(text[0] - '0');
@@ -68,13 +68,13 @@ template <typename CHARACTER> constexpr bool ReadPlaceholder(const CHARACTER*& t
 struct PLACEHOLDERS {
     unsigned given = 0; ///< arguments that there are
     unsigned count = 0; ///< placeholders
-    unsigned used = 0;  ///< bit n: the one at n
+    unsigned used = 0;  ///< bit n: argument n
     bool isPlain = true;
     bool areNumbered = false;
 };
 
-/// Reads the placeholders of `text`, of which every one must take one of `arguments` (see stringid.h). @return whether
-/// it does, and either all or none have a position
+/// Reads the placeholders of `text`. @return whether each takes one of `arguments` (see stringid.h), and either all or
+/// none have a position
 template <typename CHARACTER>
 constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PLACEHOLDERS& all) {
     while (arguments[all.given])
@@ -101,15 +101,15 @@ constexpr bool ReadPlaceholders(const CHARACTER* text, const char* arguments, PL
     return true;
 }
 
-/// Whether `text` can be given to a wide printf function with `arguments`: a text comes from a file that anyone may
-/// have written, and one placeholder too many or of another type would make printf read what was never passed. It may
-/// leave out the last arguments, but none before one that it takes: of that one's place printf could not know.
+/// Whether `text` can go to a wide printf function with `arguments`. Anyone may have written the text's file, and one
+/// placeholder too many, or of another type, would make printf read what was never passed. A text may leave out the
+/// last arguments but none before one it takes: printf could not find that one.
 template <typename CHARACTER> constexpr bool PlaceholdersFit(const CHARACTER* text, const char* arguments) {
     PLACEHOLDERS all;
     return ReadPlaceholders(text, arguments, all) && (all.used & (all.used + 1)) == 0;
 }
 
-/// Whether `text` takes each of `arguments` once, spelled as the texts of this library are.
+/// Whether `text` takes each of `arguments` once, in the spelling of this library's texts.
 template <typename CHARACTER> constexpr bool PlaceholdersMatch(const CHARACTER* text, const char* arguments) {
     PLACEHOLDERS all;
     return ReadPlaceholders(text, arguments, all) && all.isPlain && all.count == all.given &&

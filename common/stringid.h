@@ -1,4 +1,4 @@
-// Numbers of the localised texts, with the arguments that their callers format them with.
+// Numbers of the localised texts, and the arguments that callers pass for their placeholders.
 #pragma once
 
 // X(number, name, arguments): one character per placeholder of the text, in order:

@@ -69,7 +69,7 @@ class CStringResource {
     std::unique_ptr<UINT32[]> m_lengths;
     /// The texts loaded one by one, per id; null until loaded, and while all are cached.
     std::unique_ptr<std::unique_ptr<WCHAR[]>[]> m_strings;
-    /// All texts, each at the distance that it has from the first in the file.
+    /// All texts, each as far from the first as in the file.
     std::unique_ptr<WCHAR[]> m_cache;
 };
 

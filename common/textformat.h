@@ -1,4 +1,4 @@
-// Texts of the string table, formatted with what their callers give.
+// Texts of the string table, formatted with their callers' arguments.
 #pragma once
 
 #include "common/stringresource.h"
@@ -7,7 +7,7 @@
 
 namespace Frudata_Private {
 
-/// The text of `id` if it can be formatted with what `arguments` stands for (see placeholders.h), else null.
+/// The text of `id`, or null where it does not fit `arguments` (see placeholders.h).
 const WCHAR* GetFormat(STRING_ID id, const char* arguments);
 
 /// The letter of stringid.h for an argument of this type.

@@ -45,7 +45,7 @@ EFI_STATUS FailAllocation(const COperation& operation, EFI_STATUS status) {
     return operation.Fail(L"FRU Error Allocation", STRING_OUT_OF_MEMORY, status);
 }
 
-/// Appends `fru` to `list`, which then owns it. @return false when the list cannot grow; the FRU is gone then
+/// Moves `fru` to the end of `list`. @return false when the list cannot grow, which destroys the FRU
 bool AddToList(OrderedList<CFru*>& list, std::unique_ptr<CFru>& fru) {
     if (!list.Add(fru.get()))
         return false;
@@ -58,7 +58,7 @@ void ReportLoaded() {
     const unsigned int locators = g_FruData->m_pLocatorList->Count();
     WCHAR text[LOADED_TEXT_SIZE];
     FormatText(text, LOADED_TEXT_SIZE, STRING_PROGRESS_LOADED, frus, locators);
-    // Without a test: setting the callback first is the host's part.
+    // By contract the host sets the callback first.
     g_FruData->m_pfnProgress(PROGRESS_CALLBACK_LOAD, text, frus, locators);
 }
 
@@ -93,7 +93,7 @@ EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         if (!fru)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
-        // A BMC that cannot be read leaves the list as it is; hosts look at the count.
+        // An unreadable BMC leaves the list as it is; hosts look at the count.
         if (fru->LoadFromSystem(&locator) == FRU_STATUS_SUCCESS) {
             if (!AddToList(*g_FruData->m_pSystemList, fru))
                 return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
@@ -134,7 +134,7 @@ EFI_STATUS LoadFruAtAddress(_EFI_FRU_INTERFACE*, FRU_TYPE type, UINT8 lun, UINT8
     return RunConfigurationOperation(L"LoadFruAtAddress", NEED_INITIALIZED, [&](const COperation& operation) {
         const FRU_LOCATOR locator(deviceAddress, mbmcSizeData, mbmcSizeAddress, bus, deviceId, controller, lun, type);
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
-        // Compatibility: another status than its siblings'.
+        // Compatibility: the other load operations return OUT_OF_MEMORY.
         if (!fru)
             return FailAllocation(operation, FRU_STATUS_MEMORY_ALLOCATION_ERROR);
         const EFI_STATUS status = fru->LoadFromSystem(&locator);
@@ -182,7 +182,7 @@ EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, c
             return EFI_STATUS{FRU_STATUS_FILE_CREATE_ERROR};
         }
         const EFI_STATUS status = g_FruData->SelectedFru().SaveFRUToFile(name.text.get());
-        // The exit is traced whatever comes out.
+        // Compatibility: a failure traces its exit, too.
         if (status != FRU_STATUS_SUCCESS)
             operation.Trace().Exit();
         return status;
@@ -191,7 +191,7 @@ EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, c
 
 EFI_STATUS CommitConfigurationToSystem(_EFI_FRU_INTERFACE*) {
     return RunConfigurationOperation(L"CommitConfigurationToSystem", NEED_LOADED, [](const COperation& operation) {
-        // A FRU read from a file has an address, but nobody has checked that it is this server's.
+        // A FRU from a file has an address, which may belong to another server.
         if (g_FruData->m_listType != FRU_LIST_SYSTEM || g_FruData->m_nFru == CURSOR_NONE)
             return operation.FailUnexpected(FRU_STATUS_NO_SUCH_FIELD);
         if (g_FruData->SelectedFru().WriteToSystem(g_FruData->m_pfnProgress) != FRU_STATUS_SUCCESS)

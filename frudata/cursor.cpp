@@ -6,7 +6,7 @@ namespace Frudata_Private {
 
 namespace {
 
-/// The areas that a FRU can have, in the order in which `SelectAreaInteger` numbers them.
+/// The areas of a FRU in the numbering of `SelectAreaInteger`.
 constexpr struct {
     FRU_AREA area;
     bool (CFru::*isPresent)() const;
@@ -143,7 +143,7 @@ EFI_STATUS SelectAreaEnum(_EFI_FRU_INTERFACE*, FRU_AREA area) {
         for (const auto& row : AREAS) {
             if (row.area != area)
                 continue;
-            // Compatibility: an absent area is no failure; the next operation that needs one tells.
+            // Compatibility: an absent area is no failure here, but of the next operation that needs one.
             if ((fru.*row.isPresent)())
                 g_FruData->m_area = area;
             return FRU_STATUS_SUCCESS;

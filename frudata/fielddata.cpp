@@ -1,4 +1,4 @@
-// Values at the cursor: field texts and bytes, room, and the areas that are read and written whole.
+// Values at the cursor: field texts and bytes, room, and the areas read and written whole.
 #include "frudata/operation.h"
 #include "frudata/operations.h"
 
@@ -8,7 +8,7 @@ namespace Frudata_Private {
 
 namespace {
 
-/// How each info area's failures are reported.
+/// The reports of each info area's failures.
 struct AREA_MESSAGES {
     FRU_AREA area;
     const WCHAR* getReason;
@@ -78,8 +78,8 @@ EFI_STATUS ReplaceArea(CFru& fru, FRU_AREA area, const UINT8* data, UINTN length
     return FRU_STATUS_UNSUPPORTED;
 }
 
-/// Runs an operation on whole areas. A null argument counts as not initialised; every failure is the unexpected one,
-/// and behind the checks the exit is traced whatever comes out.
+/// Runs an operation on whole areas. A null argument counts as not initialised, and every failure is the unexpected
+/// one. Compatibility: behind the checks a failure traces its exit, too.
 template <typename BODY> EFI_STATUS RunAreaOperation(const WCHAR* name, bool hasArguments, BODY body) {
     const COperation operation(name);
     EFI_STATUS status = hasArguments ? operation.Check(NEED_AREA) : EFI_STATUS{FRU_STATUS_NOT_INITIALIZED};
@@ -118,7 +118,7 @@ EFI_STATUS GetFieldStringValue(_EFI_FRU_INTERFACE*, const WCHAR*& value) {
     return RunOperation(L"GetFieldStringValue", NEED_FIELD, [&](const COperation& operation) {
         value = nullptr;
         CFruArea* area = g_FruData->SelectedFru().GetFieldArea(g_FruData->m_area);
-        // Compatibility: another status than its siblings'.
+        // Compatibility: the other operations on values return UNSUPPORTED.
         if (!area)
             return operation.Fail(L"Unsupported", STRING_UNSUPPORTED, FRU_STATUS_NO_SUCH_FIELD);
         value = area->GetFieldValueFromIndex(g_FruData->m_nField);

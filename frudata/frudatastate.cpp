@@ -41,7 +41,7 @@ void CFruData::ClearFru() {
 }
 
 CFru& CFruData::SelectedFru() const {
-    // Indexing a list costs the square of the index. Lists only grow at their end, so what was found stays there.
+    // Indexing a list costs the square of the index. Lists grow only at their end, so an earlier result stays valid.
     if (m_pFoundIn != m_pCurrentList || m_nFound != m_nFru) {
         m_pFound = (*m_pCurrentList)[m_nFru];
         m_pFoundIn = m_pCurrentList;

@@ -27,7 +27,7 @@ class CFruData {
     CFru& SelectedFru() const;
 
     bool m_fLoaded = false;
-    /// No operation sets it: hosts track their changes themselves.
+    /// No operation sets it: hosts track their own changes.
     bool m_fModified = false;
     bool m_fPropertiesLoaded = false;
     int m_listType = FRU_LIST_NONE;
@@ -45,7 +45,7 @@ class CFruData {
     std::unique_ptr<OrderedList<FRU_LOCATOR*>> m_pLocatorList;
 
   private:
-    // What SelectedFru found last, and where.
+    // The last result of SelectedFru, and its list.
     mutable CFru* m_pFound = nullptr;
     mutable const OrderedList<CFru*>* m_pFoundIn = nullptr;
     mutable UINT32 m_nFound = CURSOR_NONE;
@@ -53,8 +53,8 @@ class CFruData {
 
 /// Where the library stands between `Initialize` and `DeInitialize`.
 enum START_STATE {
-    START_DOWN,   ///< nothing was started, or all was given back
-    START_FAILED, ///< `Initialize` failed after it had made its state; only another one helps
+    START_DOWN,   ///< nothing is started, or all is given back
+    START_FAILED, ///< `Initialize` failed with its state made; only another one helps
     START_UP      ///< every operation but a few needs it
 };
 extern START_STATE g_startState;

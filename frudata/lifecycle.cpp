@@ -33,7 +33,7 @@ EFI_STATUS Initialize(_EFI_FRU_INTERFACE* This, int platform) {
         g_FruData.reset();
         return operation.Trace().Fail(reason, FRU_STATUS_INIT_FAILED);
     };
-    // A server without a BMC within reach still has FRU text files.
+    // Without a BMC the library still works on FRU text files.
     BmcLibInitialize();
     ResetLastError();
     g_fdPlatform = platform;
@@ -123,8 +123,8 @@ EFI_STATUS SetDisplayCallback(_EFI_FRU_INTERFACE*, FRU_DISPLAY_CALLBACK callback
 }
 
 EFI_STATUS SetPwd(_EFI_FRU_INTERFACE*, const UINT8* password, unsigned int) {
-    // The caller keeps to 16 bytes: the contract has no status for a longer password, and a hardened C
-    // library stops the process rather than overrun the buffer.
+    // The caller keeps to 16 bytes: the contract has no status for a longer password. A hardened C library stops the
+    // process instead of overrunning the buffer.
     // NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.strcpy)
     std::strcpy(reinterpret_cast<char*>(gPwd), reinterpret_cast<const char*>(password));
     mPasswordSet = true;

@@ -1,4 +1,4 @@
-// What every operation of the table does the same way: its trace and its checks.
+// The trace and the checks that all operations of the table share.
 #pragma once
 
 #include "common/lasterror.h"
@@ -7,7 +7,7 @@
 
 namespace Frudata_Private {
 
-/// What an operation needs, each level including those before it.
+/// An operation's needs, each level including those before it.
 enum OPERATION_NEED {
     NEED_INITIALIZED,
     NEED_LOADED,
@@ -17,7 +17,7 @@ enum OPERATION_NEED {
     NEED_FIELD
 };
 
-/// What a failure does first; the record's own lines in the debug log show it.
+/// Whether a failure is recorded or traced first: the order of lines in the debug log.
 enum FAILURE_ORDER {
     RECORD_FIRST, ///< the cursor, values and settings
     TRACE_FIRST   ///< whole configurations
@@ -34,7 +34,7 @@ class COperation {
     EFI_STATUS Check(OPERATION_NEED need) const;
     /// Traces and records a failure. @return `status`
     EFI_STATUS Fail(const WCHAR* reason, STRING_ID message, EFI_STATUS status) const;
-    /// The failure that has no better name.
+    /// The failure without a name of its own.
     EFI_STATUS FailUnexpected(EFI_STATUS status) const { return Fail(L"Unexpected", STRING_UNEXPECTED, status); }
     const CTrace& Trace() const { return m_trace; }
 
@@ -43,7 +43,7 @@ class COperation {
     FAILURE_ORDER m_order;
 };
 
-/// Runs `body(operation)` where the checks pass, and traces the exit where it succeeds.
+/// Runs `body(operation)` if the checks pass, and traces the exit of a success.
 template <typename BODY>
 EFI_STATUS RunOperation(const WCHAR* name, OPERATION_NEED need, BODY body, FAILURE_ORDER order = RECORD_FIRST) {
     const COperation operation(name, order);

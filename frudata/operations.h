@@ -1,4 +1,4 @@
-// The operations of the table. Their contracts stand in the public header.
+// The operations of the table. The public header has their contracts.
 #pragma once
 
 #include "frudata/frudata.h"

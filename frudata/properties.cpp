@@ -17,14 +17,14 @@ constexpr struct {
     {STRING_PROPERTY_NUMBER_OF_IPMI_FRUS, &CFruProperties::GetNumberOfIpmiFrusString},
 };
 
-/// Runs `body(operation)` where the properties are loaded. A loaded configuration is not needed.
+/// Runs `body(operation)` if the properties are loaded; it needs no loaded configuration.
 template <typename BODY> EFI_STATUS RunPropertyOperation(const WCHAR* name, BODY body) {
     return RunOperation(name, NEED_INITIALIZED, [&](const COperation& operation) {
         return g_FruData->m_fPropertiesLoaded ? body(operation) : operation.FailUnexpected(FRU_STATUS_NOT_LOADED);
     });
 }
 
-/// Gives `output` what `textOf(row)` has for the selected property.
+/// Sets `output` to `textOf(row)` of the selected property.
 template <typename TEXT_OF> EFI_STATUS GetPropertyText(const WCHAR* name, const WCHAR*& output, TEXT_OF textOf) {
     return RunPropertyOperation(name, [&](const COperation& operation) {
         if (g_FruData->m_nProperty == CURSOR_NONE)

@@ -24,7 +24,7 @@ class CBoardInfoArea : public CInfoArea {
     /// The current time as the area stores it. @return false for a null `out`
     bool getCurTimeInMfgDateTimeFormat(UINT8* out) const;
 
-    // By name, for hosts of the class; the library reaches its fields by index.
+    // By name, to complete the interface; the library reaches fields by index.
 
     const UINT8* GetManufacturer() const { return GetField(L"GetManufacturer", MANUFACTURER); }
     const UINT8* GetProductName() const { return GetField(L"GetProductName", PRODUCT_NAME); }

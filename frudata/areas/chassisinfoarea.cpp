@@ -11,7 +11,7 @@ namespace Frudata_Private {
 namespace {
 
 constexpr UINT8 LAST_CHASSIS_TYPE = 23;
-/// The name of a type stands at this distance in the string table.
+/// Distance from a type to the number of its name in the string table.
 constexpr UINT32 TYPE_NAME_DISTANCE = STRING_CHASSIS_TYPE_1 - 1;
 
 constexpr INFO_AREA_FIELD FIELDS[] = {
@@ -59,7 +59,7 @@ bool CChassisInfoArea::SetType(UINT8 type) {
 const WCHAR* CChassisInfoArea::GetChassisString() const {
     const CTrace trace = Trace(L"GetChassisString");
     const UINT8 type = m_header[HEADER_LANGUAGE_OR_TYPE];
-    // Compatibility: types 10 to 15 and 23 can be stored, and have no name.
+    // Compatibility: types 10 to 15 and 23 can be stored but have no name.
     const bool isNamed = (type >= 1 && type <= 9) || (type >= 16 && type < LAST_CHASSIS_TYPE);
     Assert(isNamed, DESCRIPTION.sourceFile, "0");
     return trace.Exit(GetText(type + TYPE_NAME_DISTANCE));

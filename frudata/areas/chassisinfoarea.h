@@ -5,7 +5,7 @@
 
 namespace Frudata_Private {
 
-/// Its setters refuse values without a trace or a message.
+/// Its setters refuse values without trace or message.
 class CChassisInfoArea : public CInfoArea {
   public:
     static constexpr UINTN NUMBER_OF_FIELDS = 3;
@@ -18,7 +18,7 @@ class CChassisInfoArea : public CInfoArea {
     /// The type's name. Types without one (0, 10 to 15, 23 and above) are a fatal assertion.
     const WCHAR* GetChassisString() const;
 
-    // By name, for hosts of the class; the library reaches its fields by index.
+    // By name, to complete the interface; the library reaches fields by index.
 
     const UINT8* GetPartNumber() const { return GetField(L"GetPartNumber", PART_NUMBER); }
     const UINT8* GetSerialNumber() const { return GetField(L"GetSerialNumber", SERIAL_NUMBER); }

@@ -12,7 +12,7 @@ struct CFruCustomField {
     std::unique_ptr<CFruCustomField> m_next;
 };
 
-/// The custom fields of one area in image order. Only fields that were read or added whole are counted.
+/// The custom fields of one area in image order. Counts only fields that were read or added whole.
 class CCustomFieldList {
   public:
     CCustomFieldList() = default;

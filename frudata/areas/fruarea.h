@@ -1,4 +1,4 @@
-// What the cursor needs of every area that has fields.
+// The interface of areas with fields that the cursor uses.
 #pragma once
 
 #include "frudata/types.h"
@@ -13,11 +13,11 @@ class CFruArea {
     virtual ~CFruArea() = default;
 
     virtual UINTN GetNumberOfFields() const = 0;
-    /// The index of `field`; a field of another area is NO_FIELD_INDEX or a fatal assertion, as the area has it.
+    /// The index of `field`. A field of another area is NO_FIELD_INDEX in some areas, a fatal assertion in others.
     virtual UINTN GetFieldIndexFromEnum(FRU_FIELD field) const = 0;
     /// The localised title, owned by the string table.
     virtual const WCHAR* GetFieldTitleFromIndex(UINTN index) const = 0;
-    /// The display text, owned by the area until the next call; null where there is none.
+    /// The display text, owned by the area and valid until the next call; null where there is none.
     virtual const WCHAR* GetFieldValueFromIndex(UINTN index) = 0;
 };
 

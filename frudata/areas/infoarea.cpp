@@ -12,7 +12,7 @@ namespace Frudata_Private {
 
 namespace {
 
-/// Two's complement of the end marker: it and the zero padding complete the sum to that of the whole image.
+/// Two's complement of the end marker, which alone of the bytes behind the fields counts in the sum of the image.
 constexpr UINT8 MARKER_COMPLEMENT = 0x3F;
 /// The end marker and the checksum byte.
 constexpr int TAIL_SIZE = 2;

@@ -1,4 +1,4 @@
-// The one walk over the chassis, board and product info areas; what tells them apart stands in a description.
+// One walk over the chassis, board and product info areas, with a description for their differences.
 #pragma once
 
 #include "common/stringid.h"
@@ -12,13 +12,13 @@ namespace Frudata_Private {
 /// One fixed field of an area.
 struct INFO_AREA_FIELD {
     STRING_ID title;
-    const WCHAR* setter; ///< name of the operation that sets it, as the debug log has it
+    const WCHAR* setter; ///< name of its setter in the debug log
 };
 
-/// What tells one info area from the others.
+/// The properties of one info area.
 struct INFO_AREA_DESCRIPTION {
-    const WCHAR* className; ///< as the debug log has it
-    const char* sourceFile; ///< as assertions name it
+    const WCHAR* className; ///< in the debug log
+    const char* sourceFile; ///< in assertions
     FRU_FIELD firstField;   ///< selector of field 0; the others follow
     std::span<const INFO_AREA_FIELD> fields;
     STRING_ID customTitle;
@@ -31,7 +31,7 @@ struct INFO_AREA_DESCRIPTION {
     bool assertsPadding;                 ///< fields that do not fit are an assertion, else a negative padding
     const char* customIndexCondition;    ///< assertion: no such custom field
     const char* customPositionCondition; ///< assertion: the custom field list ends early
-    bool reportsRefusals;                ///< a value that is not taken has a trace line and a message, else neither
+    bool reportsRefusals;                ///< a refused value has a trace line and a message, else neither
     // Words of the debug log.
     const WCHAR* tooLong;             ///< a value has no room; only where refusals are reported
     const WCHAR* valueNoMemory;       ///< no memory for a fixed field's text; null: no line and no message
@@ -53,7 +53,7 @@ constexpr UINTN OTHER_HEADER_SIZE = HEADER_MFG_DATE_TIME;
 /// Most fixed fields of an area.
 constexpr std::size_t FIELD_CAPACITY = 7;
 
-/// Whether an area that is described so fits CInfoArea.
+/// Whether an area of this description fits CInfoArea.
 constexpr bool IsWithinCapacity(const INFO_AREA_DESCRIPTION& description) {
     return description.headerSize <= BOARD_HEADER_SIZE && description.fields.size() <= FIELD_CAPACITY &&
            description.headerFieldOffset + description.headerFieldSize <= description.headerSize &&
@@ -72,7 +72,7 @@ class CInfoArea : public CFruArea {
 
     /// Parses an image of 1 to 512 bytes: whole, or compact, ending at its 0xC1 (the checksum is computed
     /// then). A wrong checksum is a fatal assertion. @return false when it is malformed or an allocation
-    /// fails; what was read until then stays
+    /// fails; what was read before stays
     bool SetData(const UINT8* data, UINTN length);
     /// The image, GetLength() bytes, in a buffer of the area. A length of 0 is a fatal assertion.
     const UINT8* GetData() const;
@@ -137,13 +137,13 @@ class CInfoArea : public CFruArea {
     UINT8 GetHeaderByte(const WCHAR* operation, UINTN place) const;
     bool SetHeaderByte(const WCHAR* operation, UINTN place, UINT8 value);
 
-    /// Reports that there is no memory for the text of a fixed field.
+    /// Reports a failed allocation for the text of a fixed field.
     void RefuseNoMemory(const CTrace& trace) const;
     /// Sets the field that lies in the header. `trace` is the caller's, for a failure.
     virtual bool SetHeaderField(const CTrace& trace, const UINT8* data, UINTN length) = 0;
     /// The display text of the field that lies in the header, or null.
     virtual std::unique_ptr<WCHAR[]> HeaderFieldText(const CTrace& trace) const = 0;
-    /// Told when parsing has found the end marker; `end` is the place behind it.
+    /// Called when parsing finds the end marker; `end` is the place behind it.
     virtual void EndOfFieldsFound(UINTN /*end*/) const {}
 
     const INFO_AREA_DESCRIPTION& m_description;

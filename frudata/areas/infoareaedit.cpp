@@ -1,4 +1,4 @@
-// Changing the fields of an info area, within the room that it has.
+// Changing the fields of an info area within its room.
 #include "common/assertion.h"
 #include "common/lasterror.h"
 #include "frudata/areas/infoarea.h"
@@ -104,7 +104,7 @@ bool CInfoArea::SetCustomField(UINTN index, const UINT8* data, UINTN length, FRU
         return m_description.reportsRefusals ? RefuseMissing(trace) : false;
     if (!HasRoom(length, field->m_typeLength))
         return RefuseTooLong(trace, m_description.customTitle);
-    // The value may be the field's own, handed out by GetFieldData.
+    // The value may be the field's own, from GetFieldData.
     std::memmove(field->m_data, data, length);
     field->m_data[length] = 0;
     field->m_typeLength = static_cast<UINT8>(type | length);

@@ -78,7 +78,7 @@ bool CInfoArea::ParseCustomField(std::span<const UINT8> image, UINTN& index) {
 
 bool CInfoArea::ParseTail(std::span<const UINT8> image, UINTN index) {
     if (index == image.size()) {
-        // A compact image stops here; its padding and checksum are still to come.
+        // A compact image stops here and still needs its padding and checksum.
         if (AreaLength() <= image.size())
             return false;
         UpdateChecksum();

@@ -5,8 +5,8 @@
 
 namespace Frudata_Private {
 
-/// Bytes that the asset tag may occupy, as the last parse of any product area found it: its length and
-/// the room between the end marker and the checksum. Never reset.
+/// Bytes that the asset tag may occupy after the last parse of any product area: its length and the room
+/// between the end marker and the checksum. Never reset.
 extern UINTN nTotalAssetTagLength;
 
 class CProductInfoArea : public CInfoArea {
@@ -15,7 +15,7 @@ class CProductInfoArea : public CInfoArea {
 
     CProductInfoArea();
 
-    // By name, for hosts of the class; the library reaches its fields by index.
+    // By name, to complete the interface; the library reaches fields by index.
 
     UINT8 GetLanguageCode() const { return GetHeaderByte(L"GetLanguageCode", HEADER_LANGUAGE_OR_TYPE); }
     bool SetLanguageCode(UINT8 code) { return SetHeaderByte(L"SetLanguageCode", HEADER_LANGUAGE_OR_TYPE, code); }

@@ -32,8 +32,9 @@ inline UINT8 DecodeLength(UINT8 typeLength) {
 /// before the first value.
 class CFruField {
   public:
-    /// Replaces the value by the `length` bytes at `data`, which may be the field's own. `type` is a FRU_FIELD_TYPE,
-    /// `length` at most MAX_FIELD_LENGTH. @return false when the allocation fails; the old value then stays
+    /// Replaces the value by the `length` bytes at `data`, which may belong to the field itself. `type` is a
+    /// FRU_FIELD_TYPE, `length` at most MAX_FIELD_LENGTH. @return false when the allocation fails; the old value then
+    /// stays
     bool Assign(int type, UINT8 length, const UINT8* data);
 
     UINT8 GetTypeLength() const { return m_typeLength; }

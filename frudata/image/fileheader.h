@@ -8,8 +8,8 @@
 
 namespace Frudata_Private {
 
-/// Keeps copies of the values. A setter returns false when the copy cannot be allocated; a null text is a
-/// fatal assertion. A getter yields null before the value was set.
+/// Keeps copies of the values. A setter returns false when it cannot allocate the copy; a null text is a fatal
+/// assertion. A getter yields null before its setter ran.
 class CFileHeader {
   public:
     bool SetLfName(const char* text) { return Store(L"SetLfName", m_lfName, text); }

@@ -123,7 +123,7 @@ UINT16 CFru::GetOverallLength() const {
 
 EFI_STATUS CFru::ComputeAreaLengths(int totalLength) {
     const CTrace trace = TraceOf(L"ComputeAreaLengths");
-    // From the back: `end` is where the area behind the one at hand starts.
+    // From the back: `end` is the start of the next area.
     int end = totalLength;
     const auto lengthOf = [this, &end](FRU_HEADER_BYTE area) {
         const int length = m_header.Has(area) ? end - static_cast<int>(m_header.Offset(area)) : 0;
@@ -198,7 +198,7 @@ const WCHAR* CFru::GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* b
     if (!locator || !buffer || bufferBytes < SMALLEST_IDENTIFIER_BYTES)
         return L"";
     const std::size_t size = static_cast<std::size_t>(bufferBytes) / sizeof(WCHAR);
-    // A text that is too long is cut at the buffer's end.
+    // The buffer's end cuts a longer text.
     if (locator->name) {
         std::wcsncpy(buffer, locator->name, size - 1);
         buffer[size - 1] = 0;

@@ -14,11 +14,11 @@ namespace Frudata_Private {
 
 class CFile;
 
-/// Bytes of the buffer that a FRU's identifier is composed in, as its users have it.
+/// Bytes of the buffers for a FRU's identifier.
 constexpr int FRU_IDENTIFIER_BYTES = 400;
 
-/// Common header, the four areas, the multi-record chain and the address of one FRU. The areas and the
-/// locator live as long as the CFru.
+/// Common header, the four areas, the multi-record chain and the address of one FRU. References to the areas and the
+/// locator are valid as long as the CFru.
 class CFru {
   public:
     CFru() = default;
@@ -26,7 +26,7 @@ class CFru {
     CFru& operator=(const CFru&) = delete;
     ~CFru() = default;
 
-    /// Begins the trace of one of its operations.
+    /// Begins the trace of an operation on a FRU.
     static constexpr CTraceSource TraceOf{L"CFru"};
 
     CFruHeader& GetFRUHeader();
@@ -41,9 +41,9 @@ class CFru {
     CBoardInfoArea& GetBoardInfoArea() { return m_board; }
     CProductInfoArea& GetProductInfoArea() { return m_product; }
 
-    /// The area that has fields, or null for the others.
+    /// An area with fields; null for the others.
     CFruArea* GetFieldArea(FRU_AREA area);
-    /// The chassis, board or product area, or null for the others.
+    /// The chassis, board or product area; null for the others.
     CInfoArea* GetInfoArea(FRU_AREA area);
 
     /// The name of the FRU, or null. @return 0
@@ -66,8 +66,8 @@ class CFru {
     static UINT8 CalculateChecksum(const UINT8* data, int length);
     /// Bytes of the whole image, modulo 65536.
     UINT16 GetOverallLength() const;
-    /// Gives the info areas and the multi-record area their lengths from the header's offsets: each runs up
-    /// to the next present one, the last up to `totalLength`. @return 0
+    /// Sets the lengths of the info areas and the multi-record area from the header's offsets: each runs up to
+    /// the next present one, the last up to `totalLength`. @return 0
     EFI_STATUS ComputeAreaLengths(int totalLength);
 
     /// Replaces the multi-record chain. @return 0, OUT_OF_MEMORY
@@ -79,7 +79,7 @@ class CFru {
     EFI_STATUS SerializeMultiRecArea(UINT8* buffer, UINTN& length) const;
     bool CheckMultiRecCheckSum() const;
 
-    /// The text by which a FRU is shown: its name, or its address in words. An empty text, and an untouched
+    /// The text by which people know a FRU: its name, or its address in words. An empty text, and an untouched
     /// buffer, when an argument is null or `bufferBytes` is below 100.
     static const WCHAR* GetFriendlyFruIdentifier(const FRU_LOCATOR* locator, WCHAR* buffer, int bufferBytes);
 

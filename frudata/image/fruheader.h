@@ -32,7 +32,7 @@ class CFruHeader {
     UINTN Offset(FRU_HEADER_BYTE area) const { return m_bytes[area] * 8U; }
 
     UINTN GetLength() const;
-    /// A copy of the bytes, so that nobody writes through it into the header; valid until the next call.
+    /// A copy, which keeps callers from writing into the header; valid until the next call.
     const UINT8* GetData();
     /// Replaces the bytes, unchecked.
     void SetData(const UINT8* data);

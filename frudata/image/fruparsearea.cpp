@@ -13,7 +13,7 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "frureadfile.cpp";
 
-/// What a character of a hexadecimal line is: a digit's value, nothing, or out of place.
+/// Kinds of characters in a hexadecimal line: below 0x10 a digit's value, to be skipped, or out of place.
 constexpr UINT8 NO_DIGIT = 0x10;
 constexpr UINT8 OUT_OF_PLACE = 0x20;
 
@@ -43,7 +43,7 @@ const char* NextDigit(const char* line) {
 /// A line read as hexadecimal digits.
 struct HEXADECIMAL_LINE {
     const char* end; ///< the first character that is out of place, or the line's zero byte
-    UINTN length;    ///< of the block with the line's bytes; more than it holds where there is no room
+    UINTN length;    ///< of the block and the line's bytes, even beyond the block's room
     bool isHalf;     ///< the last digit waits for its second
 };
 
@@ -58,7 +58,7 @@ class CAreaBlock {
     void Clear();
 
     EFI_STATUS AddText(const char* text, UINTN length);
-    /// Puts the bytes of `line` behind those that are there. They do not count before they are added.
+    /// Stores the bytes of `line` behind the block's; AddHexadecimal makes them count.
     HEXADECIMAL_LINE ReadHexadecimal(const char* line);
     EFI_STATUS AddHexadecimal(const HEXADECIMAL_LINE& line);
     /// A byte's two digits stand on one line.
@@ -130,7 +130,7 @@ bool AddLine(const char* text, CAreaBlock& block, EFI_STATUS& status) {
     return true;
 }
 
-/// One for the whole library: an image reads its areas one after another.
+/// One for the whole library: areas are read one after another.
 CAreaBlock g_areaBlock;
 
 } // namespace

@@ -51,13 +51,13 @@ constexpr std::int64_t NO_LIMIT = INT64_MAX;
 
 class CFruFileReader;
 
-/// What one state waits for, and what it does with it.
+/// One state: the key it waits for, and the action.
 struct READ_STEP {
     std::string_view key; ///< the line must hold it
     READ_STATE (CFruFileReader::*read)(const READ_STEP& step);
     READ_STATE next;
-    STRING_ID name;                  ///< what an error message calls the value or area
-    STRING_ID outOfRangeName = name; ///< the same where a number was scanned and is too large
+    STRING_ID name;                  ///< of the value or area in error messages
+    STRING_ID outOfRangeName = name; ///< the same for a number that is too large
     std::int64_t limit = NO_LIMIT;   ///< largest number accepted
     bool isOptional = false;         ///< a line without the key is tried as the next state's
     bool isSilent = false;           ///< failures leave no line in the debug log
@@ -76,16 +76,16 @@ class CFruFileReader {
     READ_STATE ReadTitle(const READ_STEP& step);
     READ_STATE SkipValue(const READ_STEP& step);
     READ_STATE ReadType(const READ_STEP& step);
-    /// Gives the quoted value to STORE, a setter of CFileHeader.
+    /// Passes the quoted value to STORE, a setter of CFileHeader.
     template <auto STORE> READ_STATE ReadHeaderText(const READ_STEP& step);
-    /// Gives the number to STORE(fru, number).
+    /// Passes the number to STORE(fru, number).
     template <auto STORE> READ_STATE ReadNumber(const READ_STEP& step);
-    /// Gives the block to STORE(fru, data, length), which returns whether it is taken.
+    /// Passes the block to STORE(fru, data, length), which returns whether it accepts it.
     template <auto STORE> READ_STATE ReadArea(const READ_STEP& step);
 
   private:
-    /// Moves to the next line with the key of `step`, or of the following one where that comes first and `step` is
-    /// optional; behind the last line where there is none. @return the step whose key the line has
+    /// Moves to the next line with the key of `step` or, where `step` is optional and that comes first, of the
+    /// following step; behind the last line where there is none. @return the step of the line's key
     const READ_STEP* FindNext(const READ_STEP* step);
     bool ScanNumber(const READ_STEP& step, std::int64_t& number) const;
     READ_STATE RefuseValue(const READ_STEP& step, STRING_ID name) const;
@@ -122,7 +122,7 @@ constexpr READ_STEP NumberStep(const char* key, STRING_ID name, std::int64_t lim
             .limit = limit};
 }
 
-/// The mBMC sizes share the messages of bus and address, and leave no line in the debug log.
+/// Compatibility: the mBMC sizes share the messages of bus and address and leave no line in the debug log.
 template <auto STORE> constexpr READ_STEP MbmcStep(const char* key, std::int64_t limit, READ_STATE next) {
     READ_STEP step = NumberStep<STORE>(key, STRING_KEY_DEV_BUS, limit, next);
     step.outOfRangeName = STRING_KEY_DEV_ADDRESS;
@@ -225,7 +225,7 @@ READ_STATE CFruFileReader::RefuseValue(const READ_STEP& step, STRING_ID name) co
 
 template <auto STORE> READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP& step) {
     const char* text = m_file.GetDelimitedString(m_line, FRU_SINGLE_QUOTE);
-    // A line without quotes is misuse, which the setter asserts; a value that cannot be copied is refused.
+    // A line without quotes is misuse: the setter asserts. A value that cannot be copied is refused.
     std::string_view ignored;
     if (!text && m_file.FindDelimitedString(m_line, FRU_SINGLE_QUOTE, ignored))
         return RefuseValue(step, step.name);
@@ -233,7 +233,7 @@ template <auto STORE> READ_STATE CFruFileReader::ReadHeaderText(const READ_STEP&
 }
 
 READ_STATE CFruFileReader::ReadOpenParen(const READ_STEP& step) {
-    // Without its parenthesis it is no opening, and the reader goes on looking for one.
+    // Without its parenthesis the line opens nothing, and the reader looks for another.
     return m_file.LineContains(m_line, FRU_OPEN_PAREN) ? step.next : READ_FRU;
 }
 
@@ -306,7 +306,7 @@ template <auto STORE> READ_STATE CFruFileReader::ReadArea(const READ_STEP& step)
     return NextArea(static_cast<READ_STATE>(&step - STEPS));
 }
 
-/// The first area behind `areaRead` that the header has: the areas' states follow the header's bytes.
+/// The next area of the header behind `areaRead`: the areas' states are in the order of the header's bytes.
 READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
     for (unsigned state = areaRead + 1; state <= READ_MULTIREC; ++state) {
         if (m_fru.GetFRUHeader()[state - READ_COMMON] != 0)

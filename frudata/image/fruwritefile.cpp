@@ -22,7 +22,7 @@ SCOPED_FILE AppendSection(const CTrace& trace, const char* path) {
     return OpenSection(trace, path, 'a');
 }
 
-/// Writes two digits and `separator`: most of a file is these, and formatting them would be most of its cost.
+/// Writes two digits and `separator`. Most of a file is these, and fprintf would be most of its cost.
 void WriteByte(std::FILE* file, UINT8 byte, char separator) {
     constexpr char digits[] = "0123456789ABCDEF";
     putc_unlocked(digits[byte >> 4], file);
@@ -44,8 +44,8 @@ void WriteVersion(std::FILE* file, const CInternalUseArea& area) {
                  static_cast<unsigned>(minor), FRU_SINGLE_QUOTE);
 }
 
-/// The title as multibyte text; empty where there is none or the locale cannot convert it, since printf
-/// would give up in the middle of the line. @return null when the allocation fails
+/// The title as multibyte text; empty where there is none or the locale cannot convert it: fprintf would
+/// stop in the middle of the line. @return null when the allocation fails
 std::unique_ptr<char[]> ToNarrowTitle(const WCHAR* title) {
     const std::size_t length = title ? std::wcstombs(nullptr, title, 0) : 0;
     const std::size_t size = length == static_cast<std::size_t>(-1) ? 1 : length + 1;
@@ -71,7 +71,7 @@ EFI_STATUS WriteDataToFRUFile(std::FILE* file, const UINT8* data, int typeLength
     const UINTN length = DecodeLength(static_cast<UINT8>(typeLength));
     if (typeLength == END_OF_FIELDS || length == 0)
         return trace.Exit(FRU_STATUS_SUCCESS);
-    // The format has no form for binary and 6-bit packed data: only their type/length byte is written.
+    // The format has no form for binary and 6-bit packed data: they keep their type/length byte only.
     switch (typeLength & FIELD_TYPE_MASK) {
     case FRU_FIELD_TYPE_TEXT:
         std::fprintf(file, "%c%s%c\n", FRU_SINGLE_QUOTE, reinterpret_cast<const char*>(data), FRU_SINGLE_QUOTE);
@@ -87,7 +87,7 @@ EFI_STATUS WriteDataToFRUFile(std::FILE* file, const UINT8* data, int typeLength
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-/// The header, the fields and the end marker; padding and checksum are the reader's to compute.
+/// The header, the fields and the end marker; the reader computes padding and checksum.
 EFI_STATUS SaveInfoArea(const CTrace& trace, const char* path, const char* tag, const CInfoArea& area) {
     const SCOPED_FILE file = AppendSection(trace, path);
     if (!file)

@@ -10,7 +10,7 @@
 namespace Frudata_Private {
 
 FRUMultiRecord::~FRUMultiRecord() {
-    // One record at a time: thousands of them fit an image, and a recursion would need a frame for each.
+    // One record at a time: an image can have thousands, and a recursion would need a frame for each.
     while (next) {
         std::unique_ptr<FRUMultiRecord> rest = std::move(next->next);
         next = std::move(rest);

@@ -32,7 +32,7 @@ struct FRUMultiRecord {
     /// Has no effect.
     static void Create() {}
 
-    /// Takes the header and data from the start of `bytes`; what is missing there is zero and shows in the checksum.
+    /// Takes header and data from the start of `bytes`; missing bytes count as zero and show in the checksum.
     void Decode(std::span<const UINT8> bytes);
     /// Writes the five header bytes.
     void EncodeHeader(UINT8* bytes) const;

@@ -6,7 +6,7 @@ namespace Frudata_Private {
 constexpr char FRU_LF_NAME[] = "_LF_NAME";
 constexpr char FRU_LF_VERSION[] = "_LF_VERSION";
 constexpr char FRU_LF_FMT_VER[] = "_LF_FMT_VER";
-// Compatibility: the name is spelled so; the word in the file is right.
+// Compatibility: the spelling of the name; the word in the file is right.
 constexpr char FRU_IMPI_VERSION[] = "_IPMI_VERSION";
 constexpr char FRU_FRU[] = "_FRU";
 constexpr char FRU_OPEN_PAREN[] = "(";
@@ -29,7 +29,7 @@ constexpr char FRU_DEV_BUS[] = "_DEV_BUS";
 constexpr char FRU_DEV_ADDRESS[] = "_DEV_ADDRESS";
 constexpr char FRU_MBMC_SIZE_ADDRS[] = "_MBMC_SIZE_ADRS";
 constexpr char FRU_MBMC_SIZE_DATA[] = "_MBMC_SIZE_DATA";
-/// What every area's tag begins with.
+/// The start of every area's tag.
 constexpr char FRU_AREA_TAG_PREFIX[] = "_SEE_";
 constexpr char FRU_COMMON[] = "_SEE_COMMON";
 constexpr char FRU_INTERNAL[] = "_SEE_INTERNAL";

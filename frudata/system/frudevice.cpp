@@ -1,4 +1,4 @@
-// The members of CFru that reach the device: they stand here because image/ includes nothing of system/.
+// The members of CFru for the device. They are defined here because image/ includes nothing of system/.
 #include "frudata/system/frudevice.h"
 
 #include "common/lasterror.h"

@@ -14,7 +14,7 @@ UINT32 g_BMCType = BMC_TYPE_UNKNOWN;
 namespace {
 
 constexpr char SOURCE_FILE[] = "frureadsystem.cpp";
-/// Bytes of one request at first, and by how much less is tried where a controller refuses the count.
+/// Bytes of the first request, and the step to a smaller one after a refusal.
 constexpr int FIRST_CHUNK = 8;
 constexpr int CHUNK_STEP = 4;
 /// The DS1624's access-memory command takes the place of the high offset byte.
@@ -31,7 +31,7 @@ UINT8 EepromOffsetHigh(const FRU_LOCATOR& locator, UINT32 offset) {
     return locator.type == FRU_TYPE_DS1624S ? DS1624_ACCESS_MEMORY : HighByte(offset);
 }
 
-/// A management controller found in the SDR repository: its FRU device 0 is behind the BMC.
+/// Whether the FRU is device 0 of a management controller behind the BMC, as the SDR scan finds them.
 bool IsBridged(const FRU_LOCATOR& locator) {
     return locator.type == FRU_TYPE_IMBDEVICE && locator.controller == BMC_ADDRESS && locator.bus != NO_BUS &&
            locator.deviceId == 0;
@@ -82,16 +82,16 @@ EFI_STATUS WriteChunks(const FRU_LOCATOR& locator, bool useFruCommands, UINT32 o
         if (const int status = SendToDevice(locator))
             return static_cast<EFI_STATUS>(status);
         const UINT8 completion = RespMsg->completionCode;
-        // Compatibility: a busy node is asked again without limit, here and in reading.
+        // Compatibility: repeats the request to a busy node without limit, here and in reading.
         if (completion == COMPLETION_NODE_BUSY)
             continue;
         if (completion == COMPLETION_BAD_LENGTH && chunk != 1) {
             chunk -= CHUNK_STEP;
-            // Compatibility: 8, 4 and 0 are tried, but not the single byte that reading tries.
+            // Compatibility: tries 8, 4 and 0 bytes, but not the single byte that reading tries.
             if (chunk >= 0)
                 continue;
         }
-        // A device that takes 0 bytes will never take the rest.
+        // A device that accepts 0 bytes never gets the rest.
         if (completion != COMPLETION_SUCCESS || chunk == 0)
             return FRU_STATUS_WRITE_FRU_ERROR;
         const auto written = static_cast<UINT32>(chunk);
@@ -115,7 +115,7 @@ EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* 
     length = 0;
     if (locator.type == FRU_TYPE_NONE)
         return trace.Fail(L"Error Reading FRU", FRU_STATUS_READ_FRU_ERROR);
-    // Read FRU Data answers with the count returned before the bytes.
+    // The answer to Read FRU Data has the count before the bytes.
     const UINTN dataStart = ReadsWithFruCommands(locator) ? 1 : 0;
     int chunk = FIRST_CHUNK;
     while (remaining > 0) {
@@ -127,7 +127,7 @@ EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* 
         if (completion == COMPLETION_NODE_BUSY)
             continue;
         const bool isTooMuch = completion == COMPLETION_FIELD_TOO_LONG || completion == COMPLETION_CANNOT_RETURN_COUNT;
-        // Compatibility: 8, 4, 0 and 1 are tried; a count of 0 is really sent.
+        // Compatibility: tries 8, 4, 0 and 1 bytes, and really sends the 0.
         if (isTooMuch && chunk != 1) {
             chunk = chunk < CHUNK_STEP ? 1 : chunk - CHUNK_STEP;
             continue;
@@ -137,7 +137,7 @@ EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* 
         std::memcpy(buffer + length, RespMsg->data + dataStart, static_cast<UINTN>(chunk));
         length = static_cast<UINT16>(length + chunk);
         remaining -= chunk;
-        // A device that accepts a count of 0 has moved nothing: go on with single bytes.
+        // A count of 0 moves nothing: go on with single bytes.
         chunk = std::max(chunk, 1);
     }
     return trace.Exit(FRU_STATUS_SUCCESS);

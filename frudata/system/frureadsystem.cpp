@@ -11,7 +11,7 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "fru.cpp";
 
-/// Room for each kind of area, in bytes. What does not fit is refused.
+/// Room for each kind of area, in bytes. A larger area is refused.
 constexpr UINT16 PRODUCT_BUFFER = 512;
 constexpr UINT16 AREA_BUFFER = 912;
 constexpr UINT16 MULTIRECORD_BUFFER = 915;
@@ -80,7 +80,7 @@ struct DEVICE_AREA {
     UINT16 room = 0; ///< in bytes; a larger area is refused
     const WCHAR* failure = nullptr;
     EFI_STATUS refused = FRU_STATUS_SUCCESS;
-    /// None: no failure leaves a message, and a failed read is passed on as it is.
+    /// None: no failure leaves a message, and a failed read keeps its status.
     std::optional<STRING_ID> message;
 };
 
@@ -112,7 +112,7 @@ EFI_STATUS GetChassisArea(CFru& fru, const FRU_LOCATOR* locator) {
                          FRU_STATUS_INVALID_CHASSIS_AREA, STRING_INVALID_CHASSIS_AREA});
 }
 
-// Compatibility: this area alone leaves no message.
+// Compatibility: only this area leaves no message.
 EFI_STATUS GetProductArea(CFru& fru, const FRU_LOCATOR* locator) {
     return ReadInfoArea(fru, locator,
                         {L"GetProductArea", FRU_HEADER_PRODUCT, FRU_AREA_PRODUCT, PRODUCT_BUFFER,
@@ -129,8 +129,8 @@ EFI_STATUS GetFRUInternalData(const FRU_LOCATOR* locator, UINT8* buffer, UINT8 o
 EFI_STATUS GetInternalArea(CFru& fru, const FRU_LOCATOR* locator) {
     const CTrace trace = CFru::TraceOf(L"GetInternalArea");
     AssertLocator(locator);
-    // The area has no length of its own: it ends where the first area behind it in the header starts.
-    // Compatibility: first in the header's order, not on the device.
+    // The area has no length of its own and ends where the next one starts.
+    // Compatibility: the next one in the header's order, not on the device.
     const CFruHeader& header = fru.Header();
     UINTN next = FRU_HEADER_CHASSIS;
     while (next <= FRU_HEADER_MULTIRECORD && header[next] == 0)
@@ -176,7 +176,7 @@ EFI_STATUS ReadMultiRecords(CFru& fru, const FRU_LOCATOR* locator) {
         UINT8 buffer[MULTIRECORD_BUFFER];
         if (offset > LAST_OFFSET || GetMultiRecLength(locator, static_cast<UINT16>(offset), length) != 0)
             return FRU_STATUS_INVALID_MULTIREC_AREA;
-        // A record without data ends the walk, whatever its end-of-list bit says, and is not kept.
+        // Compatibility: a record without data ends the walk, whatever its end-of-list bit says, and is not kept.
         if (length == 0)
             break;
         const auto count = static_cast<UINT16>(length + MULTIRECORD_HEADER_LENGTH);

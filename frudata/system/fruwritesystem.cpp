@@ -12,7 +12,7 @@ constexpr std::size_t ADDRESS_TEXT_SIZE = 100;
 constexpr std::size_t WRITING_TEXT_SIZE = 256;
 
 /// Writes the areas one behind the other and reports each.
-/// Compatibility: wherever the header has them.
+/// Compatibility: the offsets of the header do not count.
 class CFruWriter {
   public:
     CFruWriter(const FRU_LOCATOR& locator, const FRU_PROGRESS_CALLBACK& progress)
@@ -30,7 +30,7 @@ class CFruWriter {
         return true;
     }
 
-    /// Writes `area` where `isWanted`; its place is kept free otherwise.
+    /// Writes `area` if `isWanted`, and moves on by its length in any case.
     template <typename AREA> bool WriteArea(AREA& area, bool isWanted, STRING_ID progress) {
         Report(GetText(progress));
         if (!isWanted) {
@@ -57,7 +57,7 @@ class CFruWriter {
     UINT32 m_offset = 0;
 };
 
-/// Tells the host which FRU is being written, by its address whatever its name.
+/// Reports which FRU is being written, by its address even if it has a name.
 void ReportFru(const CFruWriter& writer, const FRU_LOCATOR& locator) {
     WCHAR address[ADDRESS_TEXT_SIZE];
     WCHAR text[WRITING_TEXT_SIZE];

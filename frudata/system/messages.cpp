@@ -12,7 +12,7 @@ std::unique_ptr<BMC_MESSAGE> RespMsg;
 
 namespace {
 
-/// Bytes of RespMsg's data that the last answer may have left; those behind are zero.
+/// Bytes at the start of RespMsg's data that the last answer may have written; the rest is 0.
 UINT32 g_used = 0;
 
 } // namespace

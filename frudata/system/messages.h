@@ -1,4 +1,4 @@
-// The two message records that all requests of this library are built in and answered into.
+// The two message records of all requests of this library and their answers.
 #pragma once
 
 #include "common/ipmi.h"
@@ -17,10 +17,10 @@ extern std::unique_ptr<BMC_MESSAGE> RespMsg;
 bool AllocateMessages();
 void FreeMessages();
 
-/// Builds a request in ReqMsg, its data being `data`.
+/// Builds a request with the bytes of `data` in ReqMsg.
 void BuildRequest(UINT8 responder, UINT8 netFn, UINT8 lun, UINT8 command, std::initializer_list<UINT8> data);
 
-/// Sends ReqMsg to where its address says; the answer is in RespMsg. @return a transport value, 0 is success
+/// Sends ReqMsg to its address and receives the answer in RespMsg. @return a transport value, 0 is success
 int SendRequest();
 /// The same to the controller `target` on `channel`, whatever the request's address says.
 int SendBridgedRequest(UINT8 channel, UINT8 target);

@@ -1,4 +1,4 @@
-// SDR records that say where FRU inventory lives (IPMI 2.0, section 43), and the state of a scan.
+// SDR records that locate FRU inventory (IPMI 2.0, section 43), and the state of a scan.
 #pragma once
 
 #include "frudata/types.h"
@@ -8,7 +8,7 @@
 
 namespace Frudata_Private {
 
-/// Record types with a meaning here.
+/// The locators among the record types.
 constexpr UINT8 SDR_TYPE_FRU_LOCATOR = 0x11;
 constexpr UINT8 SDR_TYPE_MC_LOCATOR = 0x12;
 
@@ -18,7 +18,7 @@ constexpr UINTN SDR_RECORD_SIZE = 255;
 constexpr UINTN SDR_ID_STRING_SIZE = 18;
 
 struct RECHDR {
-    UINT16 recordId; ///< informational. Compatibility: in the reverse of the wire's byte order
+    UINT16 recordId; ///< informational. Compatibility: bytes in reverse order
     UINT8 sdrVersion;
     UINT8 recordType;
     UINT8 recordLength; ///< bytes after the header
@@ -93,8 +93,8 @@ struct SDR_TYPE {
     UINT32 mcCapacity = 0;  ///< room in mcLocators
 };
 
-/// Releases the arrays that hold a record. For hosts of the scan's state: the library does not call it, and the next
-/// scan releases what the last one left. @return 0
+/// Releases the arrays that hold a record. Completes the interface; the library does not call it, since a scan releases
+/// what the last one left. @return 0
 EFI_STATUS SDR_MEM_Free(SDR_TYPE& sdr);
 
 /// Decode a record's header. `raw` is the record as read, whatever its length byte says.

@@ -1,5 +1,5 @@
 // The SDR repository scan (IPMI 2.0, section 33): counts the records, decodes the locators among them, and
-// turns those into a host's list.
+// appends them to the host's list.
 #include "frudata/sdrscan.h"
 
 #include "common/allocate.h"
@@ -50,7 +50,7 @@ UINT32 NextRecordId() {
     return RespMsg->data[0] | static_cast<UINT32>(RespMsg->data[1]) << 8;
 }
 
-/// Record ids that a pass has asked for, so that a chain that returns to one ends the pass.
+/// Record ids that a pass has read: a chain that returns to one ends the pass.
 class CAskedRecords {
   public:
     /// @return whether `id` is a record's and was not asked for before; writes the line of a chain that returns
@@ -116,7 +116,7 @@ EFI_STATUS SDR_MEM_Alloc(SDR_TYPE& sdr, const UINT32* counters) {
     return trace.Exit(FRU_STATUS_SUCCESS);
 }
 
-/// Reads the record `id`; `id` becomes the next record's. `room` becomes the part of itself that the record fills.
+/// Reads the record `id`, and sets `id` to the next record's. `room` shrinks to the part that the record fills.
 EFI_STATUS ReadRecFromBMC(std::span<UINT8>& room, UINT32& id) {
     const CTrace trace = TraceFruData(L"ReadRecFromBMC");
     if (!Reserve())
@@ -150,7 +150,7 @@ EFI_STATUS ReadRecFromBMC(std::span<UINT8>& room, UINT32& id) {
 template <typename RECORD> EFI_STATUS DecodeInto(const CTrace& trace, std::unique_ptr<RECORD[]>& records,
                                                  UINT32 capacity, UINT32& count, std::span<const UINT8> raw,
                                                  EFI_STATUS (*decode)(std::span<const UINT8> raw, RECORD& record)) {
-    // The repository has grown since its records were counted.
+    // The repository has grown since the count.
     if (count >= capacity)
         return trace.Fail(L"More SDRs than counted", FRU_STATUS_SDR_READ_ERROR);
     const EFI_STATUS status = decode(raw, records[count]);
@@ -249,7 +249,7 @@ EFI_STATUS ScanSystemForFruLocators(OrderedList<FRU_LOCATOR*>*& list) {
     if (!list || !ReqMsg || !RespMsg)
         return FRU_STATUS_SUCCESS;
     InitSDRStruct(gSDR_Types);
-    // What was decoded before a failure still becomes locators.
+    // Records decoded before a failure still become locators.
     GetAllSDRRecs(gSDR_Types);
     CreateLocatorList(gSDR_Types, *list);
     return trace.Exit(FRU_STATUS_SUCCESS);

@@ -3,9 +3,9 @@
  *
  * Every function returns a plain integer, not an EFI_STATUS. A completion code is never a failure of
  * this layer: it travels in the response and the caller judges it, "node busy" (C0h) too. (The table's
- * operations repeat a request that a FRU device answers with it, without limit.) One thread at a time
- * may use the layer. While a request is in progress over the KCS ports, SIGALRM and the process's alarm
- * belong to the driver; afterwards SIGALRM has its default disposition and no alarm is pending.
+ * operations repeat such a request without limit.) One thread at a time may use the layer. While a request is in
+ * progress over the KCS ports, SIGALRM and the process's alarm belong to the driver; afterwards SIGALRM has its default
+ * disposition and no alarm is pending.
  */
 #ifndef FRUDATA_BMCLIB_H
 #define FRUDATA_BMCLIB_H
@@ -77,8 +77,8 @@ extern int KCSAddress;
  * Without an IMB driver each call opens /dev/mem (close-on-exec), and each call that may read it maps
  * 65535 bytes of the firmware's memory and, where they lead to an SMBIOS table, 65535 bytes from there:
  * 128 KiB of address space. Neither the descriptor nor the mappings are ever given back. The descriptor
- * is kept in eight bits: one above 255 is cut, and what is mapped is then another file of the host, or
- * nothing. A host with that many files open calls this before it opens them.
+ * is kept in eight bits: above 255 it is cut, and another file of the host is mapped, or none. A host with
+ * that many files open calls this first.
  *
  * @return 0, or BMCLIB_ERR_NO_BMC
  */
@@ -108,8 +108,8 @@ int ProcessTimedMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, unsig
 /** Bridges `request` to the controller `target` on `channel` with Send Message and Get Message. */
 int ProcessSendMessage(const BMC_MESSAGE* request, BMC_MESSAGE* response, UINT8 channel, UINT8 target);
 /**
- * Sends one request to the BMC over KCS or the session library, as SelectIPMIInterface has it and
- * whatever the discovery has found.
+ * Sends one request to the BMC over KCS or the session library, as SelectIPMIInterface chose, whatever the
+ * discovery found.
  * @param request asked
  * @param timeout milliseconds, for the session library; KCS has its own 15 seconds a wait
  * @param responseData room for 65535 bytes @param responseLength out: bytes of it
@@ -122,9 +122,9 @@ int SendTimedImbpRequest_t(const _IMBPREQUESTDATA* request, int timeout, UINT8* 
 void wait_for_SMS_flag(void);
 
 /**
- * Selects the system interface. From one session interface to the other goes only by way of
- * IPMI_INTERFACE_KCS. Where the discovery has found an IMB driver, or an interface without a driver,
- * the selection succeeds and requests do not follow it; only SendTimedImbpRequest_t does.
+ * Selects the system interface. Select KCS before changing the session interface. Where the discovery found
+ * an IMB driver, or an interface without a driver, the selection succeeds but only SendTimedImbpRequest_t
+ * follows it.
  * @return true on success; a failure leaves the interface as it was
  */
 bool SelectIPMIInterface(_IPMI_INTERFACE_TYPE type);
@@ -148,9 +148,9 @@ int KCSReadBMCData(UINT8* buffer, unsigned int capacity, unsigned int* count);
 /** Brings the interface back to idle. @return 0; 2 time-out; 3 after five failed attempts */
 int KCSBMCErrorHandler(void);
 /**
- * Waits until the BMC has taken the last byte.
- * @param limit no measure of time: up to 5000000 the wait ends with the alarm after 15 seconds, above
- *              that it never ends. The driver passes 5000000.
+ * Waits until the BMC has taken the last byte. The wait's alarm sets its counter from 0 to 5000001 after 15 seconds.
+ * @param limit in units of that counter, which are no time: a wait ends when the counter is above it. So up to
+ *              5000000 the wait ends after 15 seconds, above that it never ends. The driver passes 5000000.
  * @return 0; 1 on time-out
  */
 int WaitWhileIbf(unsigned int limit);
@@ -163,7 +163,7 @@ int IsKCS(void);
 /** @return 1 if the SMS attention flag is set, else 0 */
 int KCSMessageReady(void);
 /**
- * Waits for what a responder has to say, without limit.
+ * Waits for a message from a responder, without limit.
  * @param responderAddress 0x20: for a byte; any other: for SMS attention @param timeout no effect
  * @return 0
  */
@@ -174,8 +174,8 @@ void SetMsTimeout(unsigned int timeout);
 int CheckMsTimeout(void);
 
 /**
- * Reads a port; 0xFF where port access is refused. A host may define its own inb and outb: they then
- * take the place of the library's for all port traffic.
+ * Reads a port; 0xFF where port access is refused. A host may define its own inb and outb, which then replace
+ * the library's for all port traffic.
  */
 UINT8 inb(UINT16 port);
 /** Writes `value` to `port`; no effect where port access is refused. */

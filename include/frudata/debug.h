@@ -12,8 +12,8 @@ extern "C" {
 
 /**
  * Debug level, process-wide: 0 nothing, 1 errors (the default), 2 also buffer dumps, 3 and above also
- * the entry and exit of every operation. Lines go to "DBGLOG.txt" in the current directory, which is a
- * regular file or a link to a terminal; where it is anything else they are lost.
+ * the entry and exit of every operation. Lines go to "DBGLOG.txt" in the current directory if it is a
+ * regular file or a link to a terminal, and are lost otherwise.
  */
 extern unsigned int LIBDBG_DEBUG_LEVEL;
 
@@ -41,9 +41,9 @@ unsigned int DecodeDebugLevel(int argc, char** argv);
 
 /**
  * Opens a file named by wide texts, converted to the current locale's multibyte form.
- * A name keeps as many bytes as it has characters: one that grows by the conversion, as those do that
- * have characters beyond ASCII in UTF-8, is cut and names another file. The path of a string table is
- * converted in the same way; names of FRU text files are not cut.
+ * A name keeps as many bytes as it has characters: one that grows by the conversion, such as one with characters
+ * beyond ASCII in UTF-8, is cut and names another file. So is the path of a string table; names of FRU text
+ * files are not.
  * @return the stream (the caller closes it); null for a null argument, a text that cannot be converted,
  *         or a failed open
  */

@@ -8,12 +8,13 @@
  *     takes the table's address as its first argument, `This`.
  * 2.  Lifetime. `Initialize` comes first, `DeInitialize` last. Before `Initialize` only it,
  *     `SetLanguageLocale`, `SetDisplayCallback` and `SetPwd` do anything.
- * 3.  Status. Every operation returns an EFI_STATUS: 0 for success, else a FRU_STATUS_ code (types.h).
+ * 3.  Status. Every operation returns an EFI_STATUS: 0 for success, else a FRU_STATUS_ code (types.h), which
+ *     `@return` names without its prefix.
  *     Checks come in this order: initialised, loaded, selection, arguments.
- * 4.  Errors. The reason of a failure is a text in the current language, fetched and cleared by
- *     `GetLastErrorMessage`; it stays intact until the next such call. Not every failure has one.
- * 5.  Cursor. `SelectList`, a FRU, an area and a field of it are selected in this order; selecting at one
- *     level clears the levels below it. Values are read and written at the cursor.
+ * 4.  Errors. The reason of a failure is a text in the current language. `GetLastErrorMessage` fetches and
+ *     clears it; the text stays intact until the next such call. Not every failure has one.
+ * 5.  Cursor. A host selects a list, a FRU, an area and a field, in this order; selecting at one level clears
+ *     the levels below it. Values are read and written at the cursor.
  * 6.  Ownership. Texts and data handed out belong to the library. A field value is valid until the next
  *     value is asked of the same area, a title until the next `SetLanguageLocale`, a name as long as its
  *     FRU. Nothing that the caller passes in is kept, except callbacks.
