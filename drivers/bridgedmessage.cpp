@@ -24,7 +24,7 @@ enum : std::size_t {
 /// Positions in the data of a Get Message response.
 constexpr std::size_t ANSWER_RESPONDER = 3;
 
-/// What makes the sum of the bytes 0 modulo 256.
+/// The byte that makes the sum of the bytes 0 modulo 256.
 UINT8 ZeroChecksum(std::span<const UINT8> bytes) {
     return static_cast<UINT8>(-std::accumulate(bytes.begin(), bytes.end(), 0));
 }
@@ -34,7 +34,7 @@ UINT8 ZeroChecksum(std::span<const UINT8> bytes) {
 UINT8 ParseSendMessage(std::span<const UINT8> data, BRIDGED_REQUEST& request) {
     if (data.size() < SMALLEST)
         return COMPLETION_BAD_LENGTH;
-    // Bytes and their checksum add up to 0, and so does the checksum over both.
+    // Bytes and their checksum sum to 0, so the checksum over both is 0.
     if (ZeroChecksum(data.subspan(RESPONDER, REQUESTER - RESPONDER)) != 0 || ZeroChecksum(data.subspan(REQUESTER)) != 0)
         return COMPLETION_INVALID_FIELD;
     request.channel = data[CHANNEL] & 0x0F;

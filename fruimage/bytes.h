@@ -1,4 +1,4 @@
-// Runs of bytes and what the FRU format does with them everywhere: units of 8, checksums.
+// Runs of bytes, and the units and checksums of the FRU format.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ using BYTE = std::uint8_t;
 using BYTES = std::vector<BYTE>;
 using BYTE_VIEW = std::span<const BYTE>;
 
-/// Offsets and lengths of areas are counted in this many bytes (FRU Information Storage Definition, section 8).
+/// Offsets and lengths of areas count units of this many bytes (FRU Information Storage Definition, section 8).
 constexpr std::size_t UNIT = 8;
 /// Bytes of the common header.
 constexpr std::size_t HEADER_SIZE = 8;
@@ -46,7 +46,7 @@ constexpr std::size_t RoundUp(std::size_t size) {
 }
 /// The bytes from `offset` on, at most `length`; never past the end.
 BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length);
-/// Whether all of `bytes` are `value`. True where there are none.
+/// Whether all of `bytes` are `value`; true for none.
 bool IsFilledWith(BYTE_VIEW bytes, BYTE value);
 /// Upper-case hexadecimal pairs, `separator` between them.
 std::string Hex(BYTE_VIEW bytes, const char* separator = " ");

@@ -32,7 +32,7 @@ std::string FaultOfFields(const AREA_DESCRIPTION& area) {
     return {};
 }
 
-/// Everything in front of the padding.
+/// All bytes before the padding.
 BYTES ComposeFields(const AREA_DESCRIPTION& area) {
     const AREA_ROW& row = AreaRow(area.id);
     const std::size_t leading = row.LeadingFields();

@@ -32,8 +32,8 @@ std::string Digits(unsigned number, std::size_t width) {
     return std::string(width - std::min(width, digits.size()), '0') + digits;
 }
 
-/// Reads `text` by a pattern in which each lower-case letter stands for one digit of the number of that letter, and
-/// every other character for itself.
+/// Reads `text` by a pattern: each lower-case letter stands for one digit of the number of that letter, every other
+/// character for itself.
 std::optional<std::map<char, int>> ReadPattern(std::string_view text, std::string_view pattern) {
     if (text.size() != pattern.size())
         return std::nullopt;
@@ -50,7 +50,7 @@ std::optional<std::map<char, int>> ReadPattern(std::string_view text, std::strin
     return numbers;
 }
 
-/// Minutes since the origin; nothing where the text is no date of the calendar, or not of whole minutes.
+/// Minutes since the origin; nothing for a text that is no date of the calendar or has seconds.
 std::optional<long> ReadDate(std::string_view text) {
     if (text.ends_with('Z') && text.find('T') != std::string_view::npos)
         text.remove_suffix(1);

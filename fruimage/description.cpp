@@ -10,7 +10,7 @@ namespace FruImage {
 
 namespace {
 
-/// No device has more, and a number that somebody wrote should not take the memory for it.
+/// No device has more, and a written number must not allocate without limit.
 constexpr std::size_t MOST_BYTES = 0xFFFFFF;
 
 struct PLACED {
@@ -45,7 +45,7 @@ Result<PLACES> Place(const DESCRIPTION& description) {
     return places;
 }
 
-/// Nothing twice, nothing on top of something else. @return why not, or nothing
+/// Checks that no area comes twice and none overlaps another. @return the fault, or nothing
 std::optional<ERROR> CheckPlaces(const DESCRIPTION& description, const PLACES& places) {
     const RANGE header{0, HEADER_SIZE};
     for (std::size_t first = 0; first < places.size(); ++first) {
@@ -70,7 +70,7 @@ std::optional<ERROR> CheckPlaces(const DESCRIPTION& description, const PLACES& p
     return std::nullopt;
 }
 
-/// Bytes up to the end of what is last.
+/// Bytes up to the end of the last area or gap.
 std::size_t NeededBytes(const DESCRIPTION& description, const PLACES& places) {
     std::size_t needed = HEADER_SIZE;
     for (const PLACED& place : places)

@@ -1,5 +1,5 @@
-// An image as a list of what it holds, from which it can be built: what a FRU is made of from nothing, and what JSON
-// carries. Sums, lengths and offsets follow from the rest where they are left out.
+// An image as a list of its contents, from which Build makes it: for new FRUs and for JSON. Omitted checksums, lengths
+// and offsets follow from the rest.
 #pragma once
 
 #include "fruimage/image.h"
@@ -27,20 +27,20 @@ struct RECORD_DESCRIPTION {
     BYTE type = 0;
     std::optional<BYTE> flags = {};    ///< second header byte; without it format 2, and end of list in the last record
     BYTES data = {};                   ///< 0 to 255
-    std::optional<BYTE> checksum = {}; ///< of the data, where it is not what it should be
+    std::optional<BYTE> checksum = {}; ///< of the data, where it is wrong
 };
 
 struct AREA_DESCRIPTION {
     AREA_ID id = AREA_ID::PRODUCT;
     std::optional<std::size_t> offset = {}; ///< a multiple of 8; without it, behind the area before in the list
-    std::size_t length = 0;                 ///< info areas: a multiple of 8; 0: as long as it must be and `spare`
-    std::size_t spare = 0;                  ///< at least so many bytes of padding, where `length` is 0
+    std::size_t length = 0;                 ///< info areas: a multiple of 8; 0: the shortest, and `spare`
+    std::size_t spare = 0;                  ///< bytes of padding at least, where `length` is 0
 
     // Info areas.
     BYTE version = 1; ///< first byte: the format version and four reserved bits
     BYTE language = 0;
-    /// The chassis type (1 byte) and the board's date (3 bytes) first, then the predefined fields, then custom ones.
-    /// Fewer than predefined: the rest are empty, or, where `endsEarly`, the end marker stands there.
+    /// The chassis type (1 byte) or the board's date (3 bytes), then the predefined fields, then custom ones. If there
+    /// are fewer than predefined, the rest are empty or, with `endsEarly`, the end marker takes their place.
     std::vector<FIELD_DESCRIPTION> fields = {};
     bool endsEarly = false;
     BYTES padding = {}; ///< the first bytes behind the end marker, where they are not zero
@@ -48,8 +48,8 @@ struct AREA_DESCRIPTION {
     // Multi-record area.
     std::vector<RECORD_DESCRIPTION> records = {};
 
-    /// The bytes of the internal use area, its format version included; of any other area, all of its bytes as they
-    /// are, damaged ones too: nothing else of the description counts then.
+    /// The bytes of the internal use area, its format version included. Of any other area all bytes, damaged ones too:
+    /// the rest of its description then does not count.
     BYTES bytes = {};
 };
 
@@ -68,9 +68,9 @@ struct DESCRIPTION {
     std::vector<GAP_DESCRIPTION> gaps = {};
 };
 
-/// The description of a FRU. Of a sound one, Build makes the same bytes again; so it does with damaged areas, which
-/// are described by their bytes. DAMAGED: the header, areas that overlap or begin past the end. A blank image has a
-/// description without areas only where it is of no bytes at all; DAMAGED otherwise.
+/// The description of a FRU, of which Build makes the same bytes again: damaged areas are described by their bytes.
+/// DAMAGED: the header is, or areas overlap or begin past the end. An image without bytes has a description without
+/// areas; any other blank image is DAMAGED.
 Result<DESCRIPTION> Describe(const FRU& fru);
 /// The image. BAD_DESCRIPTION: an area twice, areas that overlap, an offset or a length that the format cannot hold,
 /// a text of one byte. NO_ROOM: over `size`.

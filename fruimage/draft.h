@@ -1,4 +1,4 @@
-// A FRU while it is being changed: its areas as descriptions, and where they were.
+// A FRU during a change: its areas as descriptions, and their old places.
 #pragma once
 
 #include "fruimage/compose.h"
@@ -13,8 +13,8 @@ namespace FruImage {
 struct DRAFT_AREA {
     AREA_ID id = AREA_ID::HEADER;
     const AREA* before = nullptr; ///< null: a new one
-    RANGE old;                    ///< bytes that it had for itself; none for a new one
-    /// A damaged offset into another area: it has no bytes of its own and stays what it is.
+    RANGE old;                    ///< bytes that no other area had; none for a new one
+    /// A damaged offset into another area: it has no bytes of its own and stays as it is.
     bool ghost = false;
     bool removed = false;
     bool changed = false;
@@ -35,7 +35,7 @@ struct DRAFT {
     std::vector<CHANGE> changes;
 
     DRAFT_AREA* Find(AREA_ID id);
-    /// The area, made where there is none. A damaged one is refused.
+    /// The area, created if there is none. Refuses a damaged one.
     Result<DRAFT_AREA*> FindOrMake(AREA_ID id);
     void Say(const DRAFT_AREA& area, std::string name, std::string before, std::string after);
 };
@@ -61,7 +61,7 @@ FAULT Edit(DRAFT& draft, const SET_RECORD_BYTES& edit);
 FAULT LayOut(DRAFT& draft);
 /// The plan that makes `after` of the image.
 void AddSteps(PLAN& plan, const FRU& before, const DRAFT& draft);
-/// Ranges in which two images differ; what only `after` has differs.
+/// Ranges in which two images differ, bytes that only `after` has included.
 std::vector<RANGE> Differences(BYTE_VIEW before, BYTE_VIEW after);
 
 } // namespace FruImage

@@ -12,7 +12,7 @@ namespace {
 
 constexpr BYTE UNKNOWN_CHASSIS = 2;
 
-/// Bytes that the area has for itself. A damaged one may claim bytes of others, or none.
+/// Bytes that no other area has. A damaged area may claim bytes of others, or none.
 std::size_t Extent(const AREA& area) {
     if (!area.damaged)
         return area.length;
@@ -47,7 +47,7 @@ DRAFT_AREA DraftOf(const FRU& fru, const AREA& area) {
     return draft;
 }
 
-/// What a new area holds before its first field is set.
+/// A new area before its first field is set.
 AREA_DESCRIPTION NewArea(AREA_ID id, std::size_t spare) {
     AREA_DESCRIPTION description;
     description.id = id;
@@ -57,7 +57,7 @@ AREA_DESCRIPTION NewArea(AREA_ID id, std::size_t spare) {
     return description;
 }
 
-/// The FRU as it is, ready to be changed.
+/// The FRU as it is, ready for changes.
 Result<DRAFT*> Prepare(DRAFT& draft) {
     const FRU& fru = draft.fru;
     if (fru.state != STATE::FRU && fru.state != STATE::BLANK && !fru.bytes.empty())
@@ -67,7 +67,7 @@ Result<DRAFT*> Prepare(DRAFT& draft) {
     return &draft;
 }
 
-/// The padding where the fields have grown into it, or left some of it. What stays padding keeps its bytes.
+/// The padding after fields grow into it or shrink. Bytes that stay padding stay as they are.
 void FitPadding(DRAFT_AREA& area) {
     if (!area.before || !area.changed || !area.before->IsInfo())
         return;

@@ -15,14 +15,13 @@ namespace FruImage {
 
 /// Sets a predefined field, an existing custom field, the custom field just behind the last one, or the language
 /// ("board.language"; number or name: texts are kept and written in the new language's encoding).
-/// A FRU without the area gets it. Fields between the early end of a list and this one become empty ones.
+/// Adds a missing area. Fields between an early end of the list and this one become empty.
 struct SET_FIELD {
     FIELD_NAME name = {};
     std::string text = {};                 ///< UTF-8; a date, a chassis type or a language as people write it
-    std::optional<ENCODING> encoding = {}; ///< without one, the field's own is kept where it holds the value
+    std::optional<ENCODING> encoding = {}; ///< without one, the field's own if it can hold the value
 };
-/// The same with the value's bytes as they are to be stored. TEXT and TWO_BYTE_TEXT are one type code: what the
-/// bytes mean then is for the area's language to say.
+/// The same with the value's bytes. TEXT and TWO_BYTE_TEXT are one type code: the area's language tells them apart.
 struct SET_BYTES {
     FIELD_NAME name = {};
     ENCODING encoding = ENCODING::BINARY;
@@ -34,7 +33,7 @@ struct ADD_FIELD {
     std::string text = {};
     std::optional<ENCODING> encoding = {};
 };
-/// Removes a custom field; those behind it move down by one. A predefined field can only be empty.
+/// Removes a custom field; those behind it move down by one. A predefined field can only become empty.
 struct REMOVE_FIELD {
     FIELD_NAME name = {};
 };
@@ -42,19 +41,19 @@ struct REMOVE_FIELD {
 struct REMOVE_AREA {
     AREA_ID area = AREA_ID::PRODUCT;
 };
-/// Replaces the bytes of the internal use area, its format version byte included. FIXED_SIZE unless they are as many as
-/// before or `resize` says so. A FRU without the area gets it.
+/// Replaces the bytes of the internal use area, its format version byte included. FIXED_SIZE for another
+/// number of bytes without `resize`. Adds a missing area.
 struct SET_INTERNAL {
     BYTES bytes = {};
     bool resize = false;
 };
-/// A record without what follows from the rest: checksums, end of list.
+/// A record without its checksums and end-of-list bit, which follow from the rest.
 struct RECORD_VALUE {
     BYTE type = 0;
     BYTE format = 2;
     BYTES data = {}; ///< 1 to 255 bytes
 };
-/// Adds a record behind the last one, in front of an empty closing one. A FRU without the area gets it.
+/// Adds a record behind the last one, before an empty closing one. Adds a missing area.
 struct APPEND_RECORD {
     RECORD_VALUE record = {};
 };
@@ -66,11 +65,11 @@ struct REPLACE_RECORD {
 struct REMOVE_RECORD {
     std::size_t index = 0;
 };
-/// Replaces all records; none: the area is removed.
+/// Replaces all records; without any, removes the area.
 struct REPLACE_RECORDS {
     std::vector<RECORD_VALUE> records = {};
 };
-/// Replaces the whole chain by bytes that are one already, sound to the last. BAD_VALUE where they are none.
+/// Replaces the chain by the bytes of another one. BAD_VALUE unless they are a sound chain to the last byte.
 struct SET_RECORD_BYTES {
     BYTES bytes = {};
 };
@@ -81,19 +80,19 @@ using EDIT = std::variant<SET_FIELD, SET_BYTES, ADD_FIELD, REMOVE_FIELD, REMOVE_
 struct LIMITS {
     /// Bytes of the device. 0: as many as the format can address; else an image that is longer already may not grow.
     std::size_t deviceSize = 0;
-    /// Bytes of padding that an area gets when it is made, before rounding up to 8, so that its fields can grow.
+    /// Bytes of padding in a new area, before rounding up to 8, for its fields to grow.
     std::size_t spare = 0;
 };
 
-/// Makes the edits, in their order, all or none.
+/// Makes all edits, in their order, or none.
 ///
 /// An area that outgrows its room takes its own padding, then unused bytes behind it, then later areas move up in
 /// 8-byte steps, as few of them and as little as possible. The internal use area stays; an area that would run into it
-/// goes behind it. Areas never shrink or move down. A new area goes to the first unused place that holds it. What
-/// no edit names keeps its bytes, unused ones included; a moved area keeps its own. A value that is there already
-/// changes nothing. A blank image becomes a FRU with its first area.
-/// DAMAGED: the header, or an area that an edit names. Damaged areas may be moved, as they are.
-/// NO_ROOM, NOT_ADDRESSABLE, FIXED_SIZE, NO_SUCH_FIELD, BAD_VALUE as said above.
+/// goes behind it. Areas never shrink or move down. A new area goes to the first unused place that holds it. Bytes
+/// that no edit names stay, unused ones included, and move with their area. Setting the present value changes nothing.
+/// A blank image becomes a FRU with its first area.
+/// DAMAGED: the header, or an area that an edit names. Damaged areas may move, as they are.
+/// NO_ROOM, NOT_ADDRESSABLE, FIXED_SIZE, NO_SUCH_FIELD, BAD_VALUE: as in result.h.
 Result<PLAN> Apply(const FRU& fru, std::span<const EDIT> edits, const LIMITS& limits = {});
 
 } // namespace FruImage

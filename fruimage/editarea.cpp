@@ -31,12 +31,12 @@ bool IsClosing(const RECORD_DESCRIPTION& record) {
     return record.data.empty();
 }
 
-/// The chain without a record that only closes it.
+/// The chain without an empty closing record.
 std::size_t Records(const AREA_DESCRIPTION& area) {
     return area.records.size() - (!area.records.empty() && IsClosing(area.records.back()) ? 1U : 0U);
 }
 
-/// After a change: the last record, and no other, says that it is the last.
+/// After a change: marks the last record, and no other, as the end of the list.
 void MarkLast(DRAFT_AREA& area) {
     auto& records = area.description.records;
     area.description.bytes.clear();
@@ -53,7 +53,7 @@ std::string RecordName(std::size_t index) {
     return Text("multirecord.record", index + 1);
 }
 
-/// The chain, if it has record `index`.
+/// The chain if it has record `index`.
 Result<DRAFT_AREA*> ChainWith(DRAFT& draft, std::size_t index) {
     const DRAFT_AREA* present = draft.Find(AREA_ID::MULTIRECORD);
     if (!present || index >= Records(present->description))

@@ -29,7 +29,7 @@ std::string ValueText(const FIELD_NAME& name, const FIELD_DESCRIPTION& field, BY
     return field.bytes.empty() ? std::string() : ChassisTypeText(field.bytes[0]);
 }
 
-/// Whether the name is one of a field, and this FRU has it or can get it with nothing between.
+/// Whether the name is one of a field that this FRU has or can get without a gap.
 FAULT CheckName(DRAFT& draft, const FIELD_NAME& name) {
     const AREA_ROW& row = AreaRow(name.area);
     const bool field =
@@ -45,7 +45,7 @@ FAULT CheckName(DRAFT& draft, const FIELD_NAME& name) {
     return std::nullopt;
 }
 
-/// Puts the value at its place; fields between the end of the list and it are empty.
+/// Puts the value at its place; fields between the end of the list and this one become empty.
 FAULT Store(DRAFT& draft, const FIELD_NAME& name, FIELD_DESCRIPTION value) {
     const Result<DRAFT_AREA*> found = draft.FindOrMake(name.area);
     if (!found)
@@ -85,7 +85,7 @@ FAULT SetLeading(DRAFT& draft, const SET_FIELD& edit) {
     return Store(draft, edit.name, {ENCODING::BINARY, bytes.Take()});
 }
 
-/// The encoding that was asked for; the area's text has one only.
+/// The encoding asked for; an area's text has only one.
 Result<FIELD_VALUE> EncodeAsked(std::string_view text, ENCODING asked, BYTE language) {
     const ENCODING ofArea = EncodingOf(EMPTY_FIELD, language);
     if (asked == ENCODING::TWO_BYTE_TEXT && ofArea != asked)
@@ -114,7 +114,7 @@ FAULT SetText(DRAFT& draft, const SET_FIELD& edit) {
     return Store(draft, edit.name, {value->encoding, value->bytes});
 }
 
-/// Text in the encoding of another language. What is no text cannot be taken over.
+/// Text in the encoding of another language; a value that is no text cannot follow.
 FAULT Translate(const FIELD_NAME& name, FIELD_DESCRIPTION& field, BYTE before, BYTE after) {
     const ENCODING encoding = EncodingOf(TypeLength(field.encoding, 0), before);
     if ((encoding != ENCODING::TEXT && encoding != ENCODING::TWO_BYTE_TEXT) || field.bytes.empty())

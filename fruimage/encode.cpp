@@ -16,7 +16,7 @@ ERROR BadValue(std::string text, std::string hint = {}) {
     return error;
 }
 
-/// Reads one character of more than one byte at `position` and moves behind it; nothing where it is no UTF-8.
+/// Reads one character of several bytes at `position` and moves behind it; nothing if it is no UTF-8.
 std::optional<std::uint32_t> ReadLongCharacter(std::string_view text, std::size_t& position) {
     const auto first = static_cast<BYTE>(text[position++]);
     const std::size_t more = first >= 0xF0 && first < 0xF8 ? 3 : first >= 0xE0 ? 2 : 1;
@@ -160,7 +160,7 @@ Result<FIELD_VALUE> EncodeKeeping(std::string_view text, ENCODING before, BYTE l
     const bool wasText = before == ENCODING::TEXT || before == ENCODING::TWO_BYTE_TEXT;
     for (const ENCODING encoding : {wasText ? ofArea : before, ofArea, ENCODING::SIX_BIT, ENCODING::BCD_PLUS}) {
         Result<FIELD_VALUE> value = EncodeText(text, encoding);
-        // Fill at the end is no content: a packed value that would lose its own is not stored so.
+        // Fill at the end does not count: refuse to pack a value that ends with it.
         const bool packed = encoding == ENCODING::SIX_BIT || encoding == ENCODING::BCD_PLUS;
         if (value && (!packed || DecodeText(encoding, value->bytes) == text))
             return value;

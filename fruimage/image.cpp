@@ -13,7 +13,7 @@ bool IsBlank(BYTE_VIEW bytes) {
     return !bytes.empty() && (IsFilledWith(bytes, 0) || IsFilledWith(bytes, 0xFF));
 }
 
-/// Where whatever follows `offset` begins.
+/// The start of the next area behind `offset`, or the end of the image.
 std::size_t NextOffset(const FRU& fru, std::size_t offset) {
     std::size_t next = std::max(fru.bytes.size(), offset);
     for (const AREA& area : fru.areas)
@@ -38,7 +38,7 @@ void ReadArea(FRU& fru, AREA& area) {
              Text("its format version is ", Version(fru.bytes[area.offset])));
 }
 
-/// What depends on where the other areas are.
+/// Sets the properties that depend on the places of other areas.
 void Measure(FRU& fru) {
     for (AREA& area : fru.areas) {
         area.room = NextOffset(fru, area.offset) - area.offset;
@@ -64,7 +64,7 @@ void ReportOverlap(FRU& fru, const AREA& area, const AREA& other) {
                 PlaceText(other.offset + other.length)));
 }
 
-/// Of two areas that overlap, the one that is damaged anyway is to blame; else nobody knows which.
+/// Of two overlapping areas a damaged one is to blame; without one, either may be.
 void CheckOverlaps(FRU& fru) {
     MarkDamaged(fru);
     for (std::size_t first = 0; first < fru.areas.size(); ++first)
@@ -117,7 +117,7 @@ void FindGaps(FRU& fru, std::span<const RANGE> read) {
     }
 }
 
-/// The areas that a sound header names.
+/// The areas of a sound header.
 void ReadNamedAreas(FRU& fru) {
     if ((fru.header[0] & 0xF0) != 0 || fru.header[6] != 0)
         Note(fru.findings, "header-reserved", AREA_ID::HEADER, fru.header[6] != 0 ? 6 : 0,

@@ -1,5 +1,5 @@
-// A FRU as the FRU Information Storage Definition sees it: taken apart from any bytes, with findings instead of
-// failures. Everything here is a plain value; nothing refers to the bytes that were parsed.
+// A FRU as the FRU Information Storage Definition has it, parsed from any bytes, with findings instead of failures.
+// Everything here is a plain value and owns its bytes.
 #pragma once
 
 #include "fruimage/bytes.h"
@@ -17,7 +17,7 @@ enum class SEVERITY : std::uint8_t {
     DAMAGE ///< against the format: the area is locked for changes until it is repaired
 };
 
-/// One thing that is not as it should be.
+/// One deviation from the format.
 ///
 /// | code | severity | what |
 /// |---|---|---|
@@ -41,16 +41,16 @@ enum class SEVERITY : std::uint8_t {
 /// | record-header-checksum | damage | |
 /// | record-checksum | damage | |
 /// | record-version | note | a record of another format version than 2 |
-/// | no-end-of-list | note or damage | no record is the last: a note where zeroes follow, which read as an empty record
-/// | | odd-text | note | two-byte text with an odd number of bytes | | gap-not-empty | note | bytes that belong to no
-/// area are neither all 00h nor all FFh |
+/// | no-end-of-list | note or damage | no record is the last; a note where zeroes follow, as an empty record |
+/// | odd-text | note | two-byte text with an odd number of bytes |
+/// | gap-not-empty | note | bytes that belong to no area are neither all 00h nor all FFh |
 struct FINDING {
     SEVERITY severity = SEVERITY::NOTE;
     std::string code; ///< fixed word for programs
     AREA_ID area = AREA_ID::HEADER;
-    std::size_t offset = 0; ///< in the image: the first byte that it is about
-    BYTES found;            ///< what is there; empty where it is not about certain bytes
-    BYTES expected;         ///< what should be there; empty where nothing certain should
+    std::size_t offset = 0; ///< in the image: the first byte concerned
+    BYTES found;            ///< the bytes there; empty where it concerns none in particular
+    BYTES expected;         ///< the right bytes; empty where they are not certain
     std::string text;       ///< for people: one clause, without the area's name and without a full stop
 };
 
@@ -60,7 +60,7 @@ struct FIELD {
     ENCODING encoding = ENCODING::TEXT; ///< TEXT kind only
     BYTE typeLength = 0;                ///< as stored; 0 for the chassis type and the date
     std::size_t offset = 0;             ///< in the image: of the first value byte, behind the type/length byte
-    BYTES bytes;                        ///< the value's bytes, as far as they are there
+    BYTES bytes;                        ///< the value's bytes, as many as are there
     bool cut = false;                   ///< the area, or the image, ends inside it
     std::string text;                   ///< UTF-8: DecodeText, DateText or ChassisTypeText of the bytes
 };
@@ -81,7 +81,7 @@ struct RECORD {
     BYTE Length() const { return header[2]; } ///< as claimed
     BYTE Checksum() const { return header[3]; }
     BYTE HeaderChecksum() const { return header[4]; }
-    /// A closing record has no data that its checksum could be wrong about.
+    /// A closing record has no data, so its data checksum does not count.
     bool IsSound() const {
         return !cut && HeaderChecksum() == expectedHeaderChecksum && (closing || Checksum() == expectedChecksum);
     }
@@ -92,14 +92,14 @@ struct RECORD {
 struct AREA {
     AREA_ID id = AREA_ID::HEADER;
     bool certain = true;      ///< named by a sound header; false: found by search
-    bool damaged = false;     ///< some finding of severity DAMAGE is about it
+    bool damaged = false;     ///< a finding of severity DAMAGE concerns it
     std::size_t offset = 0;   ///< in the image
     std::size_t declared = 0; ///< bytes that its length byte claims; elsewhere as `length`
-    /// Bytes it has: as declared, never past the image's end; internal use: up to the next area or the image's end;
-    /// multi-record: up to the end of the last record that could be followed.
+    /// Its bytes: as declared, never past the image's end; internal use: up to the next area or the image's end;
+    /// multi-record: up to the end of the last readable record.
     std::size_t length = 0;
-    std::size_t room = 0; ///< bytes from its offset to what follows it (an area or the image's end); >= length, but
-                          ///< less where areas overlap
+    std::size_t room = 0; ///< bytes up to the next area or the image's end; at least `length`, except where
+                          ///< areas overlap
     std::size_t used = 0; ///< of `length`: up to the end marker, and the checksum; without fields all of it
 
     // Info areas only.
@@ -116,18 +116,18 @@ struct AREA {
     const AREA_ROW& Row() const { return AreaRow(id); }
     bool IsInfo() const { return Row().IsInfo(); }
     RANGE Range() const { return {offset, length}; }
-    /// Custom fields that it has.
+    /// The number of custom fields.
     std::size_t CustomFields() const {
         return fields.size() > Row().fields.size() ? fields.size() - Row().fields.size() : 0;
     }
-    /// Bytes by which its fields can grow without the area's growing.
+    /// Bytes by which its fields can grow inside the area.
     std::size_t Free() const { return length > used ? length - used : 0; }
 };
 
 enum class GAP_CONTENT : std::uint8_t {
     ZEROES,
     ONES,  ///< FFh: erased
-    OTHER, ///< anything else: somebody may know what it is
+    OTHER, ///< anything else, of unknown use
     UNREAD ///< at least partly not read from the device
 };
 
@@ -163,24 +163,24 @@ struct FRU {
     std::vector<CANDIDATE> candidates; ///< DAMAGED_HEADER only: everything that the search found
     std::vector<FINDING> findings;
 
-    /// Null where it is not there.
+    /// The area, or null.
     const AREA* Find(AREA_ID area) const;
-    /// FIXED and CUSTOM only; null where it is not there, or the list of fields ends before it.
+    /// FIXED and CUSTOM only; null where there is no such field, or the list ends before it.
     const FIELD* Find(const FIELD_NAME& name) const;
-    /// Whether no finding is a damage and it is a FRU.
+    /// Whether it is a FRU without a finding of severity DAMAGE.
     bool IsSound() const;
-    /// Bytes of an area, or of any range, as far as they are there. Valid as long as `bytes` is unchanged.
+    /// The bytes of an area, or of any range, cut at the image's end. Valid as long as `bytes` is unchanged.
     BYTE_VIEW View(const RANGE& range) const { return Slice(bytes, range.offset, range.length); }
 };
 
-/// Takes an image apart. Total: any bytes give a FRU, and `bytes` of it are `image`.
+/// Parses an image. Total: any bytes give a FRU, whose `bytes` are `image`.
 FRU Parse(BYTE_VIEW image);
-/// The same of an image of which only the ranges `read` hold what the device holds.
+/// The same for an image of which only the ranges `read` were read from the device.
 FRU Parse(BYTE_VIEW image, std::span<const RANGE> read);
 
-/// What of a device must be read next, so that Parse sees every area: first the header, then the areas' first bytes,
-/// then the areas; everything where the header is damaged. Call it again with those ranges in `read`, until it
-/// returns none.
+/// The ranges of a device to read next so that Parse sees every area: first the header, then the areas' first bytes,
+/// then the areas; everything if the header is damaged. Call it again with those ranges in `read` until it returns
+/// none.
 /// @param image as many bytes as the device has; only those in `read` are looked at
 /// @param read ranges that were read, in any order
 std::vector<RANGE> WantedRanges(BYTE_VIEW image, std::span<const RANGE> read);

@@ -1,5 +1,5 @@
-// An image from values by name: a description of the usual shape in one expression. Everything else that the format
-// holds is said by a DESCRIPTION.
+// An image from values by name: a description of the usual shape in one expression. A DESCRIPTION can say whatever
+// else the format holds.
 #pragma once
 
 #include "fruimage/description.h"
@@ -44,20 +44,20 @@ class CImageBuilder {
   public:
     /// The bytes behind the format version byte; zeroes fill them up to a whole unit.
     CImageBuilder& InternalUse(const BYTES& data);
-    /// `spare` more bytes of padding, before rounding up to 8, in each info area, so that fields can grow.
+    /// `spare` more bytes of padding in each info area, before rounding up to 8, for fields to grow.
     CImageBuilder& Chassis(const CHASSIS_VALUES& values, std::size_t spare = 0);
     CImageBuilder& Board(const BOARD_VALUES& values, std::size_t spare = 0);
     CImageBuilder& Product(const PRODUCT_VALUES& values, std::size_t spare = 0);
     CImageBuilder& MultiRecord(BYTE type, const BYTES& data);
 
-    /// What it is so far. `deviceSize`: see Build.
+    /// The description so far. `deviceSize`: see Build.
     DESCRIPTION Description(std::size_t deviceSize = 0) const;
     /// The image, followed by bytes FFh up to `deviceSize` (0: not padded). No bytes where the format or the device
     /// cannot hold the values; FruImage::Build of the Description then says why.
     BYTES Build(std::size_t deviceSize = 0) const;
 
   private:
-    /// The place of an area among those that are there, in the order above.
+    /// The place of an area among those present, in the order above.
     AREA_DESCRIPTION& Area(AREA_ID id);
     CImageBuilder& Info(AREA_ID id, BYTE language, std::vector<FIELD_DESCRIPTION> fields,
                         const std::vector<FIELD_DESCRIPTION>& customFields, std::size_t spare);

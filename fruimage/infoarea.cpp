@@ -36,7 +36,7 @@ FIELD ReadField(const AREA& area, BYTE_VIEW bytes, std::size_t position) {
             DecodeText(encoding, value)};
 }
 
-/// Zeroes behind the last field of a list without an end read as empty fields, which nobody wrote.
+/// Drops empty fields at the end of a list without an end marker: they are zeroes that nobody wrote as fields.
 void DropZeroes(AREA& area) {
     while (area.fields.size() > area.Row().fields.size() && area.fields.back().typeLength == 0)
         area.fields.pop_back();
@@ -74,7 +74,7 @@ void CheckFields(const AREA& area, FINDINGS& findings) {
             Note(findings, "odd-text", area.id, field.offset, "two-byte text with an odd number of bytes");
 }
 
-/// The bytes that the area has; how many, its length byte says, within the image.
+/// The bytes of the area: as many as its length byte says, within the image.
 BYTE_VIEW CheckLength(AREA& area, BYTE_VIEW image, std::size_t end, FINDINGS& findings) {
     area.declared = area.offset + 1 < image.size() ? image[area.offset + 1] * UNIT : 0;
     if (area.declared == 0) {
@@ -100,7 +100,7 @@ AREA ReadInfoArea(const AREA_ROW& row, BYTE_VIEW image, std::size_t offset, std:
         Note(findings, "area-version", row.id, offset, Text("its format version is ", Version(image[offset])));
     ReadLeadingField(area, bytes);
     ReadFields(area, bytes.first(bytes.size() - 1));
-    if (area.declared == 0) { // what it has, is as much as its fields need
+    if (area.declared == 0) { // its fields tell its length
         area.length = std::min(area.ended ? RoundUp(area.used) : UNIT, bytes.size());
         area.padding.clear();
         return area;

@@ -12,7 +12,7 @@ bool IsBlankByte(BYTE byte) {
     return byte == 0 || byte == 0xFF;
 }
 
-/// What an area keeps others from: one whose first record is missing yet has the header's offset point to it.
+/// Bytes closed to other areas: at least one unit, since the header can name an area whose first record is missing.
 RANGE Taken(const DRAFT_AREA& area) {
     return {area.offset, std::max(area.Range().length, UNIT)};
 }
@@ -46,8 +46,8 @@ class CLayout {
     }
 
   private:
-    /// Moves areas up as far as those in front of them have grown. @return those that do not fit in front of the
-    /// internal use area
+    /// Moves areas up as far as those before them have grown. @return those that do not fit before the internal use
+    /// area
     std::vector<DRAFT_AREA*> Push() {
         std::vector<DRAFT_AREA*> displaced;
         std::size_t end = HEADER_SIZE;
@@ -72,7 +72,7 @@ class CLayout {
                             [&](const auto* area) { return Taken(*area).Overlaps(range); });
     }
 
-    /// Whether writing there destroys nothing that anybody could need.
+    /// Whether writing there destroys no byte of an area and none of unknown use.
     bool IsBlank(const RANGE& range) const {
         const BYTE_VIEW bytes = m_draft.fru.View(range);
         return std::all_of(bytes.begin(), bytes.end(), IsBlankByte) &&
@@ -80,7 +80,7 @@ class CLayout {
                             [&](const DRAFT_AREA& area) { return area.old.Overlaps(range); });
     }
 
-    /// Ends of what is placed: where free bytes begin, ascending.
+    /// Ends of the placed areas, where free bytes begin; ascending.
     std::vector<std::size_t> Ends() const {
         std::vector<std::size_t> ends = {HEADER_SIZE};
         for (const DRAFT_AREA* area : m_placed)
@@ -121,7 +121,7 @@ class CLayout {
         return std::nullopt;
     }
 
-    /// It ends where the next area begins: a new one goes to the end of unused bytes, not to their beginning.
+    /// Places the internal use area at the end of unused bytes, since it ends where the next area begins.
     FAULT PlaceInternal(DRAFT_AREA& area) {
         std::vector<std::size_t> ends = Ends();
         const std::size_t last =
@@ -162,7 +162,7 @@ class CLayout {
         return std::nullopt;
     }
 
-    /// No byte says how long the internal use area is: it reaches up to the next area, or to the end of the image.
+    /// No byte tells the length of the internal use area: it reaches to the next area or the end of the image.
     FAULT CheckInternal() const {
         if (!m_internal)
             return std::nullopt;

@@ -28,7 +28,7 @@ VARIANT Try(const FRU& fru, const AREA& area, BYTE version, std::size_t units) {
     return variant;
 }
 
-/// Whether a shorter area would leave nothing behind that somebody wrote.
+/// Whether a shorter area would cut off no written byte.
 bool LeavesNothing(const FRU& fru, const AREA& area, std::size_t size) {
     if (size >= area.length)
         return true;

@@ -15,15 +15,15 @@ constexpr std::size_t CHECKSUM = 7;
 /// A header that could be the right one.
 struct GUESS {
     BYTES header;
-    bool vouched = true;  ///< every offset is of an area that was found
-    bool dropped = false; ///< an offset of the damaged header is given up
+    bool vouched = true;  ///< the search found an area at every offset
+    bool dropped = false; ///< it omits an offset of the damaged header
 };
 
 ERROR Ambiguous(AREA_ID area, std::string text) {
     return Refuse(REFUSAL::AMBIGUOUS, area, std::move(text), "nothing is guessed");
 }
 
-/// Whether the damaged header's offset of an area that was not found may be right all the same.
+/// Whether the damaged header's offset of an area that the search did not find may still be right.
 bool MayBeAt(const FRU& fru, const AREA_ROW& row, std::size_t offset) {
     if (offset == 0 || offset >= fru.bytes.size())
         return false;
@@ -59,7 +59,7 @@ BYTE Sum(const GUESS& guess) {
     return ZeroChecksum(BYTE_VIEW(guess.header).first(CHECKSUM));
 }
 
-/// Whether there are bytes in which an area could be that nobody sees.
+/// Whether there are bytes that could hold an area which the search cannot see.
 const GAP* UnknownBytes(const FRU& fru) {
     const auto gap = std::find_if(fru.gaps.begin(), fru.gaps.end(), [](const GAP& one) {
         return one.content == GAP_CONTENT::OTHER || one.content == GAP_CONTENT::UNREAD;
@@ -78,7 +78,7 @@ bool SolveInternal(const FRU& fru, GUESS& guess) {
     return true;
 }
 
-/// Whether two areas of it are at one place.
+/// Whether two of its areas are at one place.
 bool HasDoubles(const GUESS& guess) {
     for (std::size_t first = 1; first < PAD; ++first)
         for (std::size_t second = first + 1; second < PAD; ++second)
@@ -101,7 +101,7 @@ bool IsVouchedFor(const FRU& fru, GUESS& guess) {
     return std::equal(guess.header.begin(), guess.header.begin() + CHECKSUM, fru.header.begin());
 }
 
-/// Why the guess cannot be trusted: an area is not accounted for.
+/// Why the guess is not certain: an area is missing from it.
 FAULT Doubt(const FRU& fru, GUESS& guess) {
     if (HasDoubles(guess) || (fru.candidates.empty() && !IsVouchedFor(fru, guess)))
         return Refuse(REFUSAL::NOTHING_TO_DO, AREA_ID::HEADER, "no area was found that a header could name");

@@ -1,4 +1,4 @@
-// A repair while it is being made.
+// A repair in progress.
 #pragma once
 
 #include "fruimage/image.h"
@@ -8,12 +8,12 @@
 namespace FruImage {
 
 struct MENDING {
-    BYTES bytes; ///< the image with what is mended so far
+    BYTES bytes; ///< the image with the repairs so far
     std::vector<CHANGE> changes;
 
-    /// Writes the bytes at their place, and says why.
+    /// Writes the bytes at their place and records the reason.
     void Put(AREA_ID area, std::size_t offset, BYTE_VIEW what, std::string why);
-    /// Puts a checksum at `offset` that makes the bytes of `range` sum to 0, and says so with `name` in front.
+    /// Puts a checksum at `offset` that makes the bytes of `range` sum to 0, and records that under `name`.
     void PutChecksum(AREA_ID area, const RANGE& range, std::size_t offset, const std::string& name);
 };
 

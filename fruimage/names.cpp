@@ -36,7 +36,7 @@ constexpr std::string_view CUSTOM = "custom";
 /// An area of 2040 bytes cannot have more fields.
 constexpr std::size_t MOST_CUSTOM_FIELDS = MAXIMUM_INFO_AREA;
 
-/// The number behind "custom"; 0 where there is none.
+/// The number behind "custom", or 0.
 std::size_t CustomNumber(std::string_view digits) {
     std::size_t number = 0;
     if (digits.size() > 4 || digits.starts_with('0'))

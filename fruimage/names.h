@@ -1,4 +1,4 @@
-// The areas of a FRU and their predefined fields: one table, and the AREA.FIELD names by which people call them.
+// The areas of a FRU and their predefined fields: one table, and their AREA.FIELD names.
 #pragma once
 
 #include <cstddef>
@@ -51,7 +51,7 @@ struct AREA_ROW {
 
 /// The five areas in the order of the common header's offsets.
 std::span<const AREA_ROW> Areas();
-/// The row of an area. AREA_ID::HEADER, and any number that is no area, has a row of its own: "header", no fields.
+/// The row of an area. AREA_ID::HEADER, and a number of no area, has the row "header" without fields.
 const AREA_ROW& AreaRow(AREA_ID area);
 /// "header", "internal", "chassis", "board", "product", "multirecord".
 std::string_view AreaName(AREA_ID area);
@@ -78,7 +78,7 @@ struct FIELD_NAME {
 /// "board.serial-number", "product.custom3", "board.language", "internal.data"; nothing for any other text.
 /// Custom fields are numbered 1 to 2040.
 std::optional<FIELD_NAME> ParseFieldName(std::string_view text);
-/// The same the other way round.
+/// The reverse.
 std::string FieldNameText(const FIELD_NAME& name);
 /// The name of field `position` of an info area, the custom fields following the predefined ones.
 FIELD_NAME FieldAt(AREA_ID area, std::size_t position);
@@ -87,14 +87,14 @@ std::string FieldTitle(const FIELD_NAME& name);
 
 /// SMBIOS enclosure type (DSP0134, System Enclosure or Chassis Types), 1 to 36; empty for any other number.
 std::string_view ChassisTypeName(std::uint8_t type);
-/// The chassis type of a name, without regard to case, blanks and hyphens.
+/// The chassis type of a name, regardless of case, blanks and hyphens.
 std::optional<std::uint8_t> ChassisTypeFromName(std::string_view name);
 /// "Rack mount chassis (23)"; "type 200" where there is no name.
 std::string ChassisTypeText(std::uint8_t type);
 
 /// Name of a language code (section 15), 0 to 136; empty where undefined.
 std::string_view LanguageName(std::uint8_t code);
-/// The code of a language's name, without regard to case, blanks and hyphens.
+/// The code of a language's name, regardless of case, blanks and hyphens.
 std::optional<std::uint8_t> LanguageFromName(std::string_view name);
 
 } // namespace FruImage

@@ -1,4 +1,4 @@
-// The parts of the parser: each reads what it is given as far as it goes and says what it found.
+// The parts of the parser: each reads its bytes as far as they go, and reports findings.
 #pragma once
 
 #include "fruimage/image.h"
@@ -18,19 +18,19 @@ constexpr BYTE Version(BYTE first) {
 
 void Note(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, std::string text);
 void Damage(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, std::string text);
-/// A byte that is not what it should be.
+/// A wrong byte.
 void WrongByte(FINDINGS& findings, const char* code, AREA_ID area, std::size_t offset, BYTE found, BYTE expected,
                const std::string& what);
 
-/// Reads an info area at `offset`, of which at least one byte is there. `end` is where the next area, or the image,
-/// ends the place that it can have.
+/// Reads an info area at `offset`, of which at least one byte is there. The next area or the image's end limits it at
+/// `end`.
 AREA ReadInfoArea(const AREA_ROW& row, BYTE_VIEW image, std::size_t offset, std::size_t end, FINDINGS& findings);
-/// Reads a chain of records at `offset`, as far as it can be followed.
+/// Reads a chain of records at `offset` up to the first unreadable one.
 AREA ReadRecords(BYTE_VIEW image, std::size_t offset, FINDINGS& findings);
-/// Puts the areas that can be found into `fru`, whose header is damaged.
+/// Searches for areas and adds them to `fru`, whose header is damaged.
 void SearchAreas(FRU& fru);
 bool HasDamage(const FINDINGS& findings);
-/// Whether an info area is one that somebody would have written: another area's bytes can be sound by chance.
+/// Whether an info area looks written on purpose: another area's bytes can be sound by chance.
 bool IsPlausible(const AREA& area);
 /// Whether a chain of sound record headers begins here and ends with its last record.
 bool IsChain(const AREA& area);

@@ -1,4 +1,4 @@
-// What is to be written, and why: the outcome of editing and repairing.
+// The writes that an edit or a repair needs, and why.
 #pragma once
 
 #include "fruimage/bytes.h"
@@ -33,16 +33,16 @@ struct STEP {
     BYTES bytes;
     AREA_ID area = AREA_ID::HEADER;
     std::string what; ///< "board area at its new place 0C8h", "common header", ...
-    bool safe = true; ///< the place holds nothing that the image before it uses: an interruption loses nothing
+    bool safe = true; ///< overwrites nothing that the old image uses: an interruption loses nothing
 };
 
 struct PLAN {
-    BYTES bytes;                    ///< the whole new image; what is unread of the old one is as it was given
-    std::vector<CHANGE> changes;    ///< what people asked for, then what follows from it
+    BYTES bytes;                    ///< the whole new image, with unread bytes of the old one as given
+    std::vector<CHANGE> changes;    ///< the changes asked for, then those that follow
     std::vector<MOVE> moves;        ///< in the order of the new offsets
     std::vector<RANGE> changed;     ///< bytes that differ, ascending, neighbours joined
-    std::vector<STEP> steps;        ///< in the order in which to write; the common header is last
-    std::vector<std::string> notes; ///< what people should know, such as bytes of unknown use that are overwritten
+    std::vector<STEP> steps;        ///< in the order of writing; the common header is last
+    std::vector<std::string> notes; ///< for people, such as: bytes of unknown use are overwritten
 
     /// Bytes that the steps write.
     std::size_t Written() const {

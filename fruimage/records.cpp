@@ -37,7 +37,7 @@ void CheckRecord(const RECORD& record, std::size_t number, std::size_t imageSize
                   record.expectedChecksum, Text(name, ": checksum"));
 }
 
-/// Whether the bytes at `offset` are where a list without an end ends.
+/// Whether a list without an end mark ends at `offset`.
 bool EndsHere(const AREA& area, BYTE_VIEW image, std::size_t offset, FINDINGS& findings) {
     const BYTE_VIEW header = Slice(image, offset, RECORD_HEADER_SIZE);
     const std::string text = area.records.empty() ? "there is no record" : "no record is the last";
@@ -56,7 +56,7 @@ bool EndsHere(const AREA& area, BYTE_VIEW image, std::size_t offset, FINDINGS& f
         return false;
     const RECORD& before = area.records.back();
     if (before.HeaderChecksum() != before.expectedHeaderChecksum)
-        return true; // its length cannot be trusted, and nothing says that a record follows
+        return true; // its length is not certain, and nothing tells that a record follows
     if ((header[1] & 0x0F) == RECORD_FORMAT && header[2] <= image.size() - offset - RECORD_HEADER_SIZE)
         return false;
     Damage(findings, "no-end-of-list", AREA_ID::MULTIRECORD, offset, text + ", and what follows is no record");

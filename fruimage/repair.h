@@ -7,10 +7,10 @@
 
 namespace FruImage {
 
-/// Puts right what the bytes leave no doubt about: checksums of header, areas and records whose structure is
-/// plausible, an area's length where exactly one other gives a sound area, a header from areas that were found. Every
-/// change is in the plan's `changes`, in words. What is left damaged is in its `notes`.
-/// AMBIGUOUS: two candidates; both are named. NOTHING_TO_DO: sound, blank, or no damage of which the repair is certain.
+/// Repairs damage whose repair is certain: checksums of header, areas and records of plausible structure; an area's
+/// length where exactly one other makes a sound area; a header from the areas found. The plan's `changes` tell each
+/// repair in words, its `notes` the damage that remains.
+/// AMBIGUOUS: two candidates, both named. NOTHING_TO_DO: sound, blank, or no certain repair.
 Result<PLAN> Repair(const FRU& fru);
 
 } // namespace FruImage

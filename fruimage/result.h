@@ -1,4 +1,4 @@
-// Errors as values: what was asked for, or why not.
+// Errors as values: a result, or the reason why there is none.
 #pragma once
 
 #include "fruimage/names.h"
@@ -11,30 +11,30 @@
 
 namespace FruImage {
 
-/// Why something was refused.
+/// The reasons of a refusal.
 enum class REFUSAL {
-    NO_SUCH_FIELD,   ///< the name stands for nothing that this FRU has or could have
-    BAD_VALUE,       ///< the field cannot hold the value in any encoding, or not in the one that was asked for
+    NO_SUCH_FIELD,   ///< this FRU has and could have nothing of the name
+    BAD_VALUE,       ///< the field cannot hold the value in any encoding, or not in the one asked for
     DAMAGED,         ///< the area, or the header, must be repaired first
-    NO_ROOM,         ///< over the device's size: `needed` and `available` say by how much
-    NOT_ADDRESSABLE, ///< over what the format can address, whatever the device's size
-    FIXED_SIZE,      ///< it would move or resize the internal use area without having been asked to
+    NO_ROOM,         ///< beyond the device's size: `needed` and `available` tell how far
+    NOT_ADDRESSABLE, ///< beyond the offsets of the format, whatever the device's size
+    FIXED_SIZE,      ///< moves or resizes the internal use area without being asked to
     AMBIGUOUS,       ///< two candidates: `text` names both
-    NOTHING_TO_DO,   ///< nothing that could be repaired
-    BAD_DESCRIPTION  ///< a description that is no FRU: areas overlap, a length is too small, ...
+    NOTHING_TO_DO,   ///< no damage with a certain repair
+    BAD_DESCRIPTION  ///< describes no FRU: areas overlap, a length is too small, ...
 };
 
 struct ERROR {
     REFUSAL code = REFUSAL::BAD_VALUE;
     AREA_ID area = AREA_ID::HEADER;
-    std::string field;         ///< AREA.FIELD where it is about one field, else empty
+    std::string field;         ///< AREA.FIELD of the one field concerned, else empty
     std::string text;          ///< for people: one clause without the field's name and without a full stop
-    std::string hint;          ///< what to do about it; may be empty
-    std::size_t needed = 0;    ///< NO_ROOM: bytes of the image that would be needed
+    std::string hint;          ///< a remedy; may be empty
+    std::size_t needed = 0;    ///< NO_ROOM: bytes that the image needs
     std::size_t available = 0; ///< NO_ROOM: bytes that the device has
 };
 
-/// A value or an ERROR. Reading the one that is not there gives an empty one, so that no content can abort.
+/// A value or an ERROR. Reading the absent one gives an empty one: no content can abort.
 template <class VALUE> class Result {
   public:
     Result(VALUE value) : m_state(std::move(value)) {}

@@ -32,7 +32,7 @@ void FindInfoAreas(BYTE_VIEW image, PLACE& place) {
 
 void FindRecords(BYTE_VIEW image, std::size_t& chainEnd, PLACE& place) {
     const BYTE_VIEW header = Slice(image, place.offset, RECORD_HEADER_SIZE);
-    // Within a chain that was found, a record that begins at a whole unit is no second chain.
+    // Inside a chain, a record that begins at a whole unit is no second chain.
     if (place.offset < chainEnd || header.size() < RECORD_HEADER_SIZE || (header[1] & 0x7F) != RECORD_FORMAT ||
         ZeroChecksum(header) != 0)
         return;
@@ -62,7 +62,7 @@ void Drop(std::vector<PLACE>& places) {
                  places.end());
 }
 
-/// Takes the area, and takes away what it rules out: its kind elsewhere, and whatever begins inside it.
+/// Takes the area and drops what it rules out: its kind elsewhere, and candidates inside it.
 void Take(FRU& fru, std::vector<PLACE>& places, AREA area) {
     area.certain = false;
     for (PLACE& place : places)
@@ -82,7 +82,7 @@ bool IsNamed(const FRU& fru, const AREA& area) {
     return fru.header[static_cast<std::size_t>(area.id)] * UNIT == area.offset;
 }
 
-/// A place that the header names, for what it is named for: two witnesses that agree.
+/// A place that the header names for the same area: two witnesses agree.
 const AREA* FindNamed(const FRU& fru, const std::vector<PLACE>& places) {
     for (const PLACE& place : places)
         for (const AREA& area : place.fits)
@@ -103,7 +103,7 @@ const AREA* FindOnly(const std::vector<PLACE>& places) {
     return nullptr;
 }
 
-/// Of several, the one with which the checksum of the damaged header is right after all.
+/// Of several, the one that makes the checksum of the damaged header right.
 const AREA* FindVouched(const FRU& fru, const std::vector<PLACE>& places) {
     const AREA* vouched = nullptr;
     for (const PLACE& place : places)
@@ -121,7 +121,7 @@ const AREA* FindVouched(const FRU& fru, const std::vector<PLACE>& places) {
     return vouched;
 }
 
-/// "008h", and what else could be there.
+/// "008h", and the other areas possible there.
 std::string PlaceAndRivals(const PLACE& place, AREA_ID id) {
     std::string text = PlaceText(place.offset);
     for (const AREA& other : place.fits)
@@ -145,7 +145,7 @@ void ReportAmbiguous(FRU& fru, const std::vector<PLACE>& places) {
     }
 }
 
-/// The search cannot see an internal use area, whose bytes are its maker's: the header alone tells of it.
+/// The search cannot see an internal use area, whose format is its maker's: only the header tells of it.
 void AddInternalUse(FRU& fru) {
     const std::size_t offset = fru.header[1] * UNIT;
     const auto holds = [&](const AREA& area) { return RANGE{offset, 1}.Overlaps(area.Range()); };

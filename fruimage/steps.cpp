@@ -7,7 +7,7 @@ namespace FruImage {
 
 namespace {
 
-/// Runs of differing bytes so near to each other are one: a request has some bytes of its own.
+/// Runs of differing bytes at most this far apart are one: another request would cost more bytes.
 constexpr std::size_t NEAR = 8;
 
 bool IsUsedBefore(const DRAFT& draft, const RANGE& range) {
@@ -32,7 +32,7 @@ bool HasMoved(const DRAFT_AREA& area) {
 
 /// The differing bytes of an area, or of the header.
 void AddRange(PLAN& plan, const DRAFT& draft, AREA_ID id, const RANGE& place, const std::string& what) {
-    // What is unread may differ everywhere.
+    // Unread bytes may differ everywhere.
     const auto unread = [&](const GAP& gap) {
         return gap.content == GAP_CONTENT::UNREAD && place.Overlaps({gap.offset, gap.length});
     };
@@ -85,7 +85,7 @@ void AddSteps(PLAN& plan, const FRU& before, const DRAFT& draft) {
             order.push_back(&area);
             NoteForeignBytes(plan, before, area);
         }
-    // From the end, each area goes to bytes that the one behind it has left.
+    // From the end: each area moves to bytes that the one behind it has left.
     std::sort(order.begin(), order.end(), [](const DRAFT_AREA* a, const DRAFT_AREA* b) {
         return HasMoved(*a) != HasMoved(*b) ? HasMoved(*a) : a->offset > b->offset;
     });

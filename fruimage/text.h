@@ -1,4 +1,4 @@
-// Sentences for people, put together from texts and numbers.
+// Sentences for people, from texts and numbers.
 #pragma once
 
 #include "fruimage/bytes.h"
@@ -18,7 +18,7 @@ requires std::is_integral_v<NUMBER>
 void AppendPart(std::string& text, NUMBER part) {
     text += std::to_string(part);
 }
-/// The parts one behind the other; numbers in decimal.
+/// The parts joined; numbers in decimal.
 template <class... PARTS> std::string Text(const PARTS&... parts) {
     std::string text;
     (AppendPart(text, parts), ...);

@@ -60,7 +60,7 @@ std::string DecodeUnits(BYTE_VIEW bytes, std::size_t width) {
     std::string text;
     for (std::size_t at = 0; at < end; at += width)
         AppendUnit(text, unit(at));
-    // Half a character is nobody's content, unless it says something.
+    // Half a character counts only if it is not zero.
     if (odd != 0 && bytes.back() != 0)
         text += "\\x" + Hex(bytes.last(1));
     return text;

@@ -27,7 +27,7 @@ constexpr BYTE EMPTY_FIELD = 0xC0;
 constexpr bool IsEnglish(BYTE language) {
     return language == 0 || language == 25;
 }
-/// The encoding that a type/length byte stands for in an area of this language.
+/// The encoding of a type/length byte in an area of this language.
 ENCODING EncodingOf(BYTE typeLength, BYTE language);
 /// The type/length byte of `length` bytes, at most 63, in this encoding.
 BYTE TypeLength(ENCODING encoding, std::size_t length);
@@ -36,9 +36,9 @@ std::string_view EncodingName(ENCODING encoding);
 /// The encoding of such a name.
 std::optional<ENCODING> EncodingFromName(std::string_view name);
 
-/// The value as UTF-8. Binary: hexadecimal pairs with blanks between them. Control characters of text are shown as
-/// \xNN, code units that are no character as \uNNNN, reserved digits of BCD plus as '?'. Fill at the end is no
-/// content: zeroes of text, blanks of 6-bit and of BCD plus.
+/// The value as UTF-8. Binary: hexadecimal pairs with blanks between them. Control characters of text appear as
+/// \xNN, code units that are no character as \uNNNN, reserved digits of BCD plus as '?'. Fill at the end does not
+/// count: zeroes of text, blanks of 6-bit and of BCD plus.
 std::string DecodeText(ENCODING encoding, BYTE_VIEW bytes);
 
 /// The encoded value of a field.
@@ -51,18 +51,17 @@ struct FIELD_VALUE {
 /// BAD_VALUE: a character that the encoding lacks (control characters always), not UTF-8, more than 63 bytes, or one
 /// byte of text, which would read as the end of the fields.
 Result<FIELD_VALUE> EncodeText(std::string_view text, ENCODING encoding);
-/// Encodes `text` in the encoding `before` where that holds it; else as the area's text; a text of one byte, or one
-/// that only so fits into 63 bytes, in 6-bit or BCD plus. Binary is kept only for what was binary before and is
-/// hexadecimal pairs now. BAD_VALUE where nothing holds it.
+/// Encodes `text` in the encoding `before` if that can hold it, else as the area's text; in 6-bit or BCD plus if the
+/// text is of one byte or too long otherwise. Binary stays binary for hexadecimal pairs only. BAD_VALUE if no encoding
+/// holds it.
 Result<FIELD_VALUE> EncodeKeeping(std::string_view text, ENCODING before, BYTE language);
 
 /// ISO 8601 UTC of the three bytes of a date, "2026-05-31T14:30Z"; "unspecified" for 000000h and FFFFFFh.
 std::string DateText(BYTE_VIEW bytes);
 /// The three bytes of "2026-05-31", "2026-05-31T14:30[:00][Z]" (UTC) or "unspecified". BAD_VALUE: no date of the
-/// calendar, seconds, or outside the 24 bits of minutes since 1996-01-01T00:00Z. What `now` is, callers say.
+/// calendar, seconds, or outside the 24 bits of minutes since 1996-01-01T00:00Z. Callers know what `now` is.
 Result<BYTES> ParseDate(std::string_view text);
-/// The byte of a number (decimal, or hexadecimal with 0x) or of a name; BAD_VALUE for what the standard has no name
-/// for.
+/// The byte of a number (decimal, or hexadecimal with 0x) or of a name; BAD_VALUE for a name the standard lacks.
 Result<BYTES> ParseChassisType(std::string_view text);
 
 } // namespace FruImage

@@ -6,14 +6,14 @@ namespace FruImage {
 
 namespace {
 
-/// What was read of a device, and what else must be.
+/// The bytes read of a device, and the ranges still wanted.
 class CReading {
   public:
     CReading(BYTE_VIEW image, std::span<const RANGE> read) : m_image(image), m_read(read.begin(), read.end()) {
         std::sort(m_read.begin(), m_read.end(), [](const RANGE& a, const RANGE& b) { return a.offset < b.offset; });
     }
 
-    /// The bytes of `range` as far as the device has them; none, and the range is wanted, where some are unread.
+    /// The bytes of `range`, cut at the end of the device. If some are unread, none, and the range is wanted.
     BYTE_VIEW Want(RANGE range) {
         const BYTE_VIEW bytes = Slice(m_image, range.offset, range.length);
         const bool known = AddUnread({range.offset, bytes.size()});
@@ -63,7 +63,7 @@ void WantInfoArea(CReading& reading, std::size_t offset) {
     reading.Want({offset, start[1] == 0 ? MAXIMUM_INFO_AREA : start[1] * UNIT});
 }
 
-/// Each record with the header behind it, which tells where the next one ends.
+/// Each record together with the next header, which tells where that record ends.
 void WantRecords(CReading& reading, std::size_t offset) {
     while (true) {
         const BYTE_VIEW header = reading.Want({offset, RECORD_HEADER_SIZE});

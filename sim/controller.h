@@ -43,8 +43,7 @@ class CManagementController {
     const std::map<UINT8, CFruDevice>& FruDevices() const { return m_fruDevices; }
     const std::deque<CEeprom>& Eeproms() const { return m_eeproms; }
 
-    /// Carries out one request that is this controller's own. With `store` false a write is acknowledged
-    /// but not done.
+    /// Executes one request to this controller. With `store` false a write is acknowledged but not done.
     virtual IpmiAnswer Handle(const IpmiRequest& request, bool store);
 
   private:

@@ -24,7 +24,7 @@ class CFruDevice {
     const CStorage& Storage() const { return m_storage; }
     IpmiAnswer AreaInfo() const;
     IpmiAnswer Read(UINT16 offset, UINT8 count) const;
-    /// With `store` false the write is checked and acknowledged, but not done.
+    /// With `store` false a write is checked and acknowledged but not done.
     IpmiAnswer Write(UINT16 offset, std::span<const UINT8> data, bool store);
 
   private:
@@ -59,7 +59,7 @@ class CEeprom {
     EEPROM_KIND Kind() const { return m_kind; }
     const CStorage& Storage() const { return m_storage; }
     /// One bus transaction: writes `data` (the offset bytes, then data to store), then reads `count` bytes
-    /// from where the address pointer stands. The pointer runs on and wraps at the end of the memory.
+    /// from the address pointer on. The pointer runs on and wraps at the end of the memory.
     IpmiAnswer Transfer(std::span<const UINT8> data, UINT8 count, bool store);
 
   private:

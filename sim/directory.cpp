@@ -13,7 +13,7 @@ namespace {
 struct ACTION_NAME {
     const char* name;
     FAULT_ACTION action;
-    UINT16 value; ///< where the rule gives none
+    UINT16 value; ///< if the rule gives none
 };
 
 constexpr ACTION_NAME ACTION_NAMES[] = {
@@ -137,7 +137,7 @@ void CDirectoryLoader::AddFruDevice(CJsonObject device, CManagementController& c
         device.Fail("id", "is used twice");
     controller.AddFruDevice(id, Open(device, "image"), options);
     device.RequireAllUsed();
-    // Device 0 is found through its controller's own record.
+    // Its controller's own record announces device 0.
     if (id != 0)
         m_records.push_back(LogicalFruRecord(place.address, place.channel, id, name));
 }

@@ -1,4 +1,4 @@
-// A simulated BMC in a directory: bmc.json and the devices' images. README.md describes the format.
+// A simulated BMC as a directory: bmc.json and the devices' images. README.md describes the format.
 #pragma once
 
 #include "sim/simulatedbmc.h"

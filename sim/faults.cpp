@@ -20,7 +20,7 @@ bool IsForDevice(UINT8 device, const IpmiRequest& request) {
     return IsMasterWriteRead(request) && request.data.size() > 1 && request.data[1] == device;
 }
 
-/// Whether the action has a meaning for the request.
+/// Whether the action applies to the request.
 bool IsApplicable(FAULT_ACTION action, UINT8 controller, const IpmiRequest& request) {
     switch (action) {
     case FAULT_ACTION::DROP_WRITE:
@@ -48,7 +48,7 @@ bool IsMatch(const FaultRule& rule, UINT8 controller, const IpmiRequest& request
 bool IsDeviceWrite(const IpmiRequest& request) {
     if (request.netFn == NETFN_STORAGE)
         return request.cmd == CMD_WRITE_FRU_DATA;
-    // Bus, address, count, two offset bytes: only what follows is stored.
+    // Bus, address, count, two offset bytes: only bytes behind them are stored.
     return IsMasterWriteRead(request) && request.data.size() > 5;
 }
 

@@ -1,4 +1,4 @@
-// Scripted faults: what a BMC, its devices and the way to it can do wrong, as rules.
+// Scripted faults of a BMC, its devices and the way to it, as rules.
 #pragma once
 
 #include "sim/ipmi.h"
@@ -7,7 +7,7 @@
 
 namespace Frudata_Sim {
 
-/// What a rule does. `value` is the rule's number.
+/// The effect of a rule. `value` is the rule's number.
 enum class FAULT_ACTION {
     COMPLETION_CODE,  ///< answers completion code `value` without data; nothing is done
     TRANSPORT_ERROR,  ///< the transport fails with `value` (0 counts as 1); nothing is done
@@ -22,7 +22,7 @@ enum class FAULT_ACTION {
     STALE_MESSAGES    ///< bridged requests only: `value` messages of older requests arrive first
 };
 
-/// One rule: which requests, which of them, and what happens to those. Empty fields match anything.
+/// One rule: the requests that match, which of those, and the effect. Empty fields match anything.
 struct FaultRule {
     static constexpr unsigned int FOR_EVER = ~0U;
 
@@ -32,11 +32,11 @@ struct FaultRule {
     std::optional<UINT8> cmd{};
     std::optional<UINT8> device{};     ///< FRU device id, or the slave address of a Master Write-Read
     std::optional<UINT8> controller{}; ///< slave address of the controller asked; the BMC is 0x20
-    unsigned int occurrence = 1;       ///< the first matching request it happens to, counted from 1
-    unsigned int times = FOR_EVER;     ///< to how many in a row
+    unsigned int occurrence = 1;       ///< the first matching request affected, counted from 1
+    unsigned int times = FOR_EVER;     ///< number of requests affected in a row
 };
 
-/// A bridged request is seen twice: as the BMC's Send Message (controller 0x20), then as the request to
+/// A bridged request counts twice: as the BMC's Send Message (controller 0x20), then as the request to
 /// the controller behind it.
 class CFaultScript {
   public:

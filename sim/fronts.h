@@ -1,4 +1,4 @@
-// What the fronts serve. Each front is a target of its own, for a host to link what it wants:
+// The BMC that the fronts serve. A host links the fronts it wants; each is a target of its own:
 //
 //   fru_sim_imb      open_imb, close_imb, SendTimedImbpRequest: the host's IMB driver
 //   fru_sim_kcs      inb, outb in the place of the library's own
@@ -18,7 +18,7 @@ namespace Frudata_Sim {
 void SetCurrentBmc(CSimulatedBmc* bmc);
 CSimulatedBmc* CurrentBmc();
 
-/// What the IMB front does with a request, for hosts that define SendTimedImbpRequest themselves. @return its result
+/// The IMB front's SendTimedImbpRequest, for hosts that define that function themselves. @return its result
 int ServeImbRequest(const _IMBPREQUESTDATA* request, UINT8* responseData, int* responseLength, UINT8* completionCode);
 
 /// Sets the interface that inb and outb serve, or none with null: then every port reads 0xFF. Not owned.

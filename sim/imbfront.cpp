@@ -1,4 +1,4 @@
-// The host's IMB driver: three functions that the library looks for when it is loaded.
+// The host's IMB driver: three functions that the library looks up when it is loaded.
 #include "sim/fronts.h"
 
 using namespace Frudata_Sim;

@@ -75,14 +75,14 @@ struct IpmiAnswer {
     int transportStatus = 0; ///< with TRANSPORT_ERROR: what the IMB driver's function returns
 };
 
-/// The answer that a request is refused with.
+/// The answer that refuses a request.
 inline IpmiAnswer Refuse(UINT8 completionCode) {
     return {.completionCode = completionCode, .data = {}};
 }
 
-/// Two's complement of the 8-bit sum of `count` bytes: bytes and checksum add up to 0.
+/// Two's complement of the 8-bit sum of `count` bytes: bytes and checksum sum to 0.
 UINT8 ZeroChecksum(const UINT8* bytes, std::size_t count);
-/// Puts `more` behind `bytes`.
+/// Appends `more` to `bytes`.
 void Append(BYTES& bytes, std::span<const UINT8> more);
 
 } // namespace Frudata_Sim

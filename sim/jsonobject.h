@@ -1,4 +1,4 @@
-// Reads one JSON object of bmc.json, key by key, and knows where it stands for its errors.
+// Reads one JSON object of bmc.json key by key, and names its place in errors.
 #pragma once
 
 #include "sim/ipmi.h"
@@ -24,7 +24,7 @@ class CJsonObject {
         const std::optional<std::uint64_t> number = Number(key, std::numeric_limits<INTEGER>::max());
         return number ? std::optional<INTEGER>(static_cast<INTEGER>(*number)) : std::nullopt;
     }
-    /// Replaces `value` where the key is there.
+    /// Replaces `value` if the key is there.
     template <typename INTEGER> void Read(const char* key, INTEGER& value) {
         value = FindNumber<INTEGER>(key).value_or(value);
     }
@@ -36,14 +36,14 @@ class CJsonObject {
         Read(key, value);
         return value;
     }
-    /// The objects of an array; none where the key is missing.
+    /// The objects of an array; none without the key.
     std::vector<CJsonObject> Objects(const char* key);
     /// The object under the key, or an empty one.
     CJsonObject Object(const char* key);
 
     /// Throws: `file: key: text`.
     [[noreturn]] void Fail(const char* key, const std::string& text) const;
-    /// Throws where a key was never asked for.
+    /// Throws for a key that nobody asked for.
     void RequireAllUsed() const;
 
   private:

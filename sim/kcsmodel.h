@@ -17,7 +17,7 @@ enum : UINT8 {
     KCS_ERROR = 0xC0
 };
 
-/// How the interface behaves beside the standard's flow.
+/// Deviations from the standard's flow.
 struct KcsOptions {
     UINT16 basePort = 0x0CA2;         ///< data port; status and command are the next one
     unsigned int notReadyPolls = 0;   ///< status reads after each write for which IBF stays set
@@ -50,7 +50,7 @@ class CKcsModel {
     KcsOptions& Options() { return m_options; }
     const KcsCounts& Counts() const { return m_counts; }
     void ResetCounts() { m_counts = {}; }
-    /// Puts the interface into the error state, as a BMC that lost its place does.
+    /// Puts the interface into the error state, like a BMC that lost its place.
     void EnterError(UINT8 code = 0xFF);
 
   private:

@@ -30,7 +30,7 @@ std::optional<BridgedRequest> ParseSendMessage(const BYTES& data) {
     bridged.requester = data[REQUESTER];
     bridged.requesterLun = data[SEQUENCE_REQUESTER_LUN] & 0x03;
     bridged.sequence = data[SEQUENCE_REQUESTER_LUN] >> 2;
-    // Bytes and their checksum add up to 0, and so does the checksum over both.
+    // Bytes and their checksum sum to 0, so the checksum over both is 0.
     bridged.checksumsGood = ZeroChecksum(&data[RESPONDER], REQUESTER - RESPONDER) == 0 &&
                             ZeroChecksum(&data[REQUESTER], data.size() - REQUESTER) == 0;
     bridged.request.netFn = data[NETFN_RESPONDER_LUN] >> 2;
@@ -41,7 +41,7 @@ std::optional<BridgedRequest> ParseSendMessage(const BYTES& data) {
 }
 
 BYTES FrameAnswer(const BridgedRequest& request, const IpmiAnswer& answer, UINT8 sequence) {
-    // The requester's address opens the frame on the bus and counts in its checksum, but is not handed on.
+    // The requester's address opens the frame on the bus and counts in its checksum, but Get Message leaves it out.
     const UINT8 head[] = {request.requester,
                           static_cast<UINT8>((request.request.netFn + 1) << 2 | request.requesterLun)};
     BYTES message{request.channel,

@@ -8,7 +8,7 @@
 
 namespace Frudata_Sim {
 
-/// A request on an IPMB channel, as Send Message carries it.
+/// A request on an IPMB channel, from a Send Message.
 struct BridgedRequest {
     UINT8 channel = 0;
     UINT8 responder = 0; ///< slave address of the controller asked
@@ -19,7 +19,7 @@ struct BridgedRequest {
     IpmiRequest request;
 };
 
-/// Takes a Send Message's data apart. Nothing where it is shorter than a frame.
+/// Parses a Send Message's data. Nothing if it is shorter than a frame.
 std::optional<BridgedRequest> ParseSendMessage(const BYTES& data);
 /// The data of the Get Message answer that brings `answer`: channel, then the frame without the
 /// requester's address, responder and requester in their swapped places.

@@ -1,4 +1,4 @@
-// Port access of the host: takes the place of the library's own.
+// Port access of the host, which replaces the library's own.
 #include "sim/fronts.h"
 
 #include "frudata/bmclib.h"

@@ -43,7 +43,7 @@ const CPreloadedBmc g_preloaded;
 
 } // namespace
 
-/// Ports that are simulated need no privilege.
+/// Simulated ports need no privilege.
 extern "C" int iopl(int) noexcept {
     return 0;
 }

@@ -7,7 +7,7 @@
 
 namespace Frudata_Sim {
 
-/// The way a request came.
+/// The way by which a request came.
 enum class FRONT {
     DIRECT, ///< CSimulatedBmc::Execute called by the host itself
     IMB,

@@ -53,7 +53,7 @@ IpmiAnswer CSdrRepository::Get(const BYTES& data) const {
         return Refuse(CC_BAD_LENGTH);
     const UINT16 reservation = Word(data, 0);
     const std::size_t offset = data[4];
-    // Without a reservation a record can only be read from its start.
+    // Without a reservation a record is readable only from its start.
     if (!IsReservedAs(reservation) && (reservation != 0 || offset != 0))
         return Refuse(CC_RESERVATION_CANCELLED);
     UINT16 id = Word(data, 2);

@@ -15,7 +15,7 @@ class CSdrRepository {
 
     /// Most bytes of a record that one Get SDR returns; more answers 0xCA.
     void SetMaxRead(UINT8 count) { m_maxRead = count; }
-    /// What a change by someone else does: the host's reservation is no longer good.
+    /// Cancels the host's reservation, as a change by someone else does.
     void CancelReservation() { m_reserved = false; }
 
     IpmiAnswer Info() const;

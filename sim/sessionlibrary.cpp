@@ -1,5 +1,5 @@
 // libipmi.so: a session library whose sessions end in the simulated BMC of the process that loaded it. It
-// opens a session only with the parameters of a local one, so that a caller's mistake shows.
+// opens a session only with the parameters of a local one: a caller's mistake shows.
 #include "sim/sessionlink.h"
 
 #include <cstring>
@@ -27,7 +27,7 @@ constexpr int NO_SESSION = 1;
 constexpr int BAD_PARAMETER = 2;
 constexpr int NO_ANSWER = 3;
 
-/// Written into a caller's session record, whose first four bytes are ours.
+/// Written into the first four bytes of a caller's session record.
 constexpr UINT8 MARK[] = {0x53, 0x45, 0x53, 0x53};
 constexpr int ADMINISTRATOR = 4;
 constexpr int RMCP_PORT = 623;

@@ -12,7 +12,7 @@ constexpr UINT8 SMS_LUN = 2;
 constexpr UINT8 RECEIVE_MESSAGE_FLAG = 0x01;
 constexpr UINT8 FILLER = 0xEE;
 
-/// What the rule answers without asking the controller, if it does.
+/// The answer of a rule that replaces that of the controller.
 std::optional<IpmiAnswer> AnswerInstead(const FaultRule& fault) {
     switch (fault.action) {
     case FAULT_ACTION::COMPLETION_CODE:
@@ -66,7 +66,7 @@ CManagementController& CSimulatedBmc::Controller(UINT8 channel, UINT8 address) {
 }
 
 IpmiAnswer CSimulatedBmc::Execute(const IpmiRequest& request, FRONT front) {
-    // Entered before it is carried out, so that a bridged request stands behind the one that carried it.
+    // Recorded before its execution: a bridged request follows the one that carried it.
     const std::size_t entry = m_exchanges.size();
     if (m_recording)
         m_exchanges.push_back({front, 0, BMC_ADDRESS, request, {}});
@@ -128,13 +128,13 @@ IpmiAnswer CSimulatedBmc::SendMessage(const IpmiRequest& request) {
     const bool isChannelThere =
         channel == PRIMARY_IPMB || std::any_of(m_controllers.begin(), m_controllers.end(),
                                                [&](const auto& entry) { return entry.first.first == channel; });
-    // The upper bits ask for tracking, authentication or encryption, which the system interface has not.
+    // The upper bits ask for tracking, authentication or encryption, which the system interface lacks.
     if (request.data[0] != channel || !isChannelThere)
         return Refuse(CC_INVALID_FIELD);
     const auto found = m_controllers.find({channel, bridged->responder});
     if (found == m_controllers.end())
         return Refuse(CC_NAK_ON_WRITE);
-    // A controller drops a damaged frame, and a response that it never asked for.
+    // A controller drops a damaged frame and an unexpected response.
     if (bridged->checksumsGood && bridged->request.netFn % 2 == 0)
         Bridge(found->second, *bridged);
     return {};

@@ -1,4 +1,4 @@
-// The simulated BMC: everything a host can ask a BMC about FRU inventory, with the refusals of a real one.
+// The simulated BMC: all requests about FRU inventory, with the refusals of a real BMC.
 //
 // Build one in memory with the Add functions, or load a directory (sim/directory.h); reach it through
 // Execute or a front (sim/fronts.h, sim/kcsmodel.h). Not for several threads at once.
@@ -21,8 +21,8 @@ inline constexpr UINT8 BMC_ADDRESS = 0x20;
 
 class CSimulatedBmc : public CManagementController {
   public:
-    /// A host's own answers: what it returns is the answer to a request on any front, before faults and
-    /// devices are asked; without a value the BMC answers itself.
+    /// A host's own answers to requests on any front, asked before faults and devices; without a value the BMC
+    /// answers itself.
     using SCRIPT = std::function<std::optional<IpmiAnswer>(const IpmiRequest&)>;
 
     explicit CSimulatedBmc(DeviceIdentity identity = {}) : CManagementController(identity) {}

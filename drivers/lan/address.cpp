@@ -11,7 +11,7 @@ namespace Frudata_Driver {
 
 namespace {
 
-/// A question to the name service, which may take longer than anybody waits.
+/// A question to the name service, which may outlive the wait for it.
 struct LOOKUP {
     std::string address{};
     std::string message{"out of memory"};

@@ -1,4 +1,4 @@
-// Where a host is on the network.
+// The network address of a host.
 #pragma once
 
 #include "frudata/types.h"
@@ -8,14 +8,14 @@
 
 namespace Frudata_Driver {
 
-/// `host` with `port`, an IPv6 address in brackets: as a host is named to people, and an address to libfreeipmi.
+/// `host` with `port`, an IPv6 address in brackets: the form for people and for libfreeipmi.
 std::string WithPort(const std::string& host, UINT16 port);
 
 /**
- * The numeric address of `host`, a name or an address, of IPv4 where it has one: few BMCs listen on IPv6.
- * @param message what is wrong with the name, where nothing is returned @return empty where it has none, or none within
- * `limit`
- * @throw std::system_error where there is no thread to be had
+ * The numeric address of `host`, a name or an address; its IPv4 address if it has one, since few BMCs listen on IPv6.
+ * @param message the fault of a name without an address @return empty for a name without an address, or without one
+ * within `limit`
+ * @throw std::system_error when no thread can be started
  */
 std::string Resolve(const std::string& host, std::chrono::milliseconds limit, std::string& message);
 

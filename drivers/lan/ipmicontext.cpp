@@ -1,6 +1,6 @@
 #include "drivers/lan/ipmicontext.h"
 
-// Not all of FreeIPMI: names of its other headers are those of bmclib.h.
+// Not all of FreeIPMI: its other headers share names with bmclib.h.
 #include <freeipmi/api/ipmi-api.h>
 #include <freeipmi/spec/ipmi-authentication-type-spec.h>
 
@@ -32,7 +32,7 @@ constexpr const char* NO_SUITE = "the cipher suite is refused";
 constexpr REFUSAL REFUSALS[] = {
     {IPMI_ERR_USERNAME_INVALID, LAN_ERR_USER, NO_USER},
     {IPMI_ERR_PASSWORD_INVALID, LAN_ERR_PASSWORD, NO_PASSWORD},
-    // A BMC of IPMI 1.5 passes over what carries a wrong code.
+    // A BMC of IPMI 1.5 ignores a packet with a wrong code.
     {IPMI_ERR_PASSWORD_VERIFICATION_TIMEOUT, LAN_ERR_PASSWORD, NO_PASSWORD},
     {IPMI_ERR_K_G_INVALID, LAN_ERR_PASSWORD, "the BMC wants a key of its own, K_G"},
     {IPMI_ERR_PRIVILEGE_LEVEL_INSUFFICIENT, LAN_ERR_PRIVILEGE, NO_PRIVILEGE},
@@ -84,7 +84,7 @@ int OpenContext(ipmi_ctx* context, const SESSION_PARAMETERS& parameters, UINT8 s
         return ipmi_ctx_open_outofband(context, parameters.address.c_str(), user, password,
                                        IPMI_AUTHENTICATION_TYPE_MD5, parameters.privilege, parameters.timeout,
                                        parameters.retransmission, IPMI_WORKAROUND_FLAGS_DEFAULT, IPMI_FLAGS_DEFAULT);
-    // Asking for the level itself where "the highest" may be asked for is right for every BMC, and some know no other.
+    // Every BMC accepts a request for the level itself, and some refuse one for "the highest".
     return ipmi_ctx_open_outofband_2_0(context, parameters.address.c_str(), user, password, nullptr, 0,
                                        parameters.privilege, suite, parameters.timeout, parameters.retransmission,
                                        IPMI_WORKAROUND_FLAGS_OUTOFBAND_2_0_OPEN_SESSION_PRIVILEGE, IPMI_FLAGS_DEFAULT);
@@ -102,7 +102,7 @@ CIpmiContext::~CIpmiContext() {
 REFUSAL CIpmiContext::OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 suite) {
     REFUSAL refusal{};
     for (int attempt = 0; attempt < OPENINGS; ++attempt) {
-        // A context is spent once it has failed.
+        // A context is of no use after a failure.
         if (m_context)
             ipmi_ctx_destroy(m_context);
         m_context = ipmi_ctx_create();
@@ -112,7 +112,7 @@ REFUSAL CIpmiContext::OpenWithSuite(const SESSION_PARAMETERS& parameters, UINT8 
         if (OpenContext(m_context, parameters, suite) == 0)
             return {IPMI_ERR_SUCCESS, LAN_OK, ""};
         refusal = Refusal(m_context);
-        // A step whose answer got lost is not taken twice by every BMC: that needs a new opening.
+        // Not every BMC accepts a step again after a lost answer: open anew.
         if (refusal.number != IPMI_ERR_SESSION_TIMEOUT)
             break;
     }
@@ -181,7 +181,7 @@ void CIpmiContext::AskOnIpmb(const BRIDGED_REQUEST& request, EXCHANGE& exchange)
     if (refused != COMPLETION_SUCCESS)
         exchange = {.result = LAN_OK, .message = {}, .sendMessageCode = refused};
     else if (number == IPMI_ERR_MESSAGE_TIMEOUT)
-        // The controller took the request and stays silent: the session is none the worse for it.
+        // The controller accepted the request and stays silent; the session is sound.
         exchange = {.result = LAN_OK, .message = {}, .completionCode = COMPLETION_TIMEOUT};
     else
         Take(length, answer, exchange);

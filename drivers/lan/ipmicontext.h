@@ -17,28 +17,27 @@ namespace Frudata_Driver {
 struct SESSION_PARAMETERS {
     explicit SESSION_PARAMETERS(const char* text) : password(text) {}
 
-    std::string name{};    ///< HOST:PORT, as people named it
+    std::string name{};    ///< HOST:PORT in the words of the user
     std::string address{}; ///< the same, numeric
     std::string user{};
     CSecret<LAN_PASSWORD_SIZE> password;
-    UINT8 cipherSuite = 0; ///< 0: the better of those that the BMC takes
+    UINT8 cipherSuite = 0; ///< 0: the best that the BMC accepts
     bool isIpmi15 = false;
     UINT8 privilege = 0;
     UINT32 timeout = 0;        ///< milliseconds
     UINT32 retransmission = 0; ///< milliseconds
 };
 
-/// What came of a request. A completion code is no failure.
+/// The result of a request. A completion code is no failure.
 struct EXCHANGE {
     int result = LAN_ERR_RESOURCES;
     std::string message{"out of memory"};
     UINT8 completionCode = 0;
     std::vector<UINT8> data{};
-    UINT8 sendMessageCode =
-        0; ///< of a bridged request: the completion code of Send Message, 0 where it was carried out
+    UINT8 sendMessageCode = 0; ///< of a bridged request: the completion code of Send Message, 0 for success
 };
 
-/// Why a session was not opened: libfreeipmi's number, ours, and what is said behind the host's name.
+/// Why a session was not opened: libfreeipmi's number, this module's, and the text behind the host's name.
 struct REFUSAL {
     int number;
     LAN_RESULT result;
@@ -59,7 +58,7 @@ class CIpmiContext {
     void Ask(UINT8 netFn, UINT8 lun, UINT8 cmd, const std::vector<UINT8>& data, EXCHANGE& exchange);
     /// One request to a controller on the IPMB.
     void AskOnIpmb(const BRIDGED_REQUEST& request, EXCHANGE& exchange);
-    /// Keeps the BMC, which closes what is silent for a minute, and libfreeipmi, which does after its time-out.
+    /// Keeps the session alive: a BMC closes a silent one after a minute, libfreeipmi after its time-out.
     void KeepAlive();
     /// The cipher suite in use; 0 in a session of IPMI 1.5.
     UINT8 CipherSuite() const { return m_cipherSuite; }

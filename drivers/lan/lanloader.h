@@ -1,4 +1,4 @@
-// How a host comes by the module "frudata-lan.so", and the three functions of an IMB driver on top of it.
+// Loading the module "frudata-lan.so", and the three functions of an IMB driver over it.
 #pragma once
 
 #include "drivers/lan/lan.h"
@@ -7,19 +7,19 @@
 
 namespace Frudata_Driver {
 
-/// Where the module lies for this program: installed beside it, or in the same build directory. Empty where it is not.
+/// The path of the module for this program: installed beside it, or in the same build directory. Empty without one.
 std::string LanModulePath();
 
 /**
- * Loads the module, which stays loaded. @return null, with a `message` that says what to install, where there is none
- * at `path` or it is of another version
+ * Loads the module, which stays loaded. @return null, with a `message` that says what to install, when there is none
+ * at `path` or it has another version
  */
 const LAN_INTERFACE* LoadLan(const std::string& path, std::string& message);
 
 /// The session that the IMB functions below use, the caller's until it is replaced by null.
 void UseLanSession(const LAN_INTERFACE* lan, LAN_SESSION* session);
 
-/// As open_imb, close_imb and SendTimedImbpRequest (see bmclib.h), which a host defines in terms of these.
+/// A host defines open_imb, close_imb and SendTimedImbpRequest (see bmclib.h) with these.
 int LanOpenImb();
 int LanCloseImb();
 int LanSendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,

@@ -1,4 +1,4 @@
-// The module's one exported function, and the line that no exception crosses.
+// The module's one exported function, and the boundary that no exception crosses.
 #include "drivers/lan/address.h"
 #include "drivers/lan/lan.h"
 #include "drivers/lan/session.h"
@@ -10,7 +10,7 @@
 using Frudata_Driver::CLanSession;
 using Frudata_Driver::SESSION_PARAMETERS;
 
-/// What the caller holds.
+/// The caller's session.
 struct LAN_SESSION {
     explicit LAN_SESSION(std::chrono::milliseconds timeout) : session(timeout) {}
     CLanSession session;
@@ -24,7 +24,7 @@ constexpr UINT32 SMALLEST_TIMEOUT = 100;
 constexpr UINT32 LARGEST_TIMEOUT = 60000;
 constexpr UINT32 RETRANSMISSIONS = 10;
 
-/// An option that nobody can take, with its limit.
+/// An option out of its range, and the range.
 const char* WrongOption(const LAN_SESSION_OPTIONS& options) {
     const auto isLonger = [](const char* text, std::size_t size) { return text && std::strlen(text) > size; };
     if (!options.host || !*options.host)
@@ -130,7 +130,7 @@ const char* Description(const LAN_SESSION* session) {
 }
 
 void Close(LAN_SESSION* session) {
-    // In a child process the thread is not there that would have to end.
+    // A child process has no thread to end.
     const std::unique_ptr<LAN_SESSION> closed(session && session->session.IsOurs() ? session : nullptr);
 }
 

@@ -1,4 +1,4 @@
-// What keeps a password out of memory that outlives it, and out of core dumps.
+// Keeping a password out of freed memory and core dumps.
 #pragma once
 
 #include <cstring>
@@ -8,7 +8,7 @@
 
 namespace Frudata_Driver {
 
-/// A text of at most SIZE bytes, overwritten when it goes. It cannot be copied, so there is one.
+/// A text of at most SIZE bytes, overwritten at its end. No copies.
 template <std::size_t SIZE> class CSecret {
   public:
     explicit CSecret(const char* text) { std::memcpy(m_bytes, text, strnlen(text, SIZE)); }

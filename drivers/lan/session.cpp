@@ -32,7 +32,7 @@ std::string Milliseconds(std::chrono::milliseconds time) {
     return std::to_string(time.count()) + " ms";
 }
 
-/// What the thread that opens a session shares with who waits for it.
+/// Shared by the thread that opens a session and the caller that waits for it.
 struct OPENING {
     int result = LAN_ERR_RESOURCES;
     std::string message{NO_MEMORY};
@@ -41,7 +41,7 @@ struct OPENING {
 
 } // namespace
 
-// libfreeipmi ends a session in which nothing came for its time-out: a third of it leaves most of it for an answer.
+// libfreeipmi ends a session that is silent for its time-out; a packet each third of it leaves the rest for the answer.
 CLanSession::CLanSession(std::chrono::milliseconds timeout)
     : m_process(getpid()), m_timeout(timeout), m_context(std::make_shared<CIpmiContext>()),
       m_worker(timeout / 3, [context = m_context] { WithoutThrowing([&context] { context->KeepAlive(); }); }) {}
@@ -59,8 +59,8 @@ int CLanSession::Open(std::shared_ptr<const SESSION_PARAMETERS> parameters, std:
             opening->description = Describe(*parameters, context->CipherSuite());
         });
     };
-    // libfreeipmi grants the time-out to each step of up to two openings, and only its own end tells a wrong password
-    // from silence.
+    // libfreeipmi applies the time-out to each step of up to two openings, and only its own result tells a wrong
+    // password from silence.
     const auto limit = 3 * m_timeout;
     if (!m_worker.Run(open, limit)) {
         message = m_name + ": no session within " + Milliseconds(limit);
@@ -107,7 +107,7 @@ EXCHANGE CLanSession::Exchange(const _IMBPREQUESTDATA& request, int timeout) {
 }
 
 EXCHANGE CLanSession::SendMessage(const std::vector<UINT8>& data, std::chrono::milliseconds limit) {
-    // The request points into the message, which the worker may still need once nobody waits for it.
+    // The request points into the message: the worker may need it after the caller stops waiting.
     const auto message = std::make_shared<const std::vector<UINT8>>(data);
     BRIDGED_REQUEST request;
     const UINT8 completionCode = ParseSendMessage(*message, request);

@@ -1,4 +1,4 @@
-// A session as the module hands it out: it knows when to stop waiting, and what becomes of bridged requests.
+// A session of the module: it limits waits and executes bridged requests.
 #pragma once
 
 #include "drivers/lan/ipmicontext.h"
@@ -12,12 +12,12 @@
 
 namespace Frudata_Driver {
 
-/// See LAN_INTERFACE for what the functions promise. They may throw where memory ends.
+/// LAN_INTERFACE describes the functions. They may throw when memory runs out.
 class CLanSession {
   public:
     /// @throw std::system_error where there is no thread to be had
     explicit CLanSession(std::chrono::milliseconds timeout);
-    /// False in a child of the process that opened it: its thread is not there, so it must be left as it is.
+    /// False in a child of the process that opened it: a child has no thread of the session and must leave it alone.
     bool IsOurs() const;
 
     /// @return a LAN_RESULT, with a `message` unless it is LAN_OK
@@ -37,7 +37,7 @@ class CLanSession {
     const std::chrono::milliseconds m_timeout;
     const std::shared_ptr<CIpmiContext> m_context;
     CWorker m_worker;
-    /// The answer that Get Message is to give: the newest, where one was never fetched.
+    /// The answer for the next Get Message. A newer one replaces it.
     std::vector<UINT8> m_queued;
     std::string m_name;
     std::string m_message;

@@ -9,7 +9,7 @@ namespace Frudata_Driver {
 
 namespace {
 
-/// A thread starts with its maker's signal mask: that way no signal reaches it before it has one of its own.
+/// A thread starts with its creator's signal mask: blocking signals there keeps all of them from the thread.
 class CNoSignals {
   public:
     CNoSignals() {
@@ -27,7 +27,7 @@ class CNoSignals {
 
 } // namespace
 
-/// What the thread and its owner share, the thread for as long as it runs.
+/// Shared by the thread, as long as it runs, and its owner.
 struct CWorker::STATE {
     std::chrono::milliseconds idleTime;
     std::function<void()> whenIdle;

@@ -1,4 +1,4 @@
-// A thread that waits in the place of its owner, who can thus stop waiting.
+// A thread that waits for its owner, who can stop waiting for it.
 #pragma once
 
 #include <chrono>
@@ -9,21 +9,21 @@
 namespace Frudata_Driver {
 
 /**
- * One job after the other on one thread, and another each time that nothing was asked for a while. The thread takes no
- * signals: they are the host's. Jobs own what they use, for they may outlive who waits for them; they do not throw.
+ * Runs one job after the other on one thread, and `whenIdle` after each idle time. The thread takes no signals: they
+ * are the host's. Jobs own what they use, since they may outlive their caller, and do not throw.
  */
 class CWorker {
   public:
-    /// @throw std::system_error where there is no thread to be had
+    /// @throw std::system_error when no thread can be started
     CWorker(std::chrono::milliseconds idleTime, std::function<void()> whenIdle);
     CWorker(const CWorker&) = delete;
     CWorker& operator=(const CWorker&) = delete;
-    /// Waits for the job that is under way, but not for one that was given up: its thread ends with it.
+    /// Waits for a running job, but not for one given up, whose thread ends with it.
     ~CWorker();
 
     /**
-     * Does `job` and waits for it. @return false where that took longer than `limit`: the job is given up, though it
-     * goes on, and every later call fails at once
+     * Runs `job` and waits for it. @return false after `limit`: the job runs on but is given up, and every later call
+     * fails at once
      */
     bool Run(std::function<void()> job, std::chrono::milliseconds limit);
 
@@ -35,7 +35,7 @@ class CWorker {
     std::thread m_thread;
 };
 
-/// For jobs: nobody would catch what they throw, so the result that they prepare says that there is no memory.
+/// For jobs, which nobody can catch: their prepared result says that memory ran out.
 template <typename FUNCTION> void WithoutThrowing(const FUNCTION& function) {
     try {
         function();

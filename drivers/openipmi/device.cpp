@@ -20,11 +20,11 @@ namespace Frudata_OpenIpmi {
 
 namespace {
 
-// Where the kernel's driver or its device manager puts the first interface.
+// Paths of the first interface, by the kernel's driver or the device manager.
 constexpr const char* PATHS[] = {"/dev/ipmi0", "/dev/ipmi/0", "/dev/ipmidev/0"};
 
-// A controller on the IPMB is asked once more. The kernel looks at its time-outs once a second: with a quarter of the
-// patience for each try it gives up in time.
+// A controller on the IPMB gets a second try. The kernel checks its time-outs once a second: a quarter of the limit for
+// each try ends in time.
 constexpr int RETRIES = 1;
 constexpr int PATIENCE_PER_TRY = 4;
 
@@ -162,7 +162,7 @@ TRANSFER CDevice::Take(ANSWER& answer) {
     const int result = ioctl(m_descriptor, IPMICTL_RECEIVE_MSG_TRUNC, &message);
     if (result < 0 && (errno == EAGAIN || errno == EINTR))
         return TRANSFER::NOTHING;
-    // What does not fit is cut and told; the message is taken nevertheless.
+    // The kernel cuts a message that does not fit and reports that, but hands it over.
     answer.isCut = result < 0 && errno == EMSGSIZE;
     if (result < 0 && !answer.isCut)
         return Fail(errno);

@@ -33,11 +33,11 @@ struct REQUEST {
     UINT8 netFn = 0;
     UINT8 cmd = 0;
     std::span<const UINT8> data;
-    /// Milliseconds after which the kernel gives a controller on the IPMB up.
+    /// Milliseconds until the kernel gives a controller on the IPMB up.
     int patience = 0;
 };
 
-/// An answer as the kernel hands it out: the completion code, then the data.
+/// An answer of the kernel: the completion code, then the data.
 struct ANSWER {
     long id = 0; ///< of its request; 0 belongs to none
     bool isCut = false;
@@ -47,9 +47,9 @@ struct ANSWER {
 
 enum class TRANSFER {
     DONE,
-    NOTHING, ///< within the time given
-    REFUSED, ///< the kernel does not take this request
-    FAILED   ///< the device is of no use
+    NOTHING, ///< in time
+    REFUSED, ///< the kernel does not accept this request
+    FAILED   ///< the device is unusable
 };
 
 class CDevice {

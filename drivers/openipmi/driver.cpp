@@ -1,4 +1,4 @@
-// One request at a time through the kernel's device; Send Message and Get Message are carried out here.
+// One request at a time through the kernel's device; executes Send Message and Get Message itself.
 #include "drivers/openipmi/bridge.h"
 #include "frudata/openipmi.h"
 
@@ -10,10 +10,10 @@ using namespace Frudata_Driver;
 using namespace Frudata_OpenIpmi;
 
 constexpr UINT8 BMC_ADDRESS = 0x20;
-// A requester asks Get Message a hundred times and more without a pause: together they wait one time-out.
+// A requester sends Get Message a hundred times and more without a pause: together they wait one time-out.
 constexpr int POLLS = 100;
 
-/// Where the caller wants the answer.
+/// The caller's room for the answer.
 struct RESPONSE {
     UINT8* data;
     int* length;
@@ -71,8 +71,8 @@ int CDriver::Send(const _IMBPREQUESTDATA& request, int timeout, const RESPONSE& 
     return SendToBmc(request, timeout, response);
 }
 
-/// Receives until the answer to request `id` is in m_answer, or none is left to receive in time. Answers to requests
-/// that were given up are dropped; that of the bridged request is kept.
+/// Receives until the answer to request `id` is in m_answer, or nothing comes in time. Drops answers to requests given
+/// up; keeps that of the bridged request.
 TRANSFER CDriver::Await(long id, const CDeadline& deadline) {
     do {
         const TRANSFER received = m_device.Receive(m_answer, deadline);

@@ -1,4 +1,4 @@
-// The functions that the library looks for in its host; a host with several ways to the BMC defines them itself.
+// The functions that the library looks up in its host. A host with several ways to the BMC defines them itself.
 #include "frudata/openipmi.h"
 
 #include <dlfcn.h>
@@ -8,7 +8,7 @@ namespace {
 using READ_PORT = UINT8(UINT16 port);
 using WRITE_PORT = void(UINT8 value, UINT16 port);
 
-/// The function that this one stands in front of; null where the host has no such library.
+/// The next function of the name in the order of libraries; null without one.
 template <typename FUNCTION> FUNCTION* Next(FUNCTION*& found, const char* name) {
     if (!found)
         found = reinterpret_cast<FUNCTION*>(dlsym(RTLD_NEXT, name));
@@ -42,8 +42,8 @@ int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* re
     return OpenIpmiSend(request, timeout, responseData, responseLength, completionCode);
 }
 
-// The ports are the kernel's. As 0xFF a status port also shows the attention flag, for which a bridging requester
-// waits half a second otherwise, although the kernel fetches the message itself.
+// The ports are the kernel's. A status port that reads 0xFF also shows the attention flag: without it a bridging
+// requester would wait half a second, although the kernel fetches the message itself.
 UINT8 inb(UINT16 port) {
     return OpenIpmiDevice() || !Next(gp_readPort, "inb") ? 0xFF : gp_readPort(port);
 }

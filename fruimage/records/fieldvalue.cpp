@@ -106,13 +106,13 @@ std::optional<BYTE_VECTOR> ParseBytes(FIELD_KIND kind, std::string_view text) {
     }
 }
 
-/// The number without its range checked.
+/// The number, its range unchecked.
 std::optional<std::int64_t> ParseCount(const FIELD_ROW& row, std::string_view text) {
     switch (row.kind) {
     case FIELD_KIND::FLAG:
         return {};
     case FIELD_KIND::ENUMERATION:
-        // A plain number might be meant as what it names: "5" as 5 V.
+        // A plain number could mean the value of a name: "5" as 5 V.
         return text.starts_with("0x") ? ParseInteger(text) : std::nullopt;
     case FIELD_KIND::CODE:
         return ParseInteger(text);

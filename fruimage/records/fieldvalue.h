@@ -1,4 +1,4 @@
-// One field's bytes as a value and as text, and text as bytes again: what the kinds of fields mean.
+// One field's bytes as a value and as text, and text as bytes again: the meaning of the kinds of fields.
 #pragma once
 
 #include "fruimage/records/recordform.h"
@@ -18,7 +18,7 @@ RECORD_FIELD ReadField(const FIELD_ROW& row, BYTE_VIEW data);
 /// Sets the field of a row whose place lies within `data`; a rest gets the length of its new value.
 /// @return false, and `data` as it was, where the text is none of the field's values
 bool WriteField(const FIELD_ROW& row, std::string_view text, BYTE_VECTOR& data);
-/// Which values the field takes: "0 to 4095 W".
+/// The values that the field takes: "0 to 4095 W".
 std::string AcceptedValues(const FIELD_ROW& row);
 
 } // namespace FruRecords

@@ -1,5 +1,5 @@
-// Record types C0h to FFh: a manufacturer's number (IANA's, or an OUI with VITA), then what the manufacturer likes
-// (section 18.7). Of the well-known ones, what their standards leave no doubt about.
+// Record types C0h to FFh: a manufacturer's number (IANA's, or an OUI with VITA), then bytes of the manufacturer's own
+// (section 18.7). Of the well-known records, the fields that their standards leave no doubt about.
 #include "fruimage/records/recordform.h"
 
 namespace FruRecords {

@@ -1,4 +1,4 @@
-// The rows that say what a record holds. Everything else in this folder is a walk over them.
+// The rows that describe records. Everything else in this folder is a walk over them.
 #pragma once
 
 #include <algorithm>
@@ -51,14 +51,14 @@ enum class FIELD_KIND : std::uint8_t {
     UUID,   ///< 16 bytes, in the order of SMBIOS: the first three groups with the least significant byte first
 };
 
-/// What a number of a field means.
+/// The meaning of a number in a field.
 struct NUMBER_NAME {
     std::uint32_t number;
     const char* name;
 };
 using NUMBER_NAMES = std::span<const NUMBER_NAME>;
 
-/// What a number counts: steps of 10^-places of what `name` stands for. {"V", 2} is 10 mV.
+/// The unit of a number: it counts steps of 10^-places of `name`. {"V", 2} is 10 mV.
 struct UNIT {
     const char* name = "";
     std::uint8_t places = 0;
@@ -89,7 +89,7 @@ struct FORM_MATCH {
     std::uint32_t number;
 };
 
-/// What the data of some record types holds: a row for each field, in the order of their places.
+/// The data of some record types: a row for each field, in the order of their places.
 struct RECORD_FORM {
     std::uint8_t firstType;
     std::uint8_t lastType;
@@ -99,10 +99,10 @@ struct RECORD_FORM {
     std::span<const FORM_MATCH> matches = {}; ///< all must hold
 };
 
-/// In the order in which they are tried: the last of a list takes everything that its types have left.
+/// In the order of trying: the last form of a list takes whatever its types have left.
 std::span<const RECORD_FORM> StandardForms();
 std::span<const RECORD_FORM> ManufacturerForms();
-/// Of a type that nothing else describes.
+/// For types without a form of their own.
 const RECORD_FORM& UnknownForm();
 
 } // namespace FruRecords

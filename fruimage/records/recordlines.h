@@ -1,4 +1,4 @@
-// Lines for people: a field each, or several fields that are read together.
+// Lines for people: one field each, or several that belong together.
 #pragma once
 
 #include "fruimage/records/recordform.h"
@@ -6,8 +6,8 @@
 
 namespace FruRecords {
 
-/// In the order of the fields. Fields share a line where all of them are there and have values; fields without any
-/// bytes have none.
+/// In the order of the fields. Fields share a line if all of them are there and have values; a field without bytes has
+/// no line.
 std::vector<RECORD_LINE> MakeLines(std::span<const LINE_ROW> rows, const std::vector<RECORD_FIELD>& fields);
 
 } // namespace FruRecords

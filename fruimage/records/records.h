@@ -1,5 +1,5 @@
 // Multi-records in words (IPMI FRU Information Storage Definition v1.0 rev 1.3, section 18). Everything here takes
-// any bytes. A record's data begins behind its five-byte header, which is not looked at.
+// any bytes. A record's data begins behind its five-byte header, which does not count here.
 #pragma once
 
 #include <cstddef>
@@ -28,16 +28,16 @@ struct DECIMAL {
     bool operator==(const DECIMAL&) const = default;
 };
 
-/// As a program wants it. Nothing (std::monostate) where the field says that it has no value.
+/// A value for programs. Nothing (std::monostate) where the field says that it has no value.
 using FIELD_VALUE = std::variant<std::monostate, std::int64_t, DECIMAL, bool, std::string, std::vector<std::uint8_t>>;
 
-/// One field that is wholly there. All texts are UTF-8.
+/// One complete field. All texts are UTF-8.
 struct RECORD_FIELD {
     std::string key;     ///< as in a field's path: "rated-capacity"
     std::string title;   ///< for people: "Rated capacity"
     std::string unit;    ///< of a number: "W"; else empty
     FIELD_VALUE value;   ///< in `unit`
-    std::string bare;    ///< "750". EncodeField takes it and leads to the same bytes
+    std::string bare;    ///< "750", of which EncodeField makes the same bytes
     std::string display; ///< "750 W"
     std::size_t offset = 0;
     std::size_t size = 0; ///< bytes that hold it; neighbours may share them
@@ -55,28 +55,28 @@ struct DECODED_RECORD {
     std::string title; ///< "Power supply information"
     std::vector<RECORD_FIELD> fields;
     std::vector<RECORD_LINE> lines; ///< the same fields; some share a line
-    /// What is odd about the record, a sentence each: shorter or longer than its type says.
+    /// Oddities of the record, a sentence each: shorter or longer than its type says.
     std::vector<std::string> notes;
 };
 
 /// `type` is the record type ID of the header. Bytes that no field covers are the field `other-data`.
 DECODED_RECORD DecodeRecord(std::uint8_t type, std::span<const std::uint8_t> data);
 
-/// Either data or the reason why there is none, which names the field and its limits.
+/// Data, or the reason why there is none, which names the field and its limits.
 struct RECORD_RESULT {
     std::optional<std::vector<std::uint8_t>> data;
     std::string error;
 };
 
-/// The data with the field `key` set. `text` is a field's bare value, with or without the unit. Bits that belong to
-/// no field stay. Where the value makes another kind of record of it (a sub-type), missing fields are appended.
+/// The data with the field `key` set. `text` is a field's bare value, with or without the unit. Bits of no
+/// field stay. If the value makes another kind of record (a sub-type), missing fields are appended.
 RECORD_RESULT EncodeField(std::uint8_t type, std::span<const std::uint8_t> data, std::string_view key,
                           std::string_view text);
 
-/// The data of a record about which nothing is known yet: values are "not specified" or zero.
+/// The data of a new record: every value is "not specified" or zero.
 std::vector<std::uint8_t> NewRecord(std::uint8_t type);
 
-/// What a field is called and takes.
+/// The names of a field and the values that it takes.
 struct FIELD_DESCRIPTION {
     std::string key;
     std::string title;
@@ -84,7 +84,7 @@ struct FIELD_DESCRIPTION {
     std::string accepts; ///< "0 to 4095 W", "yes or no"
 };
 
-/// One form of a record type. Several forms of a type differ in a field, as the sub-type does.
+/// One form of a record type. Forms of one type differ in a field such as a sub-type.
 struct RECORD_DESCRIPTION {
     std::string title;
     std::uint8_t firstType = 0;
@@ -92,9 +92,9 @@ struct RECORD_DESCRIPTION {
     std::vector<FIELD_DESCRIPTION> fields;
 };
 
-/// The form that this record has.
+/// The form of this record.
 RECORD_DESCRIPTION DescribeRecord(std::uint8_t type, std::span<const std::uint8_t> data);
-/// Every form that is known, by type; within a type the general one is last.
+/// All forms, by type; within a type the general one is last.
 std::vector<RECORD_DESCRIPTION> DescribeAllRecords();
 
 } // namespace FruRecords

@@ -73,7 +73,7 @@ void AppendMissingFields(const RECORD_FORM& form, BYTE_VECTOR& data) {
     });
 }
 
-/// What is appended may make another form of the record, which then has fields to append.
+/// Appended fields may give the record another form, which then has fields to append.
 void CompleteRecord(std::uint8_t type, BYTE_VECTOR& data) {
     std::size_t size = 0;
     do {

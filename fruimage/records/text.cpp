@@ -6,7 +6,7 @@ namespace FruRecords {
 
 namespace {
 
-// In the order of the text, the byte that each pair of digits stands for.
+// For each pair of digits of the text, the place of its byte.
 constexpr std::size_t UUID_ORDER[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
 
 /// The byte of two hexadecimal digits at the front of `text`.

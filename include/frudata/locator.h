@@ -12,8 +12,8 @@
 
 /**
  * Address record of one FRU device: filled by the SDR scan, by a FRU text file or by the caller.
- * A new record names the BMC's own FRU device. Everything is inline, so that a host can create,
- * keep and delete records of its own.
+ * A new record names the BMC's own FRU device. Everything is inline: a host can create, keep and delete records
+ * of its own.
  */
 struct FRU_LOCATOR {
     UINT8 deviceAddress;    /**< slave address of the FRU device or of its controller */
@@ -26,7 +26,7 @@ struct FRU_LOCATOR {
     FRU_TYPE type;          /**< access path */
     WCHAR* name;            /**< display name or null; owned by the record */
 
-    /** Takes the fields in their order. `displayName` is copied; without memory for it the record has no name. */
+    /** Takes the fields in their order. `displayName` is copied; if memory runs out, the record has no name. */
     explicit FRU_LOCATOR(UINT8 address = 0x20, UINT8 sizeData = 0xFF, UINT16 sizeAddress = 0, UINT8 busNumber = 0xFF,
                          UINT8 id = 0, UINT8 accessController = 0x20, UINT8 logicalUnit = 0,
                          FRU_TYPE accessType = FRU_TYPE_IMBDEVICE, const WCHAR* displayName = nullptr)
@@ -76,7 +76,7 @@ struct FRU_LOCATOR {
     }
 
   private:
-    /** Room for `length` characters and the 0 behind them, all 0. Sizes that no array can have are null, too. */
+    /** Room for `length` characters and a terminator, all 0; null when memory runs out or no array has that size. */
     static std::unique_ptr<WCHAR[]> NewText(std::size_t length) {
         return std::unique_ptr<WCHAR[]>(length < PTRDIFF_MAX / sizeof(WCHAR) ? new (std::nothrow) WCHAR[length + 1]()
                                                                              : nullptr);

@@ -4,11 +4,11 @@
  * On most servers the kernel's driver owns the system interface, and nothing else may use its ports. A host that is
  * linked with `libfrudata-openipmi.so` (before `libfrudata.so`, or preloads it) reaches the BMC through that driver
  * without a change of its own: the library finds `open_imb`, `close_imb` and `SendTimedImbpRequest` there. They do
- * what the functions below do; a host calls these itself to say why there is no way, or which one is taken. While the
- * device is open, ports read 0xFF and writes to them go nowhere; else the library's own `inb` and `outb` are used.
+ * what the functions below do; a host calls these itself to tell which way it has, or why it has none. While the
+ * device is open, ports read 0xFF and writes to them go nowhere; otherwise the library's own `inb` and `outb` apply.
  *
- * One thread at a time may use the driver. The descriptor is closed on exec; after a fork each process opens its own,
- * so that neither takes the other's answers.
+ * One thread at a time may use the driver. The descriptor is close-on-exec. After a fork each process opens its own:
+ * neither takes the other's answers.
  */
 #ifndef FRUDATA_OPENIPMI_H
 #define FRUDATA_OPENIPMI_H
@@ -22,7 +22,7 @@ extern "C" {
 
 /** The BMC, or for Get Message the kernel's driver, has answered. */
 #define OPENIPMI_OK 0
-/** The device is not open, is gone, or does not take the request. */
+/** The device is not open, is gone, or does not accept the request. */
 #define OPENIPMI_ERR_DEVICE 1
 /** A null pointer, a negative length, or an address that is not the BMC's. */
 #define OPENIPMI_ERR_ARGUMENT 2
@@ -32,7 +32,7 @@ extern "C" {
 #define OPENIPMI_ERR_BAD_ANSWER 4
 
 /**
- * Opens the first that exists of /dev/ipmi0, /dev/ipmi/0 and /dev/ipmidev/0. Opening twice is opening once.
+ * Opens the first that exists of /dev/ipmi0, /dev/ipmi/0 and /dev/ipmidev/0. A second call has no effect.
  * @return 1 when it is open; 0 when it is not, with the reason in OpenIpmiFailure
  */
 int OpenIpmiOpen(void);
@@ -44,17 +44,17 @@ int OpenIpmiClose(void);
 const char* OpenIpmiDevice(void);
 
 /**
- * Why the last call that failed did: one line without a full stop that names the device, in the encoding of the C
+ * The reason of the last failure: one line without a full stop that names the device, in the encoding of the C
  * library's messages. Owned by the driver, valid until the next call. @return empty before the first failure
  */
 const char* OpenIpmiFailure(void);
 
 /**
  * Sends one request to the BMC and waits for the answer. Send Message (IPMI 2.0, section 22.7) and Get Message
- * (22.6) do not reach the BMC, as its message queue is the kernel's: the request inside goes to its controller
+ * (22.6) do not reach the BMC, whose message queue is the kernel's: the request inside goes to its controller
  * through the kernel, and the next Get Messages return the answer, or completion code 0x80 while there is none. One
- * such request is under way at a time; a further Send Message gives the one before up. Where the controller does not
- * answer, the kernel does for it, with completion code 0xC3.
+ * such request is pending at a time; a second Send Message gives the first up. For a controller that does not answer
+ * the kernel answers with completion code 0xC3.
  * @param request asked; `rsSa` 0x20, `busType` 0
  * @param timeout milliseconds; negative is 0. A Get Message waits a hundredth of it
  * @param responseData takes the data of the answer

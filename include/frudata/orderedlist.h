@@ -6,7 +6,7 @@
 #include <new>
 
 /**
- * Doubly linked list of pointers in the order in which they were added. It never owns or frees the
+ * Doubly linked list of pointers in the order of their addition. It never owns or frees the
  * elements: the owner removes and destroys them before the list goes. T is a pointer type.
  */
 template <typename T> class OrderedList {
@@ -70,8 +70,8 @@ template <typename T> class OrderedList {
     unsigned int Count() const { return m_count; }
 
     /**
-     * The element at `index`, or null. It walks by value with Next, so an element that was added twice
-     * makes later indices resolve through its first occurrence; owners keep elements unique.
+     * The element at `index`, or null. Walks by value with Next: behind an element that was added twice, later
+     * indices resolve through its first occurrence. Owners keep elements unique.
      */
     T operator[](unsigned int index) const {
         if (index >= m_count)

@@ -13,11 +13,11 @@ extern "C" {
  * record, then one per Management Controller Device Locator record, each in repository order, to
  * `list`. The caller owns the list and the locators: delete each before the list.
  *
- * `Initialize` must have succeeded before. A failure ends the walk; what was decoded before it is
- * still appended. An unsupported record type anywhere in the repository yields no locator at all.
- * Records that lead back to one read before end the walk, and more locators than it counted at first
- * end it too. Each end but the last record's is a line of the debug log at level 1; no message is
- * recorded. Stack: about 80 KiB over KCS.
+ * `Initialize` must have succeeded before. A failure ends the walk; locators decoded before it are still
+ * appended. An unsupported record type anywhere in the repository yields no locator at all. A record that
+ * leads back to an earlier one ends the walk, and so do more locators than the count before it. Each end but
+ * the last record's is a line of the debug log at level 1; no message is recorded. Stack: about 80 KiB over
+ * KCS.
  *
  * @return always 0
  */

@@ -11,14 +11,14 @@
 typedef uint8_t UINT8;
 typedef uint16_t UINT16;
 typedef uint32_t UINT32;
-/** 32 bits wide on every target, so that the interface is the same for 32- and 64-bit hosts. */
+/** 32 bits wide on every target: the interface is the same for 32- and 64-bit hosts. */
 typedef uint32_t UINTN;
 /** Wide text of the interface: 4 bytes a character on Linux. */
 typedef wchar_t WCHAR;
 /** Result of every operation: 0 for success, a FRU_STATUS_ code otherwise. */
 typedef uint32_t EFI_STATUS;
 
-/* An enumeration whose every int value may be passed, so that an operation can refuse a wrong one. */
+/* An enumeration that admits every int value: an operation can refuse a wrong one. */
 #ifdef __cplusplus
 #define FRU_ENUM(name) enum name : int
 #else
@@ -125,7 +125,7 @@ enum {
 FRU_ENUM(FRU_AREA){FRU_AREA_NONE = 0,  FRU_AREA_COMMON_HEADER = 1, FRU_AREA_INTERNAL_USE = 2, FRU_AREA_CHASSIS = 3,
                    FRU_AREA_BOARD = 4, FRU_AREA_PRODUCT = 5,       FRU_AREA_MULTIRECORD = 6};
 
-/** Field selector. Custom fields have none: they are reached by index. */
+/** Field selector. Custom fields have none; select them by index. */
 FRU_ENUM(FRU_FIELD){FRU_FIELD_INTERNAL_USE_DATA = 1,
                     FRU_FIELD_CHASSIS_TYPE = 2,
                     FRU_FIELD_CHASSIS_PART_NUMBER = 3,
@@ -144,9 +144,9 @@ FRU_ENUM(FRU_FIELD){FRU_FIELD_INTERNAL_USE_DATA = 1,
                     FRU_FIELD_PRODUCT_ASSET_TAG = 16,
                     FRU_FIELD_PRODUCT_FILE_ID = 17};
 
-/** What a progress callback is told about. */
+/** The event that a progress callback reports. */
 FRU_ENUM(PROGRESS_CALLBACK_TYPE){
-    PROGRESS_CALLBACK_LOAD = 0, /**< a configuration was loaded; the two numbers are counts */
+    PROGRESS_CALLBACK_LOAD = 0, /**< a configuration was loaded; the numbers count FRUs and locators */
     PROGRESS_CALLBACK_WRITE = 1 /**< a step of writing a FRU to its device; the two numbers are 0 */
 };
 
