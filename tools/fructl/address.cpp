@@ -19,7 +19,7 @@ constexpr struct {
              {"mbmc", FRU_TYPE_MBMC_FRU},   {"IMBDEVICE", FRU_TYPE_IMBDEVICE}, {"AT24CO2", FRU_TYPE_AT24CO2},
              {"DS1624S", FRU_TYPE_DS1624S}, {"MBMC_FRU", FRU_TYPE_MBMC_FRU}};
 
-/// The numbers of an address, with the keys that people write.
+/// The numbers of an address and their keys.
 constexpr struct {
     const char* key;
     UINT8 ADDRESS::*number;

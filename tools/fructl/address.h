@@ -1,4 +1,4 @@
-// Where a FRU device is, and how people write it.
+// The address of a FRU device, and its text.
 #pragma once
 
 #include "common/ipmi.h"
@@ -8,7 +8,7 @@
 
 namespace Fructl {
 
-/// Where a FRU device is.
+/// The address of a FRU device.
 struct ADDRESS {
     FRU_TYPE type = FRU_TYPE_IMBDEVICE;
     UINT8 lun = 0;
@@ -22,7 +22,7 @@ struct ADDRESS {
 
 /// Reads "type=imb,address=0x20,...". @throws CToolError for an unknown key or value
 ADDRESS ParseAddress(const std::string& text);
-/// The same form, without what has its usual value.
+/// The same form, without usual values.
 std::string AddressText(const ADDRESS& address);
 /// The name of an access path as FRU text files have it.
 const char* TypeText(FRU_TYPE type);

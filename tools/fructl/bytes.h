@@ -23,11 +23,11 @@ std::string Hex(BYTE_VIEW bytes, std::string_view separator = {});
 std::string Counted(std::size_t count, std::string_view unit);
 /// Lines of offset, 16 bytes and their printable characters.
 std::string HexDump(BYTE_VIEW bytes);
-/// Bytes of hexadecimal text: pairs of digits; blanks, line ends and "0x" in front are skipped. Nothing
-/// where the text is something else.
+/// Bytes of hexadecimal text: pairs of digits, regardless of blanks, line ends and "0x" in front. Nothing for any
+/// other text.
 std::optional<BYTES> FromHex(std::string_view text);
 
-/// A whole number, decimal or with "0x" in front, up to `maximum`; nothing where it is not one.
+/// A whole number, decimal or with "0x" in front, up to `maximum`; nothing for any other text.
 std::optional<unsigned> ParseNumber(std::string_view text, unsigned maximum);
 
 } // namespace Fructl

@@ -23,7 +23,7 @@ namespace {
 
 using nlohmann::json;
 
-/// A BMC may take minutes over a bridged request; a child that is silent for longer hangs.
+/// A bridged request may take a BMC minutes; a child that is silent longer hangs.
 constexpr timespec SILENCE_LIMIT = {300, 0};
 
 enum FRAME_KIND : UINT8 {
@@ -110,7 +110,7 @@ class CChild {
         return false;
     }
 
-    /// Its work is done: it ends by itself. Closing the kernel's IPMI device alone takes it some 10 milliseconds.
+    /// Its work is done, and it ends by itself. Closing the kernel's IPMI device alone takes it some 10 milliseconds.
     void Leave() { m_process = 0; }
 
     void Wait() {
@@ -168,7 +168,7 @@ class CChild {
     std::size_t m_total = 0;
 };
 
-/// While one lives, signals wait: the child never takes one, as its parent decides for both.
+/// While one lives, signals wait: the child never takes one, since its parent decides for both.
 class CSignalBlock {
   public:
     CSignalBlock() {
@@ -195,7 +195,7 @@ json RunInChild(const std::function<json(const PROGRESS&)>& work, const PROGRESS
     if (output < 0 || pipe(ends) != 0)
         throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
     std::fflush(nullptr);
-    // Children of before that have ended since.
+    // Reap earlier children.
     while (waitpid(-1, nullptr, WNOHANG) > 0) {
     }
     const CHold hold;

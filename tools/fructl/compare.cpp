@@ -14,7 +14,7 @@ const ENTRY* Find(const std::vector<ENTRY>& entries, const std::string& name) {
 }
 
 bool IsSame(const ENTRY& left, const ENTRY& right) {
-    // Fields of a record share bytes.
+    // Fields of a record can share bytes.
     if (left.type == "record")
         return left.value == right.value;
     return left.raw == right.raw && (left.raw.empty() || left.type == right.type);
@@ -38,7 +38,7 @@ ENTRY BytesEntry(AREA_ID area, BYTE_VIEW bytes) {
     return {std::string(AreaName(area)) + ".data", text, "binary", BYTES(bytes.begin(), bytes.end()), area, text};
 }
 
-/// The bytes of the multi-record area say nothing more where fields of its records differ.
+/// Different fields of records make a difference of the multi-record area's bytes redundant.
 std::vector<DIFFERENCE> WithoutExplained(std::vector<DIFFERENCE> differences) {
     const auto isRecord = [](const DIFFERENCE& one) { return ParseRecordName(one.Name()).has_value(); };
     if (std::any_of(differences.begin(), differences.end(), isRecord))

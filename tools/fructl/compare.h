@@ -10,18 +10,18 @@
 
 namespace Fructl {
 
-/// One thing of a FRU that has a name: a field, a language code, or the bytes of an area without fields.
+/// A named part of a FRU: a field, a language code, or the bytes of an area without fields.
 struct ENTRY {
     std::string name;
     std::string value;
     std::string_view type;
     BYTES raw;
     AREA_ID area = AREA_ID::HEADER;
-    std::string bare = {}; ///< as `set` takes it back
+    std::string bare = {}; ///< in the form that `set` takes
 };
-/// Everything that has a name, in the order of the header's offsets.
+/// All named parts, in the order of the header's offsets.
 std::vector<ENTRY> Entries(const FRU& fru);
-/// The entry of a name, if the FRU has it: that of a field, of an area's data, or of a field of a record.
+/// The entry of a name, if the FRU has it: a field, an area's data, or a field of a record.
 std::optional<ENTRY> FindEntry(const FRU& fru, const std::string& name);
 
 struct DIFFERENCE {

@@ -50,7 +50,7 @@ void KeepDeviceNames(const std::vector<SOURCE>& devices) {
         fs::create_directories(file->parent_path());
         WriteFile(file->string(), BYTES(names.begin(), names.end()));
     } catch (const fs::filesystem_error&) {
-        // Completion does without.
+        // Completion works without names.
     } catch (const CToolError&) {
     }
 }

@@ -1,4 +1,4 @@
-// The names that a scan has found, kept for the shell's completion, which must not ask the BMC.
+// The names of the last scan, kept for the shell's completion, which must not ask the BMC.
 #pragma once
 
 #include "tools/fructl/source.h"
@@ -8,9 +8,9 @@
 
 namespace Fructl {
 
-/// Keeps the names, in the user's cache directory. Where that cannot be written, nothing is kept.
+/// Keeps the names in the user's cache directory, if that is writable.
 void KeepDeviceNames(const std::vector<SOURCE>& devices);
-/// The names that the last scan of this BMC found, one a line; empty where there was none.
+/// The names of the last scan of this BMC, one a line; empty without one.
 std::string KeptDeviceNames();
 
 } // namespace Fructl

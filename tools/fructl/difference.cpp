@@ -18,7 +18,7 @@ using FruImage::MOVE;
 using FruImage::PLAN;
 using nlohmann::json;
 
-/// Whether it is a value, not what follows from a change, such as a checksum.
+/// Whether it is a value, not a consequence such as a checksum.
 bool IsValue(const CHANGE& change) {
     return change.name.find('.') != std::string::npos && !(change.before.empty() && change.after.empty());
 }
@@ -41,14 +41,14 @@ std::string MoveText(const MOVE& move) {
     return text;
 }
 
-/// The change is a place or a size, which the moves tell.
+/// Whether the change is of a place or a size: the moves tell those.
 bool IsMoved(const PLAN& plan, const CHANGE& change) {
     return std::any_of(plan.moves.begin(), plan.moves.end(), [&](const MOVE& move) {
         return move.area == change.area && AreaName(move.area) == change.name;
     });
 }
 
-/// The changes without those that the moves tell, records by their fields.
+/// The changes that the moves do not tell, records field by field.
 std::vector<CHANGE> Shown(const PLAN& plan, const FRU& before, const FRU& after) {
     std::vector<CHANGE> records;
     for (const DIFFERENCE& one : Compare(before, after))

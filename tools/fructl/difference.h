@@ -1,4 +1,4 @@
-// What is going to be written, as people and programs see it before it is.
+// A plan described for people and programs before it is written.
 #pragma once
 
 #include "tools/fructl/compare.h"
@@ -12,9 +12,9 @@
 namespace Fructl {
 
 /// One line a change: name, old and new value; then the areas that move or change their size, and
-/// what people should know about it.
+/// the notes of the plan.
 std::string DescribePlan(const FruImage::PLAN& plan, const FRU& before, const FRU& after);
-/// Moves, and bytes written in how many steps.
+/// The moves, and the numbers of bytes and steps.
 nlohmann::json JsonMoves(const FruImage::PLAN& plan);
 /// Every named value of two FRUs that differs: `name`, `before`, `after`.
 nlohmann::json JsonChanges(const FRU& before, const FRU& after);

@@ -73,7 +73,7 @@ EDIT Removal(const std::string& name) {
     return FruImage::REMOVE_FIELD{NamedField(name)};
 }
 
-/// Names mean what they mean before the first change: the last custom fields and records go first.
+/// Names refer to the FRU before the first change: remove the last custom fields and records first.
 void SortRemovals(std::vector<EDIT>& removals) {
     const auto index = [](const EDIT& edit) {
         const auto* record = std::get_if<FruImage::REMOVE_RECORD>(&edit);
@@ -84,7 +84,7 @@ void SortRemovals(std::vector<EDIT>& removals) {
                      [&](const EDIT& a, const EDIT& b) { return index(a) > index(b); });
 }
 
-/// What is set must come in an order in which new custom fields follow each other.
+/// Orders the set fields so that new custom fields follow each other.
 std::vector<EDIT> InOrder(std::vector<EDIT> assignments, std::vector<EDIT> removals) {
     SortRemovals(removals);
     assignments.insert(assignments.end(), removals.begin(), removals.end());
@@ -115,7 +115,7 @@ std::string DumpDigits(const std::string& text) {
     return digits;
 }
 
-/// The edit that makes `target`'s field one as `field`.
+/// The edit that gives `target` the value of `field`.
 EDIT CopyField(const FIELD_NAME& name, const FIELD& field, bool sameLanguage) {
     if (field.kind == FIELD_KIND::TEXT && sameLanguage)
         return FruImage::SET_BYTES{name, field.encoding, field.bytes};

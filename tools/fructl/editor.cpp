@@ -21,7 +21,7 @@ namespace {
 
 constexpr useconds_t POLL = 20'000;
 
-/// The shell takes it apart: an editor may have arguments of its own.
+/// For the shell, since an editor may have arguments of its own.
 std::string EditorCommand() {
     for (const char* variable : {"VISUAL", "EDITOR"})
         if (const char* command = std::getenv(variable); command && *command)
@@ -32,7 +32,7 @@ std::string EditorCommand() {
     return "if command -v vi >/dev/null; then set -- vi \"$1\"; else set -- nano \"$1\"; fi; \"$@\" #";
 }
 
-/// Where a file or a pipe stands in their place, the editor gets the terminal.
+/// Gives the editor the terminal in place of a file or a pipe.
 void UseTerminal(int descriptor) {
     if (isatty(descriptor) != 0)
         return;
@@ -41,7 +41,7 @@ void UseTerminal(int descriptor) {
         dup2(terminal, descriptor);
 }
 
-/// The running editor; it does not outlive this.
+/// The running editor, which does not outlive this.
 class CEditorProcess {
   public:
     CEditorProcess(const std::string& command, const std::string& path) {
@@ -66,7 +66,7 @@ class CEditorProcess {
     CEditorProcess(const CEditorProcess&) = delete;
     CEditorProcess& operator=(const CEditorProcess&) = delete;
 
-    /// Its status, as waitpid has it. @throws CInterrupted where a signal ends this process before
+    /// Its status from waitpid. @throws CInterrupted if a signal ends this process before
     int Wait() {
         int status = -1;
         while (m_process > 0 && waitpid(m_process, &status, WNOHANG) == 0) {

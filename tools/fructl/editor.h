@@ -1,4 +1,4 @@
-// The editor that a person has chosen.
+// The user's editor.
 #pragma once
 
 #include "tools/fructl/interrupt.h"
@@ -8,16 +8,16 @@
 
 namespace Fructl {
 
-/// Lets a person edit a text. It lies in a file that nobody else can read, in a directory that goes with this.
+/// Lets a person edit a text, in a file that nobody else can read, in a directory that lives as long as this.
 class CEditor {
   public:
-    /// @throws CToolError where there is no place for the file
+    /// @throws CToolError if the file cannot be made
     CEditor();
     ~CEditor();
     CEditor(const CEditor&) = delete;
     CEditor& operator=(const CEditor&) = delete;
 
-    /// The text as it is when the editor of VISUAL or EDITOR, or vi or nano, ends. @throws CToolError where it fails
+    /// The text when the editor (VISUAL, EDITOR, vi or nano) ends. @throws CToolError if it fails
     std::string Edit(const std::string& text) const;
 
   private:

@@ -32,7 +32,7 @@ std::string Trimmed(std::string_view text) {
     return std::string(text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1));
 }
 
-/// As a person reads and writes it: in quotes where the line would not keep it.
+/// The value for people: in quotes if the line would not keep it.
 std::string Quoted(const std::string& value) {
     const std::string shown = Printable(value);
     if (shown == value && Trimmed(value) == value && !value.starts_with('"'))
@@ -57,7 +57,7 @@ std::string Utf8Character(unsigned number) {
     return {static_cast<char>(0xC0 | (number >> 6)), static_cast<char>(0x80 | (number & 0x3F))};
 }
 
-/// The value that `text` stands for; nothing where its quotes or what is behind a backslash is no such thing.
+/// The value of `text`; nothing for wrong quotes or an unknown escape.
 std::optional<std::string> Unquoted(std::string_view text) {
     if (!text.starts_with('"'))
         return std::string(text);
@@ -87,7 +87,7 @@ std::string Value(const ENTRY& entry) {
     return entry.type == "language" && entry.bare.empty() ? std::to_string(entry.raw.at(0)) : entry.bare;
 }
 
-/// What a person should know of an entry in front of its line.
+/// The comment in front of an entry's line.
 std::string Remark(const ENTRY& entry) {
     if (entry.type == "chassis-type")
         return "# a name or a number: 'fructl fields' lists them\n";

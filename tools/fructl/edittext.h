@@ -1,4 +1,4 @@
-// A FRU as a text that a person edits: one NAME = VALUE a line.
+// A FRU as text for an editor: one NAME = VALUE a line.
 #pragma once
 
 #include "tools/fructl/contents.h"
@@ -8,10 +8,10 @@
 
 namespace Fructl {
 
-/// The text of everything that has a name and a value. Areas are headings; what is a comment begins with '#'.
+/// The text of all names and values. Areas are headings; a comment begins with '#'.
 std::string EditText(const CONTENTS& contents);
 
-/// The text as it came back.
+/// The text from the editor.
 class CEditedText {
   public:
     /// `problem`, where a line has one, stands behind it when the text is edited again.
@@ -21,19 +21,19 @@ class CEditedText {
         std::string value = {};
         std::string problem = {};
     };
-    /// Lines that say what earlier ones are wrong about are left out.
+    /// Leaves out the comments about problems of an earlier round.
     explicit CEditedText(const std::string& text);
 
     std::vector<LINE>& Lines() { return m_lines; }
-    /// Whether there is no line with a value: whoever empties the whole text wants nothing of it.
+    /// Whether there is no line with a value: emptying the text means giving up.
     bool IsEmpty() const;
-    /// The word that `set` takes; empty for a line that says what `contents` hold, or nothing.
+    /// The word for `set`; empty for a line without a change.
     std::string Word(const LINE& line, const CONTENTS& contents) const;
-    /// The words for what has no line any more: custom fields, and records of which no line is left.
+    /// The words that remove what lost its lines: custom fields, and records without any line left.
     std::vector<std::string> Removals(const CONTENTS& contents) const;
-    /// The text without what is said about it.
+    /// The text without the problems.
     std::string Text() const;
-    /// The same with what is wrong below each line; `problem` is about the whole of it.
+    /// The text with each problem below its line; `problem` concerns the whole.
     std::string Marked(const std::string& problem) const;
     /// All problems, each behind its line, in one line.
     std::string Problems() const;

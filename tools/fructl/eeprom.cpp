@@ -18,7 +18,7 @@ namespace Fructl {
 
 namespace {
 
-/// The kernel splits a write at the chip's pages; a short one keeps a signal and the progress from waiting for long.
+/// The kernel splits a write at the chip's pages; short ones let signals and the progress through.
 constexpr std::size_t PIECE = 16;
 
 } // namespace
@@ -43,7 +43,7 @@ void CEeprom::Fail(const char* doing) const {
 }
 
 BYTES CEeprom::Read() const {
-    // A part larger than a FRU can be holds it at its start.
+    // A part larger than any FRU holds it at its start.
     return ReadStart(m_path, std::min(m_size, IMAGE_LIMIT));
 }
 

@@ -8,10 +8,10 @@
 
 namespace Fructl {
 
-/// Whether `path` leads to such a file of the kernel's: "eeprom" of an I2C device, or "nvmem", below /sys.
+/// Whether `path` leads to such a file: "eeprom" of an I2C device, or "nvmem", below /sys.
 bool IsEepromPath(const std::string& path);
 
-/// The same steps as with a FRU device.
+/// Read and write like a FRU device.
 class CEeprom {
   public:
     /// @throws CToolError where `path` is no file of a fixed size

@@ -1,4 +1,4 @@
-// AREA.FIELD names as people give them on the command line.
+// AREA.FIELD names of the command line.
 #pragma once
 
 #include "tools/fructl/fru.h"
@@ -9,7 +9,7 @@ namespace Fructl {
 
 /// @throws CToolError for a name that does not exist
 FIELD_NAME NamedField(std::string_view text);
-/// The area of a name that people gave, the common header included. @throws CToolError
+/// The area of a name, the common header included. @throws CToolError
 AREA_ID NamedArea(std::string_view text);
 
 } // namespace Fructl

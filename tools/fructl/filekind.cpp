@@ -17,7 +17,7 @@ bool LooksLikeImage(BYTE_VIEW bytes) {
         return true;
     if (std::search(bytes.begin(), bytes.end(), KEY.begin(), KEY.end()) != bytes.end())
         return false;
-    // A damaged header may begin with any byte: what is found behind it decides.
+    // A damaged header may begin with any byte: the areas behind it decide.
     const FruImage::FRU fru = FruImage::Parse(bytes);
     return fru.state != FruImage::STATE::NOT_A_FRU || !std::all_of(bytes.begin(), bytes.end(), isText);
 }

@@ -1,12 +1,12 @@
-// Whether a file's bytes are a FRU text file or a binary image.
+// Tells FRU text files from binary images.
 #pragma once
 
 #include "tools/fructl/bytes.h"
 
 namespace Fructl {
 
-/// A text file has the keys of its format. Where the bytes have none, they are an image: a FRU if something of one is
-/// found, blank or damaged else; printable text without the keys is taken for a text file that is none.
+/// A text file has the keys of its format. Bytes without keys are an image, be it blank or damaged; but printable text
+/// without keys counts as a wrong text file.
 bool LooksLikeImage(BYTE_VIEW bytes);
 
 } // namespace Fructl

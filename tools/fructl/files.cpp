@@ -21,22 +21,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// As many links are followed as the kernel does.
+/// As many links as the kernel follows.
 constexpr int LINK_LIMIT = 40;
 
 [[noreturn]] void Fail(const fs::path& path, const char* doing, int error) {
     throw CToolError(EXIT_REFUSED, path.string(), std::string(doing) + ": " + std::strerror(error));
 }
 
-/// A file name given through a link means the file behind it.
+/// A link stands for the file behind it.
 fs::path Resolve(const std::string& target) {
     std::error_code failed;
     const fs::path resolved = fs::weakly_canonical(target, failed);
     return failed ? fs::path(target) : resolved;
 }
 
-/// The descriptor that a path such as /dev/stdout or /dev/fd/3 leads to: its file has an offset that an opening by
-/// name would not share.
+/// The descriptor of a path such as /dev/stdout or /dev/fd/3: opening the name anew would not share its offset.
 std::optional<int> Descriptor(fs::path path) {
     if (path == STANDARD_STREAM)
         return STDOUT_FILENO;
@@ -92,7 +91,7 @@ BYTES ReadStart(const std::string& path, std::size_t count) {
     const int file = isStream ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
     if (file < 0)
         Fail(path, "cannot be read", errno);
-    // Most files have far less than they may have, and room costs time.
+    // Most files are far smaller than the limit, and room costs time.
     constexpr std::size_t USUAL = 0x4000;
     BYTES bytes;
     std::size_t length = 0;
@@ -168,11 +167,11 @@ void CReplacement::Replace() const {
         Fail(m_target, "cannot be written", errno);
     struct stat old {};
     if (stat(m_target.c_str(), &old) == 0) {
-        // Only root may give a file away; for all others it stays with the one who wrote it.
+        // Only root may change the owner; for others it stays the writer.
         [[maybe_unused]] const int ignored = fchown(file, old.st_uid, old.st_gid);
         fchmod(file, old.st_mode & 07777);
     }
-    // The contents must be on the disk before the name points to them.
+    // The contents must be on disk before the name points to them.
     const bool stored = fsync(file) == 0 || errno == EINVAL;
     close(file);
     if (!stored || rename(Path().c_str(), m_target.c_str()) != 0)

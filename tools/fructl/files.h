@@ -9,10 +9,10 @@
 
 namespace Fructl {
 
-/// The most bytes that are read: of a binary image, whose offsets have 16 bits, and of any other file.
+/// The most bytes of a binary image, whose offsets have 16 bits, and of any other file.
 inline constexpr std::size_t IMAGE_LIMIT = 64 * 1024;
 inline constexpr std::size_t FILE_LIMIT = 1024 * 1024;
-/// What "-" stands for.
+/// The name of standard input and output.
 inline constexpr const char* STANDARD_STREAM = "-";
 
 /// At most `count` bytes from the start of a file. @throws CToolError where it cannot be read
@@ -22,12 +22,12 @@ void CheckSize(const std::string& path, const BYTES& bytes, std::size_t limit);
 /// @throws CToolError where the file cannot be read or has more than `limit` bytes
 BYTES ReadFile(const std::string& path, std::size_t limit = FILE_LIMIT);
 
-/// A file under construction, in a fresh directory that goes with it, whatever ends the process. A target that is a
-/// regular file, or none yet, is replaced in one step: a failure on the way leaves the old file as it was. Anything
-/// else that can be written, such as a pipe or a device node, is opened and written through.
+/// A file under construction, in a fresh directory that goes with it, whatever ends the process. Replaces a regular
+/// file, or none, in one step: a failure leaves the old file as it was. Writes through to anything else, such as a pipe
+/// or a device node.
 class CReplacement {
   public:
-    /// @throws CToolError where nothing can be written there
+    /// @throws CToolError if the target is not writable
     explicit CReplacement(const std::string& target);
     ~CReplacement();
     CReplacement(const CReplacement&) = delete;
@@ -39,7 +39,7 @@ class CReplacement {
     std::filesystem::path Path() const { return m_directory / Name(); }
 
     void Write(BYTE_VIEW bytes) const;
-    /// Puts the finished file in the target's place, with the target's owner and permissions, or its bytes through it.
+    /// Moves the finished file over the target, with the target's owner and permissions, or writes its bytes through.
     void Finish() const;
 
   private:
@@ -51,7 +51,7 @@ class CReplacement {
     std::filesystem::path m_directory;
 };
 
-/// Writes a whole file that way.
+/// Writes a whole file in this way.
 void WriteFile(const std::string& path, BYTE_VIEW bytes);
 
 } // namespace Fructl

@@ -1,4 +1,4 @@
-// The formatting library, compiled once for the word size at hand: the distribution's own build of it has one only.
+// The formatting library, compiled for this word size: the distribution builds it for one only.
 #include <fmt/format-inl.h>
 
 FMT_BEGIN_NAMESPACE

@@ -1,5 +1,4 @@
-// The standard's view of a FRU (fruimage/), by the names it has throughout the tool, and what is wrong with one in
-// words.
+// The standard's view of a FRU (fruimage/) under the tool's names, and its state in words.
 #pragma once
 
 #include "fruimage/image.h"
@@ -31,18 +30,18 @@ using FruImage::STATE;
 
 /// "text", "two-byte", "6-bit", "bcd+", "binary", "date", "chassis-type".
 std::string_view TypeName(const FIELD& field);
-/// The value as `set` takes it back: a chassis type by its name alone, or by its number where it has none.
+/// The value in the form that `set` takes: a chassis type as its name alone, or its number without one.
 std::string BareValue(const FIELD& field);
 
-/// What a FRU is, in a few words: manufacturer and name of its product, or of its board; empty where it does not tell.
+/// The FRU in a few words: manufacturer and name of its product, or of its board; may be empty.
 std::string ProductText(const FRU& fru);
-/// The text of the first of these fields that has one.
+/// The text of the first of these fields with one.
 std::string FirstText(const FRU& fru, std::initializer_list<std::string_view> names);
 /// "ok", "blank" or "damaged".
 std::string_view StatusName(const FRU& fru);
-/// Every damage, or that the FRU is blank, in one line; empty where it is sound.
+/// All damage, or that the FRU is blank, in one line; empty for a sound one.
 std::string ProblemText(const FRU& fru);
-/// The same of one area: its own damage and, where it is not there, that of the header.
+/// The same for one area: its own damage or, if it is missing, that of the header.
 std::string ProblemText(const FRU& fru, AREA_ID area);
 
 } // namespace Fructl

@@ -1,4 +1,4 @@
-// How the help of the command line is laid out.
+// The layout of the help.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,7 +7,7 @@
 
 namespace Fructl {
 
-/// Help with a usage line that names a command's arguments in their order, which is not that of options.
+/// Help with a usage line that names a command's arguments in their order.
 class CHelpFormatter : public CLI::Formatter {
   public:
     explicit CHelpFormatter(std::string usage) : m_usage(std::move(usage)) {
@@ -16,7 +16,7 @@ class CHelpFormatter : public CLI::Formatter {
     }
 
     std::string make_usage(const CLI::App*, std::string) const override { return "Usage: " + m_usage + "\n"; }
-    /// The usage line has them already.
+    /// The usage line has them.
     std::string make_positionals(const CLI::App*) const override { return {}; }
     /// Examples stand by themselves.
     std::string make_footer(const CLI::App* app) const override {

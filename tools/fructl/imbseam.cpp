@@ -7,7 +7,7 @@ namespace {
 const Fructl::IMB_DRIVER* gp_driver = nullptr;
 bool g_isLost = false;
 
-/// The library's function, in front of which this program's stands.
+/// The library's function, which this program's replaces.
 template <typename FUNCTION> FUNCTION* Next(const char* name) {
     return reinterpret_cast<FUNCTION*>(dlsym(RTLD_NEXT, name));
 }
@@ -46,8 +46,8 @@ int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* re
     return result;
 }
 
-// Beside a driver the ports are someone else's. As 0xFF a status port also shows the attention flag, for which a
-// bridging requester waits half a second otherwise.
+// Beside a driver the ports are someone else's. A status port that reads 0xFF also shows the attention flag: without it
+// a bridging requester would wait half a second.
 UINT8 inb(UINT16 port) {
     static UINT8 (*const next)(UINT16) = Next<UINT8(UINT16)>("inb");
     return gp_driver || !next ? UINT8{0xFF} : next(port);

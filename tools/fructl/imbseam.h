@@ -1,11 +1,11 @@
-// The place where the library finds its host's own way to the BMC.
+// The functions in which the library finds its host's way to the BMC.
 #pragma once
 
 #include "frudata/bmclib.h"
 
 namespace Fructl {
 
-/// A driver as the library asks for one (frudata/bmclib.h, "Supplied by the host").
+/// A driver for the library (frudata/bmclib.h, "Supplied by the host").
 struct IMB_DRIVER {
     int (*Open)();
     int (*Close)();
@@ -13,8 +13,8 @@ struct IMB_DRIVER {
                 UINT8* completionCode);
 };
 
-/// From the next start of the library on it takes this driver, and ports read 0xFF and keep what they have. With null
-/// it takes the ports, for what it does not send through the session library. Not owned.
+/// From its next start on the library uses this driver; ports read 0xFF and ignore writes. With null it uses the ports,
+/// except for requests through the session library. Not owned.
 void UseImbDriver(const IMB_DRIVER* driver);
 /// Whether the last request over the driver got no answer.
 bool IsAnswerLost();

@@ -38,7 +38,7 @@ void CatchInterrupts() {
     action.sa_flags = SA_RESTART;
     for (const int signal : SIGNALS) {
         struct sigaction before {};
-        // What was started with nohup stays deaf.
+        // A process under nohup keeps ignoring it.
         if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
             sigaction(signal, &action, nullptr);
     }
@@ -52,7 +52,7 @@ CHold::~CHold() {
     g_holds = g_holds - 1;
     if (g_holds != 0 || g_received == 0)
         return;
-    // What was finished nevertheless is said.
+    // Tell that the work was finished.
     std::fflush(stdout);
     EndBy(g_received);
 }

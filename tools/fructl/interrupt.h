@@ -1,4 +1,4 @@
-// Ctrl-C, a service manager's SIGTERM and a lost terminal: work that must not be left half done holds them back.
+// Ctrl-C, a service manager's SIGTERM and a lost terminal; work that must not stop halfway holds them back.
 #pragma once
 
 #include <cstddef>
@@ -6,11 +6,11 @@
 
 namespace Fructl {
 
-/// From here on SIGINT, SIGTERM and SIGHUP, where they are not ignored, end the process unless one is held back.
+/// From here on SIGINT, SIGTERM and SIGHUP, unless ignored, end the process or wait for a CHold.
 void CatchInterrupts();
 
-/// While one lives, a signal is kept. The last one to go ends the process by it: what was built up before, such as
-/// a file under construction, is cleared away then.
+/// While one lives, a signal waits. The end of the last one ends the process by that signal, after destructors have
+/// removed such things as a file under construction.
 class CHold {
   public:
     CHold();
@@ -19,7 +19,7 @@ class CHold {
     CHold& operator=(const CHold&) = delete;
 };
 
-/// A hold during which work goes on to its end, because a device is being written.
+/// A hold during which work goes on to its end: a device is being written.
 class CFinish {
   public:
     CFinish();
@@ -31,14 +31,14 @@ class CFinish {
     CHold m_hold;
 };
 
-/// Thrown out of work that may be left when a signal came. Whoever catches it has nothing to say.
+/// Thrown out of work that a signal may stop. It needs no message.
 class CInterrupted : public std::exception {
   public:
     const char* what() const noexcept override { return "interrupted"; }
 };
 
-/// Between two steps of work: throws CInterrupted if a signal is held back; where the work must be finished, it says
-/// so once instead, with how far it is.
+/// Between two steps of work: throws CInterrupted if a signal waits. During a CFinish it notes once instead how far the
+/// work is.
 void CheckInterrupt(std::size_t done, std::size_t total);
 
 } // namespace Fructl

@@ -19,7 +19,7 @@ using FruImage::FIELD_DESCRIPTION;
 using FruImage::RECORD_DESCRIPTION;
 using nlohmann::json;
 
-/// What is wrong, and where in the document.
+/// A fault, and its place in the document.
 [[noreturn]] void RefusePart(const std::string& part, const std::string& why) {
     throw CToolError(EXIT_REFUSED, part, why, "docs/json.md describes the document");
 }
@@ -59,7 +59,7 @@ BYTES Bytes(const json& object, const char* name) {
     return *bytes;
 }
 
-/// The bytes of a value that people wrote.
+/// The bytes of a value.
 FIELD_DESCRIPTION Encoded(const std::string& name, FIELD_KIND kind, const std::string& value, ENCODING encoding,
                           UINT8 language) {
     const auto take = [&](auto result) {
@@ -95,7 +95,7 @@ FIELD_DESCRIPTION Field(const json& object, const AREA_ROW& row, std::size_t pos
     return counts ? Encoded(name, kind, value, field.encoding, language) : field;
 }
 
-/// Where a field's value is not what the record's bytes read as, the value counts.
+/// If a field's value and the record's bytes disagree, the value counts.
 void SetRecordField(const json& object, RECORD_DESCRIPTION& record) {
     const std::string key = Word(object, "name");
     const json value = object.value("value", json());
@@ -177,7 +177,7 @@ void ReadReport(const json& document, FruImage::DESCRIPTION& description) {
         description.gaps.push_back({Number(gap, "offset", 0, FruImage::MAXIMUM_DEVICE), Bytes(gap, "raw")});
 }
 
-/// A value of a short document as `set` takes it.
+/// A value of a short document in the form that `set` takes.
 void AddShort(const std::string& name, const json& value, std::vector<std::string>& words) {
     if (value.is_array())
         for (const json& one : value)

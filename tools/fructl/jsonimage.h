@@ -1,4 +1,4 @@
-// JSON as the description of an image: the other direction of JsonReport.
+// JSON as the description of an image: the reverse of JsonReport.
 #pragma once
 
 #include "tools/fructl/edit.h"
@@ -9,15 +9,15 @@
 
 namespace Fructl {
 
-/// What a JSON document describes.
+/// The contents of a JSON document.
 struct JSON_IMAGE {
     FruImage::DESCRIPTION description;
-    CHANGES changes; ///< made to what the description builds
+    CHANGES changes; ///< of the image that the description builds
 };
 
 /// Reads the document of `show --json` (docs/json.md) or a short one: an object of areas, each an object of fields, or
-/// an object of AREA.FIELD names. Where a field's value is not what its raw bytes read as, the value counts.
-/// @throws CToolError that names the part of the document which is wrong
+/// an object of AREA.FIELD names. If a field's value and raw bytes disagree, the value counts.
+/// @throws CToolError that names the wrong part of the document
 JSON_IMAGE ReadJsonImage(const std::string& text, const std::string& source);
 
 } // namespace Fructl

@@ -98,7 +98,7 @@ json JsonArea(const FRU& fru, const AREA& area) {
     return result;
 }
 
-/// The bytes that belong to no area, where an image can be built from the report.
+/// The bytes of no area, if an image can be built from the report.
 void AddGaps(const FRU& fru, json& report) {
     const auto description = FruImage::Describe(fru);
     if (!description)

@@ -12,16 +12,16 @@ namespace Fructl {
 /// Version of the JSON form, in every document as "schema".
 inline constexpr const char* SCHEMA = "fructl/1";
 
-/// One FRU: source, status, findings, areas, fields, and what else its image is built from.
+/// One FRU: source, status, findings, areas, fields, and all else that its image is built from.
 nlohmann::json JsonReport(const CONTENTS& contents);
 nlohmann::json JsonSource(const SOURCE& source);
-/// What is damaged.
+/// The findings of severity DAMAGE.
 nlohmann::json JsonProblems(const FRU& fru);
-/// Everything that is not as it should be.
+/// All findings.
 nlohmann::json JsonFindings(const FRU& fru);
-/// The value of a record's field as JSON has it.
+/// The JSON value of a record's field.
 nlohmann::json JsonRecordValue(const FruRecords::RECORD_FIELD& field);
-/// Value, type and raw bytes of something that has a name.
+/// Value, type and raw bytes of an entry.
 nlohmann::json JsonEntry(const ENTRY& entry);
 
 /// Prints a document to standard output, with its "schema".

@@ -1,4 +1,4 @@
-// The languages of the library's texts: those that the build compiles, by name.
+// The names of the languages that the build compiles.
 #pragma once
 
 #include <string>
@@ -6,12 +6,12 @@
 
 namespace Fructl {
 
-/// Names as "en-us": two letters of a language, a hyphen, two letters of a country. The first one stands in for
-/// those that are not among them.
+/// Names such as "en-us": two letters of a language, a hyphen, two letters of a country. The first one stands in for
+/// all others.
 const std::vector<std::string>& Languages();
-/// The one that LC_ALL, LC_MESSAGES and LANG ask for.
+/// The language of LC_ALL, LC_MESSAGES and LANG.
 std::string LanguageOfLocale();
-/// The name of the directory that holds a language's texts.
+/// The name of the directory of a language's texts.
 std::string TextDirectory(std::string language);
 
 } // namespace Fructl

@@ -29,7 +29,7 @@ std::string OpenLan() {
     gp_lan = LoadLan(LanModulePath(), reason);
     if (!gp_lan)
         return reason;
-    // The module overwrites the password that it is given.
+    // The module overwrites its copy of the password.
     CPassword password = Password();
     LAN_SESSION_OPTIONS options = {};
     options.host = lan.host.c_str();

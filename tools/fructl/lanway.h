@@ -1,4 +1,4 @@
-// IPMI over LAN as a way to a BMC: the module that is loaded when a host is named. For child processes.
+// IPMI over LAN as a way to a BMC; loads its module. For child processes.
 #pragma once
 
 #include "drivers/lan/lan.h"

@@ -47,7 +47,7 @@ std::string StatusText(EFI_STATUS status) {
     default:
         break;
     }
-    // The device operations pass the small numbers of the transport through.
+    // Device operations also return the small numbers of the transport.
     if (status < 0xC0000000U || status > 0xFFFF0000U)
         return TransportText(static_cast<int>(status));
     return fmt::format("the library failed with status {:08X}h", status);
@@ -82,7 +82,7 @@ std::string Utf8(const WCHAR* text) {
 
 CLibrary::CLibrary(BMC bmc) : m_table(GetFruDataInterface()) {
     if (bmc == NO_BMC) {
-        // One without devices keeps the start-up from searching the machine's memory and ports.
+        // A BMC without devices keeps the start-up from searching the machine's memory and ports.
         m_bmc = std::make_unique<Frudata_Sim::CSimulatedBmc>();
     } else if (!Settings().simDirectory.empty()) {
         try {
@@ -108,7 +108,7 @@ CLibrary::~CLibrary() {
 }
 
 void CLibrary::Start() {
-    // File names are UTF-8 here, whatever the user's locale: it decides nothing but the language.
+    // File names are UTF-8 here: the user's locale decides only the language.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     Frudata_Sim::SetCurrentBmc(m_bmc.get());
     KCSAddress = KcsPort();
@@ -124,7 +124,7 @@ void CLibrary::Start() {
         throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
 }
 
-/// The table is looked up from its own directory, so that its name may have any characters.
+/// Opens the table from its own directory, whose name may have any characters.
 void CLibrary::LoadTexts() const {
     std::error_code failed;
     const fs::path before = fs::current_path(failed);
@@ -135,14 +135,14 @@ void CLibrary::LoadTexts() const {
     const std::wstring language(name.begin(), name.begin() + 2);
     const std::wstring country(name.begin() + 3, name.end());
     SetLibDebugLevel(0);
-    // Without texts the titles are empty: whoever shows them says so.
+    // Without texts the titles are empty; their users say so.
     if (!directory.empty() && !failed)
         m_table->SetLanguageLocale(m_table, language.c_str(), country.c_str());
     fs::current_path(before, failed);
     SetLibDebugLevel(Settings().debugLevel);
 }
 
-/// Tells a machine without a usable BMC from a device that does not answer.
+/// Tells a machine without a usable BMC from a silent device.
 void CLibrary::CheckBmc() const {
     const auto request = std::make_unique<BMC_MESSAGE>();
     const auto response = std::make_unique<BMC_MESSAGE>();
@@ -150,7 +150,7 @@ void CLibrary::CheckBmc() const {
     request->netFn = Frudata_Private::NETFN_APPLICATION;
     request->cmd = Frudata_Private::COMMAND_GET_DEVICE_ID;
     const int status = ProcessMessage(request.get(), response.get(), TIMEOUT);
-    // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
+    // No request reaches a BMC whose interface is not KCS: the answer is the whole buffer.
     if (status == 0 && response->dataLength < 0xFF)
         return;
     throw CToolError(EXIT_DEVICE, "BMC",
@@ -162,7 +162,7 @@ void CLibrary::CheckBmc() const {
 void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {
     if (status == FRU_STATUS_SUCCESS)
         return;
-    // Whatever the library took it for: without an answer nothing is known about the device's contents.
+    // Without an answer nothing is known about the device's contents, whatever the library's status.
     if (IsAnswerLost() && !CurrentWay().Failure().empty())
         throw CToolError(EXIT_DEVICE, what, "no answer: " + CurrentWay().Failure());
     const WCHAR* message = nullptr;

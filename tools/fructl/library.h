@@ -19,10 +19,10 @@ namespace Fructl {
 class CLibrary {
   public:
     enum BMC {
-        NO_BMC,    ///< work on files: nothing is asked of any BMC
+        NO_BMC,    ///< none: work on files
         SYSTEM_BMC ///< the BMC of the machine, or the simulated one in its place
     };
-    /// @throws CToolError where the BMC or the library cannot be started
+    /// @throws CToolError if the BMC or the library cannot be started
     explicit CLibrary(BMC bmc);
     /// With a simulated BMC of one FRU device that holds `image`.
     explicit CLibrary(BYTES image);
@@ -33,9 +33,9 @@ class CLibrary {
     _EFI_FRU_INTERFACE* operator->() const { return m_table; }
     _EFI_FRU_INTERFACE* Table() const { return m_table; }
 
-    /// Throws the library's reason where `status` is a failure.
+    /// Throws the library's reason for a failed `status`.
     void Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const;
-    /// Loads one device, without a check: the caller judges the status.
+    /// Loads one device; the caller judges the status.
     EFI_STATUS Load(const ADDRESS& address) const;
     /// Loads a FRU text file and selects it.
     void LoadFile(const std::string& path) const;
@@ -54,7 +54,7 @@ class CLibrary {
     std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };
 
-/// Why a request got no answer, in the words of the way taken.
+/// Why a request got no answer, in the words of the way.
 std::string TransportText(int status);
 /// UTF-8 of a text of the library; empty for null.
 std::string Utf8(const WCHAR* text);

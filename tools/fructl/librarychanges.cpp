@@ -15,7 +15,7 @@ bool IsSame(const FIELD& before, const FIELD& after) {
     return before.bytes == after.bytes && before.typeLength == after.typeLength;
 }
 
-/// The changed fields of an info area of which nothing else changes.
+/// The changed fields of an info area without other changes.
 bool AddFields(const AREA& before, const AREA& after, LIBRARY_CHANGES& changes) {
     if (before.fields.size() != after.fields.size() || before.fields.size() < before.Row().fields.size() ||
         before.language != after.language || before.length != after.length)

@@ -1,4 +1,4 @@
-// A change of a FRU as the library can make it: values of fields, and the bytes of areas without fields.
+// Changes that the library can make: values of fields, and the bytes of areas without fields.
 #pragma once
 
 #include "tools/fructl/fru.h"
@@ -31,11 +31,11 @@ struct LIBRARY_CHANGES {
     bool Touches(AREA_ID area) const;
 };
 
-/// What makes `after` of `before`; nothing where it takes more than changes of values. Whether the library writes
-/// exactly `after` then is for it to show (LibraryWrites).
+/// The changes from `before` to `after`; nothing if they are more than values. LibraryWrites tells whether the library
+/// then writes exactly `after`.
 std::optional<LIBRARY_CHANGES> LibraryChanges(const FRU& before, const FRU& after);
 
-/// The area as the library names it.
+/// The library's selector of the area.
 FRU_AREA LibraryArea(AREA_ID area);
 
 } // namespace Fructl

@@ -33,8 +33,8 @@ void SetArea(const CLibrary& library, AREA_ID area, const std::optional<BYTES>& 
     library.Check(table->SetAreaData(table, data->data(), static_cast<unsigned>(data->size())), EXIT_REFUSED, name);
 }
 
-/// A change of a custom field alone does not mark the product area for writing: setting a fixed field to
-/// the value it has does.
+/// A change of a custom field alone does not mark the product area for writing; setting a fixed field to its
+/// present value does.
 void MarkProduct(const CLibrary& library, const FRU& fru, const LIBRARY_CHANGES& changes) {
     const auto isFixed = [](const FIELD_CHANGE& one) {
         return one.name.area == AREA_ID::PRODUCT && one.name.part == FIELD_NAME::FIXED;
@@ -42,7 +42,7 @@ void MarkProduct(const CLibrary& library, const FRU& fru, const LIBRARY_CHANGES&
     if (!changes.Touches(AREA_ID::PRODUCT) || std::any_of(changes.fields.begin(), changes.fields.end(), isFixed))
         return;
     const AREA& area = *fru.Find(AREA_ID::PRODUCT);
-    // Whatever is set becomes 8-bit text: only a field of that type, or an empty one, keeps its value.
+    // Every set value becomes 8-bit text: only a field of that type, or an empty one, keeps its value.
     for (unsigned index = 0; index < area.Row().fields.size(); ++index)
         if (const FIELD& field = area.fields[index]; field.encoding == FruImage::ENCODING::TEXT || field.bytes.empty())
             return SetField(library, AREA_ID::PRODUCT, index, field.bytes, "product");
@@ -65,7 +65,7 @@ std::unique_ptr<CLibrary> DeviceLibrary(const SOURCE& source) {
 }
 
 void ApplyChanges(const CLibrary& library, const FRU& fru, LIBRARY_CHANGES changes) {
-    // What shrinks makes room for what grows.
+    // Shrinking fields make room for growing ones.
     std::stable_sort(changes.fields.begin(), changes.fields.end(),
                      [](const FIELD_CHANGE& a, const FIELD_CHANGE& b) { return a.Growth() < b.Growth(); });
     for (const FIELD_CHANGE& one : changes.fields)

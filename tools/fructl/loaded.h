@@ -13,7 +13,7 @@ namespace Fructl {
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents);
 /// The same from the device itself.
 std::unique_ptr<CLibrary> DeviceLibrary(const SOURCE& source);
-/// Makes the changes; `fru` is what the loaded FRU holds.
+/// Makes the changes; `fru` has the contents of the loaded FRU.
 void ApplyChanges(const CLibrary& library, const FRU& fru, LIBRARY_CHANGES changes);
 
 } // namespace Fructl

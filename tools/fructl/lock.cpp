@@ -27,7 +27,7 @@ namespace {
 
 constexpr useconds_t PAUSE = 20'000;
 
-/// Where a lock lies: everyone who can reach what it is for must find the same place.
+/// The directory of locks: everyone who can reach a device must find the same one.
 std::string LockPath(std::string name) {
     std::replace_if(
         name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c) && c != '.'; }, '-');
@@ -53,7 +53,7 @@ std::string DirectoryOf(const std::string& file) {
 }
 
 int OpenLock(const fs::path& path) {
-    // One that another user has left in a directory of all may be opened, but not with the right to create it.
+    // In a shared directory the kernel refuses to open another user's file with O_CREAT.
     for (const int flags : {O_RDWR | O_CREAT, O_RDWR, O_RDONLY})
         if (const int file = open(path.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, 0666); file >= 0)
             return file;
@@ -74,13 +74,13 @@ CFileLock::CFileLock(const std::string& path, std::string what, std::string use)
         throw;
     }
     const std::string signature = fmt::format("process {}, which {}\n", getpid(), m_use);
-    // A lock without a signature is one, too.
+    // A lock counts without a signature.
     if (!m_use.empty() && ftruncate(m_file, 0) == 0) [[maybe_unused]]
         const ssize_t ignored = pwrite(m_file, signature.data(), signature.size(), 0);
 }
 
 CFileLock::~CFileLock() {
-    // A child process may hold the file open for a little longer.
+    // A child process may hold the file open a little longer.
     flock(m_file, LOCK_UN);
     close(m_file);
 }

@@ -7,7 +7,7 @@
 
 namespace Fructl {
 
-/// A locked file. The kernel ends the lock with the process, so none is ever stale.
+/// A locked file. The kernel ends the lock with the process: none is ever stale.
 class CFileLock {
   public:
     CFileLock(const CFileLock&) = delete;
@@ -15,13 +15,13 @@ class CFileLock {
     ~CFileLock();
 
   protected:
-    /// Waits for another holder as long as the settings say, and says for whom. @throws CToolError after that
-    /// @param what is locked, for people @param use what its holder does, after "which"; empty: the file is there for
-    /// something else, so that no holder can sign it
+    /// Waits for another holder as long as the settings say, and tells for whom. @throws CToolError after that
+    /// @param what the locked thing, for people @param use what its holder does, after "which"; empty: the file has
+    /// another purpose, and no holder can sign it
     CFileLock(const std::string& path, std::string what, std::string use);
 
   private:
-    /// What the holder has left about itself.
+    /// The holder's note about itself.
     std::string Holder() const;
     void Wait() const;
 
@@ -36,14 +36,15 @@ class CDeviceLock : public CFileLock {
     explicit CDeviceLock(const SOURCE& device);
 };
 
-/// While one lives, no other fructl changes a file of the directory: the file itself is replaced by each that does.
+/// While one lives, no other fructl changes a file of the directory. Each change replaces the file itself, so that
+/// cannot carry the lock.
 class CDirectoryLock : public CFileLock {
   public:
     /// @param file a path to the file
     explicit CDirectoryLock(const std::string& file);
 };
 
-/// While one lives, no other fructl uses the KCS interface at the port: an answer goes to whoever asks first.
+/// While one lives, no other fructl uses the KCS interface at the port: the first reader takes an answer.
 class CPortLock : public CFileLock {
   public:
     explicit CPortLock(UINT16 port);

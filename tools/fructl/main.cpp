@@ -33,7 +33,7 @@ constexpr const char* EXAMPLES =
     "Exit status: 0 done, 1 usage, 2 refused value or file, 3 device error, 4 damaged FRU,\n"
     "5 verification failed, 6 scan with unreadable FRUs.";
 
-/// Adds the command `name`, or all where it is none: help and errors tell of all.
+/// Adds the command `name`, or all if there is none of the name: help and errors list them.
 void AddCommands(CLI::App& app, std::string_view name) {
     static constexpr std::pair<std::string_view, void (*)(CLI::App&)> COMMANDS[] = {
         {"show", AddShow},   {"get", AddGet},       {"set", AddSet},  {"edit", AddEdit},     {"fields", AddFields},

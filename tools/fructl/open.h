@@ -1,4 +1,4 @@
-// Sources read whole.
+// Reading a source.
 #pragma once
 
 #include "tools/fructl/contents.h"
@@ -6,8 +6,8 @@
 
 namespace Fructl {
 
-/// Reads a source and takes its image apart. A damaged FRU is no failure: its findings say what is wrong.
-/// @param reading how much of a device is read. @throws CToolError where nothing could be read, or a text file is none
+/// Reads a source and parses its image. A damaged FRU is no failure: its findings tell the damage.
+/// @param reading how much of a device to read. @throws CToolError if nothing can be read, or a text file is wrong
 CONTENTS Open(const SOURCE& source, READING reading = READING::AREAS, const PROGRESS& progress = {});
 
 } // namespace Fructl

@@ -1,4 +1,4 @@
-// The options that every command takes.
+// The options of every command.
 #pragma once
 
 #include <memory>
@@ -10,16 +10,16 @@ class App;
 
 namespace Fructl {
 
-/// Options whose meaning shows only when all are there.
+/// Options that only all together have a meaning.
 struct GLOBAL_OPTIONS {
     bool noColor = false;
 };
 
-/// Adds them; they fill Settings(). A wrong value is refused with the option's name and what it takes.
+/// Adds the options, which fill Settings(). The refusal of a wrong value names the option and its values.
 std::shared_ptr<GLOBAL_OPTIONS> AddGlobalOptions(CLI::App& app);
-/// Once all are parsed: what follows from several of them, and from the environment. @throws CToolError
+/// After parsing: settings that follow from several options and the environment. @throws CToolError
 void TakeGlobalOptions(const GLOBAL_OPTIONS& options);
-/// Refuses an argument that is no UTF-8. @throws CToolError
+/// @throws CToolError for an argument that is no UTF-8
 void CheckArguments(int count, char** arguments);
 
 } // namespace Fructl

@@ -22,7 +22,7 @@ namespace {
 
 constexpr const char* VARIABLE = "IPMI_PASSWORD";
 
-/// While one lives, a terminal shows nothing of what is typed.
+/// While one lives, the terminal does not show typed text.
 class CNoEcho {
   public:
     explicit CNoEcho(int terminal) : m_terminal(terminal) {

@@ -1,4 +1,4 @@
-// The password of a LAN session: asked for once, kept out of arguments, messages, logs and core dumps.
+// The password of a LAN session: asked once, kept out of arguments, messages, logs and core dumps.
 #pragma once
 
 #include <array>
@@ -6,7 +6,7 @@
 
 namespace Fructl {
 
-/// As long as the standard's longest (IPMI 2.0, section 22.30); overwritten when it goes.
+/// Room for the standard's longest (IPMI 2.0, section 22.30), overwritten at its end.
 class CPassword {
   public:
     static constexpr std::size_t SIZE = 20;
@@ -16,7 +16,7 @@ class CPassword {
     CPassword& operator=(const CPassword&) = default;
     ~CPassword();
 
-    /// Takes a text over, and overwrites it there. @throws CToolError where it is too long
+    /// Copies a text and overwrites the original. @throws CToolError if it is too long
     void Take(char* text, std::size_t length);
     char* Text() { return m_text.data(); }
 
@@ -24,10 +24,10 @@ class CPassword {
     std::array<char, SIZE + 1> m_text{};
 };
 
-/// Takes the password from the first line of `file`; where that is empty, from IPMI_PASSWORD; else from the terminal,
-/// without showing it. From then on this process and its children write no core dump. @throws CToolError
+/// Takes the password from the first line of `file`; without a file from IPMI_PASSWORD, else from the terminal without
+/// showing it. From then on this process and its children write no core dump. @throws CToolError
 void AskPassword(const std::string& file, const std::string& prompt);
-/// What was asked for.
+/// The password.
 CPassword& Password();
 
 } // namespace Fructl

@@ -16,7 +16,7 @@
 
 #include <unistd.h>
 
-// <sys/io.h> would bring inline definitions of inb and outb, which nothing could stand in for.
+// <sys/io.h> would bring inline definitions of inb and outb, which nothing could replace.
 extern "C" int iopl(int level) noexcept;
 
 namespace Fructl {
@@ -25,8 +25,8 @@ namespace {
 
 constexpr UINT16 USUAL_PORT = 0x0CA2;
 
-/// Regions that a bus or the firmware has set aside, or that belong to a device by its place ("0000:00:1f.0",
-/// "IPI0001:00") or by what the firmware's tables say ("IPMI Address 1"): nobody drives the ports in them.
+/// Regions that a bus or the firmware reserves, or that belong to a device by its place ("0000:00:1f.0", "IPI0001:00")
+/// or by the firmware's tables ("IPMI Address 1"): nobody drives their ports.
 bool IsReservation(std::string_view name) {
     static constexpr std::array<std::string_view, 5> RESERVATIONS = {"PCI ", "pnp ", "ACPI ", "dmi-", "IPMI Address "};
     return name.find(':') != std::string_view::npos ||
@@ -41,7 +41,7 @@ UINT16 KcsPort() {
 }
 
 std::string PortOwner(UINT16 port) {
-    // Lines as "  0ca2-0ca3 : ipmi_si", a region below the one that it lies in.
+    // Lines such as "  0ca2-0ca3 : ipmi_si"; a region follows the one around it.
     std::ifstream regions("/proc/ioports");
     std::string owner;
     for (std::string line; std::getline(regions, line);) {

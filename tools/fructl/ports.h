@@ -1,4 +1,4 @@
-// The KCS ports, looked at before anything is sent to them.
+// Checks of the KCS ports before anything is sent to them.
 #pragma once
 
 #include "frudata/types.h"
@@ -7,14 +7,14 @@
 
 namespace Fructl {
 
-/// The base port that the settings name, or the usual one.
+/// The base port of the settings, or the usual one.
 UINT16 KcsPort();
 /// The driver that the kernel's list of port regions names for `port` or the next one; empty: none.
 std::string PortOwner(UINT16 port);
-/// Why this program may not touch the KCS ports at `port`, or nothing. Where `insist`, a driver that owns them is no
+/// Why this program may not touch the KCS ports at `port`, or nothing. With `insist`, a driver that owns them is no
 /// reason.
 std::string PortRefusal(UINT16 port, bool insist);
-/// Makes `port` the library's. @return why there is no KCS interface, or nothing
+/// Sets the library's port. @return why there is no KCS interface, or nothing
 std::string KcsProblem(UINT16 port);
 
 } // namespace Fructl

@@ -22,7 +22,7 @@ using FruImage::RECORD_VALUE;
                      "'fructl fields' lists the fields of records");
 }
 
-/// The records as they become, by their index.
+/// The new records, by their index.
 using RECORD_VALUES = std::map<std::size_t, RECORD_VALUE>;
 
 RECORD_VALUE& ValueOf(const RECORD_NAME& name, const AREA* area, RECORD_VALUES& values) {
@@ -36,7 +36,7 @@ RECORD_VALUE& ValueOf(const RECORD_NAME& name, const AREA* area, RECORD_VALUES& 
     return values[name.index] = {record.Type(), record.Format(), record.data};
 }
 
-/// A new record, or one of another type, holds nothing yet.
+/// The data of a new record, or of one that changes its type.
 void SetType(const RECORD_CHANGE& change, const AREA* area, RECORD_VALUES& values) {
     const auto type = ParseNumber(change.value, 0xFF);
     if (!type)

@@ -1,5 +1,5 @@
-// The fields of multi-records by name: multirecord.1.rated-capacity. Everything that the tool does with what a record
-// means goes through here.
+// The fields of multi-records by name: multirecord.1.rated-capacity. The tool's only access to the
+// meaning of records.
 #pragma once
 
 #include "tools/fructl/compare.h"
@@ -20,11 +20,11 @@ struct RECORD_NAME {
     std::size_t index = 0; ///< of the record, counted from 0
     std::string key;
 };
-/// Reads "multirecord.N.KEY"; nothing for any other text. Whether there is such a key depends on the record.
+/// Reads "multirecord.N.KEY"; nothing for any other text. The record decides whether the key exists.
 std::optional<RECORD_NAME> ParseRecordName(std::string_view text);
 std::string RecordNameText(std::size_t index, std::string_view key);
 
-/// What a record says.
+/// The decoded record.
 FruRecords::DECODED_RECORD Decoded(const RECORD& record);
 /// Its fields, and its type, as entries.
 std::vector<ENTRY> RecordEntries(const AREA& area);

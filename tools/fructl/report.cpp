@@ -65,7 +65,7 @@ std::string Indented(const std::string& text) {
     return result;
 }
 
-/// Columns for a line: those of the terminal, where there is one.
+/// Columns for a line: those of the terminal, if there is one.
 std::size_t LineWidth() {
     constexpr std::size_t USUAL = 100;
     return TerminalWidth().value_or(USUAL);
@@ -115,7 +115,7 @@ std::string AreaText(const FRU& fru, const AREA& area) {
     return RecordRows(area);
 }
 
-/// What is unusual but no damage: damage ends the command with its text.
+/// Findings without damage; damage ends the command with its own text.
 std::string NoteRows(const FRU& fru) {
     std::string text;
     for (const FINDING& finding : fru.findings)

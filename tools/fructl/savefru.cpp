@@ -60,7 +60,7 @@ std::string TextOf(const CONTENTS& contents, const FRU& fru, const TARGET& targe
     return target.title.empty() ? text : WithTitle(std::move(text), CleanTitle(target.title));
 }
 
-/// The library takes the file, and it holds what it should.
+/// Checks that the library loads the file with the right contents.
 void CheckText(const std::string& text, const std::string& path, const FRU& expected, const std::string& output) {
     const FRU_TEXT read = ReadFruText(text, Settings().platform == FRU_PLATFORM_MBMC);
     if (!read.faults.empty())
@@ -103,7 +103,7 @@ void SaveFru(const CONTENTS& contents, const FRU& fru, const TARGET& target) {
     if (!target.binary)
         return SaveText(contents, fru, target);
     BYTES bytes = fru.bytes;
-    // A text file tells the areas of a device, not its size.
+    // A text file has the areas of a device, not its size.
     if (contents.source.kind == SOURCE::TEXT)
         bytes.resize(FruImage::RoundUp(bytes.size()));
     WriteFile(target.path, bytes);

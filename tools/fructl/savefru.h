@@ -10,12 +10,12 @@ namespace Fructl {
 /// The file to write.
 struct TARGET {
     std::string path;
-    std::string title; ///< to stand in a text file; empty: that of the source
+    std::string title; ///< in a text file; empty: the source's
     bool binary = false;
 };
 
-/// Writes `fru`, which is what `contents` hold or became, to a file. A text file is read back before it takes the
-/// place of anything. @throws CToolError where the text format cannot hold the FRU
+/// Writes `fru`, the contents or a changed copy of them, to a file. Reads a text file back before it replaces anything.
+/// @throws CToolError if the text format cannot hold the FRU
 void SaveFru(const CONTENTS& contents, const FRU& fru, const TARGET& target);
 
 } // namespace Fructl

@@ -1,4 +1,4 @@
-// What a SOURCE or DEVICE of the command line names.
+// The SOURCE and DEVICE arguments of the command line.
 #pragma once
 
 #include "tools/fructl/address.h"
@@ -8,7 +8,7 @@
 
 namespace Fructl {
 
-/// In front of a file's name: it is an EEPROM, wherever it lies.
+/// In front of a file's name: marks an EEPROM, whatever its path.
 inline constexpr const char* EEPROM_KEY = "eeprom=";
 
 struct SOURCE {
@@ -21,15 +21,15 @@ struct SOURCE {
     std::string label;     ///< the file's path, or the device's name or address
     std::string title;     ///< the FRU's own name, where known
     ADDRESS address;       ///< DEVICE behind the BMC
-    BYTES bytes = {};      ///< TEXT, IMAGE: what the file holds, which some can tell only once
+    BYTES bytes = {};      ///< TEXT, IMAGE: the contents, which a pipe yields only once
     bool isEeprom = false; ///< DEVICE: the file `label`, written in place
 };
 
 /// The EEPROM that the kernel shows as a file.
 SOURCE EepromSource(const std::string& path);
-/// How --at and --to name the device.
+/// The device in the form of --at and --to.
 std::string DeviceText(const SOURCE& device);
-/// The source of a file, read. The kind is told from its first bytes.
+/// Reads a file; its first bytes tell the kind.
 SOURCE FileSource(const std::string& path);
 
 } // namespace Fructl

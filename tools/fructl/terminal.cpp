@@ -26,7 +26,7 @@ double Seconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// Bytes of the UTF-8 sequence at the start of `text`; 0 where it is none or a control character.
+/// Bytes of the UTF-8 sequence at the start of `text`; 0 for none or a control character.
 std::size_t PrintableLength(std::string_view text) {
     const auto first = static_cast<UINT8>(text[0]);
     if (first < 0x80)
@@ -41,7 +41,7 @@ std::size_t PrintableLength(std::string_view text) {
     return first == 0xC2 && static_cast<UINT8>(text[1]) < 0xA0 ? 0 : length;
 }
 
-/// Bytes of the control character at the start of `text`; 0 where it is none.
+/// Bytes of the control character at the start of `text`; 0 for none.
 std::size_t ControlLength(std::string_view text) {
     const auto first = static_cast<UINT8>(text[0]);
     if (first < 0x80)
@@ -110,14 +110,14 @@ std::vector<std::size_t> Widths(const std::vector<std::vector<std::string>>& row
     return widths;
 }
 
-/// `text` without colours, cut to `width` columns, the last of which says so.
+/// `text` without colours, cut to `width` columns; a sign in the last one shows the cut.
 std::string Shortened(const std::string& text, std::size_t width) {
     if (Width(text) <= width)
         return text;
     std::string cut;
     for (std::size_t at = 0; at < text.size() && Width(cut) < width; ++at)
         cut += text[at];
-    // The last character may be a part of one, and gives its place to the sign.
+    // The sign replaces the last character, which may be incomplete.
     while (!cut.empty() && (static_cast<UINT8>(cut.back()) & 0xC0) == 0x80)
         cut.pop_back();
     cut.pop_back();

@@ -25,7 +25,7 @@ using Frudata_Private::TEXT_TABLE;
 
 constexpr const char* TABLE_PATH = "frudata/str/frudata.str";
 
-/// The numbers of an area's own text, of its first field's, which the others follow, and of its custom fields'.
+/// The numbers of an area's texts: its own, its first field's (the others follow) and its custom fields'.
 constexpr struct {
     AREA_ID area;
     std::size_t title;
@@ -37,7 +37,7 @@ constexpr struct {
                {AREA_ID::BOARD, STRING_AREA_BOARD, STRING_BOARD_MFG_DATE_TIME, STRING_BOARD_CUSTOM_FIELD},
                {AREA_ID::PRODUCT, STRING_AREA_PRODUCT, STRING_PRODUCT_MANUFACTURER_NAME, STRING_PRODUCT_CUSTOM_FIELD}};
 
-/// The texts of this run's language; none where they cannot be read. The library's way to them needs a session with it.
+/// The texts of this run's language, or none. Reads them itself: asking the library would need a session.
 TEXT_TABLE ReadTexts() {
     TEXT_TABLE texts;
     const fs::path file = DataDirectory() / TextDirectory(Settings().language) / TABLE_PATH;
@@ -47,14 +47,14 @@ TEXT_TABLE ReadTexts() {
             texts.size() > STRING_PRODUCT_CUSTOM_FIELD)
             return texts;
     } catch (const CToolError&) {
-        // Without texts the names of the standard remain.
+        // Without texts the names of the standard serve.
     }
     Note(fmt::format("no texts for {}: set FRUDATA_DATADIR to the directory that holds '{}'", Settings().language,
                      TextDirectory(Settings().language)));
     return {};
 }
 
-/// A text by its number; `fallback` where there is none.
+/// A text by its number, or `fallback`.
 std::string Text(std::size_t number, const char* fallback) {
     static const TEXT_TABLE texts = ReadTexts();
     const bool isThere = number < texts.size() && !texts[number].empty();

@@ -1,4 +1,4 @@
-// What areas and fields are called in the language of this run.
+// The titles of areas and fields in the language of this run.
 #pragma once
 
 #include "tools/fructl/fru.h"
@@ -8,7 +8,7 @@
 
 namespace Fructl {
 
-/// The directory that holds the library's texts, one directory a language; empty where there is none.
+/// The directory with the library's texts, one directory a language; empty without one.
 std::filesystem::path DataDirectory();
 
 /// The title of field `position` of an area; the tool's own where there is no text.

@@ -1,4 +1,4 @@
-// The one failure of the tool: what, why, a hint, and the exit status it ends with.
+// The one failure of the tool: what, why, a hint, and the exit status.
 #pragma once
 
 #include <exception>

@@ -20,9 +20,9 @@ namespace Fructl {
 
 namespace {
 
-/// What a BMC's buffer takes at once; the device's reader asks for less where that is too much.
+/// Fits the buffer of most BMCs; the device's reader asks for less after a refusal.
 constexpr std::size_t LOCAL_READ_CHUNK = 64;
-/// With its count in front it stays below what every BMC gives on a LAN.
+/// With its count byte it stays below the answer that every BMC can give on a LAN.
 constexpr std::size_t LAN_READ_CHUNK = 32;
 static_assert(LAN_READ_CHUNK + 1 <= LAN_SAFE_ANSWER_SIZE);
 
@@ -30,7 +30,7 @@ std::string Nothing() {
     return {};
 }
 
-/// The end of the process closes the device: the kernel takes some 10 milliseconds for that.
+/// Leaves the device to the end of the process: closing it takes the kernel some 10 milliseconds.
 int LeaveOpen() {
     return 0;
 }

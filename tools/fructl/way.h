@@ -10,23 +10,23 @@ namespace Fructl {
 /// One way. A new one is a row in way.cpp.
 struct WAY {
     const char* name; ///< as --interface takes it
-    bool isUsual;     ///< tried, in the order of the rows, where no way is asked for
-    /// Makes it the library's next one. @return why it cannot be, or nothing
+    bool isUsual;     ///< tried, in the order of the rows, if no way is asked for
+    /// Makes it the library's next way. @return why that fails, or nothing
     std::string (*Open)();
-    /// What is left to do once the library has started. @return why it cannot be done, or nothing
+    /// Finishes after the start of the library. @return why that fails, or nothing
     std::string (*Started)();
-    /// The way taken, for people.
+    /// The way, for people.
     std::string (*Description)();
-    /// What a request that got no answer failed of, or nothing.
+    /// Why a request got no answer, or nothing.
     std::string (*Failure)();
-    /// Lets go of it, open or not.
+    /// Releases it, open or not.
     void (*Close)();
     std::size_t readChunk; ///< bytes that one Read FRU Data may ask for
 };
 
 /// Names for --interface. In every process.
 std::vector<std::string> WayNames();
-/// What tells the BMC that this run works on from others. In every process.
+/// A key that tells the BMC of this run from others. In every process.
 std::string WayKey();
 
 /// Opens the way asked for, or the first usual one that can be opened. @throws CToolError with all reasons

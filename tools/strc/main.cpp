@@ -27,7 +27,7 @@ int FailWithReason(const std::string& path) {
     return Fail(path + ": " + std::strerror(errno));
 }
 
-/// Writes `bytes` beside `path` and renames, so that a build that is stopped leaves no half a table.
+/// Writes `bytes` beside `path` and renames: a stopped build leaves no half a table.
 int WriteAtomically(const std::string& path, const std::string& bytes) {
     const std::string temporary = path + "." + std::to_string(getpid()) + ".tmp";
     std::ofstream file(temporary, std::ios::binary | std::ios::trunc);

@@ -27,7 +27,7 @@ constexpr CKnownText KNOWN_TEXTS[] = {
 
 constexpr std::string_view BLANKS = " \t\r";
 
-/// One line `number NAME "text"`, cut up.
+/// One line `number NAME "text"` in parts.
 struct CEntry {
     unsigned int number = 0;
     std::string_view name;
@@ -45,7 +45,7 @@ std::string_view TakeWord(std::string_view& line) {
     return word;
 }
 
-/// Takes a quoted text off the front of `line`. @return null, or what is wrong with it
+/// Takes a quoted text off the front of `line`. @return null, or its fault
 const char* TakeQuoted(std::string_view& line, std::string& text) {
     if (line.empty() || line.front() != '"')
         return "the text must follow in double quotes";
@@ -90,7 +90,7 @@ std::string DescribeArguments(const char* arguments) {
     return description.empty() ? "none" : description;
 }
 
-/// Checks `entry` against what the library's code expects. @return the fault, or an empty text
+/// Checks `entry` against stringid.h. @return the fault, or an empty text
 std::string CheckEntry(const CEntry& entry, const std::u16string& text) {
     const auto* known = std::ranges::find(KNOWN_TEXTS, entry.number, &CKnownText::number);
     if (known == std::end(KNOWN_TEXTS))
@@ -140,7 +140,7 @@ TEXT_TABLE ReadSource(std::istream& source, const std::string& fileName, std::ve
         if (!fault.empty())
             addFault(fault);
     }
-    // A faulty line would be reported a second time as a missing text.
+    // A faulty line would count again as a missing text.
     if (!faults.empty())
         return table;
     for (const CKnownText& known : KNOWN_TEXTS)

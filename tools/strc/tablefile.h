@@ -17,7 +17,7 @@ namespace Frudata_Private {
 /// The compiled file's bytes.
 std::string CompileTable(const TEXT_TABLE& table);
 
-/// Reads a compiled file's bytes. @return null, or what is wrong with them
+/// Reads a compiled file's bytes. @return null, or their fault
 const char* ReadCompiledTable(const std::string& bytes, TEXT_TABLE& table);
 
 } // namespace Frudata_Private

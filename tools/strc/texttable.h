@@ -1,4 +1,4 @@
-// The texts of one locale, as they stand between the readable source and the compiled file.
+// The texts of one language, between the readable source and the compiled file.
 #pragma once
 
 #include <string>

@@ -55,7 +55,7 @@ const char* DecodeUtf8(std::string_view text, std::u16string& characters) {
             return "the text is not valid UTF-8";
         if (point == 0)
             return "the text contains a zero character, which would end it";
-        // The library widens each unit by itself, so a pair of surrogates would show as two characters.
+        // The library widens each unit alone: a pair of surrogates would show as two characters.
         if (point > 0xFFFF)
             return "the text contains a character above U+FFFF, which a table cannot hold";
         characters.push_back(static_cast<char16_t>(point));

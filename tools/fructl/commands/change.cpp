@@ -35,12 +35,12 @@ void CheckOptions(const SOURCE& source, const CHANGE_OPTIONS& options) {
         throw CToolError(EXIT_USAGE, "--backup", "standard input stays as it is");
 }
 
-/// Whether there is somebody to ask, and need to.
+/// Whether there is somebody to ask, and a need to.
 bool IsAsked(const WRITE_OPTIONS& options) {
     return !options.yes && isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
 }
 
-/// A file's new contents, as the options say what becomes of them.
+/// A file's new contents, and where the options put them.
 struct FILE_CHANGE {
     const CONTENTS& contents;
     const PLAN& plan;
@@ -68,7 +68,7 @@ void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& opt
     std::optional<CDirectoryLock> lock;
     if (!options.write.dryRun && options.output.empty() && source.label != STANDARD_STREAM) {
         lock.emplace(source.label);
-        // What was read before may have been changed by whoever had the lock.
+        // The last holder of the lock may have changed the file.
         source = FileSource(source.label);
     }
     const CONTENTS contents = Open(source, READING::WHOLE);

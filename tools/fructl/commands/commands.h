@@ -1,4 +1,4 @@
-// The commands. Each adds itself to the command line and carries itself out when parsed.
+// The commands. Each adds itself to the command line, whose parsing runs it.
 #pragma once
 
 #include "tools/fructl/edit.h"
@@ -39,20 +39,20 @@ void AddScan(CLI::App& app);
 void AddProbe(CLI::App& app);
 void AddInfo(CLI::App& app);
 
-/// SOURCE arguments of a command: files, --system, --at; and the words that follow them.
+/// SOURCE arguments of a command (files, --system, --at) and the words behind them.
 class CSources {
   public:
-    /// Adds the options to `command`. `positional` is what its arguments are called in the help.
+    /// Adds the options to `command`. `positional` names its arguments in the help.
     CSources(CLI::App& command, const std::string& positional, const std::string& description);
 
-    /// `count` sources, in the order of the command line; the remaining words stay for Words(). Where
-    /// `optional` and none is given, the system's own FRU. @throws CToolError where there are not so many
+    /// `count` sources, in the order of the command line; the remaining words stay for Words(). With `optional` and
+    /// none given, the system's own FRU. @throws CToolError for any other number
     std::vector<SOURCE> Take(std::size_t count, bool optional = false);
     SOURCE TakeOne(bool optional = false) { return Take(1, optional)[0]; }
-    /// The same where no words may remain.
+    /// The same, without remaining words.
     std::vector<SOURCE> TakeAll(std::size_t count, bool optional = false);
-    /// All devices that are named, and the words in front of the first that `isOther` knows; without a device, the
-    /// first word in any case. The remaining words stay for Words(). @throws CToolError where there is none
+    /// All named devices, and the words before the first that `isOther` knows; without a device, the first word in any
+    /// case. The remaining words stay for Words(). @throws CToolError without a source
     std::vector<SOURCE> TakeWhile(const std::function<bool(const std::string&)>& isOther);
     /// Whether the command line names any.
     bool IsEmpty() const { return !m_system && m_at.empty() && m_words.empty(); }
@@ -68,58 +68,56 @@ class CSources {
     CLI::Option* m_positional;
 };
 
-/// Options of everything that writes.
+/// Options of commands that write.
 struct WRITE_OPTIONS {
-    std::string backup; ///< a file, or a directory for one with a name made from the source's. Empty: in the current
-                        ///< one for a device, none for a file
+    std::string backup; ///< a file, or a directory for one named after the source. Empty: in the current one for a
+                        ///< device, none for a file
     bool noBackup = false;
     bool dryRun = false;
     bool yes = false;
-    bool mends = false; ///< contents that are damaged are what it is for
+    bool mends = false; ///< the command repairs: damaged contents are not odd
 };
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options);
-/// Asks on a terminal, unless `options` answer. Without one, nothing is asked; then `odd`, something that a person
-/// should know of before anything is written, must be answered by --yes or --force. @throws CToolError where the
-/// answer is no, or missing
+/// Asks on a terminal unless `options` answer. Without a terminal it asks nothing, but an oddity `odd`, which a person
+/// should know before anything is written, needs --yes or --force. @throws CToolError if the answer is no or missing
 void Confirm(const std::string& question, const WRITE_OPTIONS& options, const std::string& odd = {});
-/// What is odd about contents that something is to be written over: nothing in them tells what the device is.
+/// The oddity of contents about to be overwritten: nothing in them tells what the device is. Else empty.
 std::string Oddity(const CONTENTS& present);
 
-/// Options of what changes a file, or a device.
+/// Options of commands that change a file or a device.
 struct CHANGE_OPTIONS {
     std::string output; ///< empty: the source itself
     bool binary = false;
     bool commit = false;
-    bool asks = false; ///< before a file is written, too
+    bool asks = false; ///< also before it writes a file
     WRITE_OPTIONS write;
 };
 void AddChangeOptions(CLI::App& command, CHANGE_OPTIONS& options);
 
-/// Options of what may let areas grow.
+/// Options of commands that may let areas grow.
 void AddLayoutOptions(CLI::App& command, EDIT_OPTIONS& options);
-/// The same of what takes AREA.FIELD=VALUE.
+/// The same for commands that take AREA.FIELD=VALUE.
 void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options);
 
-/// What is to be written of what a source holds. @throws CToolError where it is refused
+/// Makes the plan of a change to a source. @throws CToolError for a refusal
 using PLANNER = std::function<PLAN(const CONTENTS&)>;
-/// Shows what the plan changes and writes it, as the options say: to the source, or to another file.
+/// Shows the changes of the plan and writes it, by the options to the source or to another file.
 void Change(const SOURCE& source, const PLANNER& planner, const CHANGE_OPTIONS& options);
-/// The same to a device: difference, backup, write, read back, compare.
+/// The same for a device: difference, backup, write, read back, compare.
 void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& options);
-/// Keeps `bytes` of the source in a file that the options name, or in one named after the source. @return its name
+/// Keeps `bytes` of the source in the file `given`, or in one named after the source. @return its name
 std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given);
-/// What brings the contents of a device back of which `backup` is a copy, for a person to type.
+/// The command, for a person to type, that restores the device from `backup`.
 std::string RestoreHint(const std::string& backup, const CONTENTS& before);
 
 /// Writes a device to the end, whatever the terminal says, reads it back and compares it with `expected`.
-/// @param before its contents until then, as far as they are known
-/// @param backup the file that holds them; empty: none
-/// @throws CToolError EXIT_UNVERIFIED where it holds something else
+/// @param before its former contents, as far as they are known
+/// @param backup their file; empty: none
+/// @throws CToolError EXIT_UNVERIFIED if it holds something else
 void WriteVerified(const CONTENTS& before, BYTE_VIEW expected, const std::string& backup,
                    const std::function<void(const PROGRESS&)>& write);
 
-/// The areas of FIELD words that are damaged, or not to be found behind a damaged header: a note of what is wrong with
-/// the FRU and, where one of `areas` is concerned, the failure to end with.
+/// Notes damage of the FRU. @throws CToolError if one of `areas` is damaged, or missing behind a damaged header
 void RequireAreas(const CONTENTS& contents, const std::vector<AREA_ID>& areas);
 
 /// A new command with its help; `examples` are shown behind the options.

@@ -31,7 +31,7 @@ std::string BackupStem(const SOURCE& device) {
     return fmt::format("fru-backup-{}-{}.{}", stem, stamp, device.kind == SOURCE::TEXT ? "fru" : "bin");
 }
 
-/// One that is not taken: an older backup must survive.
+/// An unused one: an older backup must survive.
 std::string BackupName(const SOURCE& device, const std::string& given) {
     namespace fs = std::filesystem;
     std::error_code ignored;
@@ -52,13 +52,13 @@ std::string Quoted(std::string_view word) {
     return text + "'";
 }
 
-/// By its address, which names one device whatever the repository calls it and its neighbours.
+/// By its address: names of the repository may not be unique.
 std::string DeviceArgument(const SOURCE& device) {
     const std::string address = DeviceText(device);
     return address == AddressText({}) ? "system" : device.isEeprom ? Quoted(address) : address;
 }
 
-/// How a plan gets onto a device: through the library where it writes exactly that, else byte by byte.
+/// The way of a plan onto a device: through the library if it writes exactly that, else byte by byte.
 std::optional<LIBRARY_CHANGES> ThroughLibrary(const CONTENTS& contents, const PLAN& plan) {
     if (contents.source.isEeprom || contents.bytes.size() != plan.bytes.size())
         return std::nullopt;
@@ -83,7 +83,7 @@ nlohmann::json JsonSteps(const PLAN& plan) {
     return steps;
 }
 
-/// Writes with a progress bar, and to its end whatever the terminal says. A failure says how far it came.
+/// Writes with a progress bar, to the end in spite of signals. A failure tells how far it came.
 void Write(const SOURCE& device, const std::function<void(const PROGRESS&)>& work) {
     const CFinish finish;
     CProgressBar bar("writing " + device.label);
@@ -117,8 +117,8 @@ CONTENTS OpenWhole(const SOURCE& device) {
     return Open(device, READING::WHOLE, bar.Sink());
 }
 
-/// Reads a device back. @throws CToolError EXIT_UNVERIFIED where it does not hold `expected`, with what `before`,
-/// its contents until then as far as they are known, tells about the reason
+/// Reads a device back. @throws CToolError EXIT_UNVERIFIED if it does not hold `expected`, with the reason that
+/// `before`, its former contents as far as they are known, suggests
 void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) {
     const BYTES after = ReadDevice(device, READING::AREAS, expected.size()).bytes;
     std::optional<std::size_t> first;
@@ -127,7 +127,7 @@ void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) 
         if (offset < after.size() && after[offset] == expected[offset])
             continue;
         first = first.value_or(offset);
-        // A byte that is neither the old nor the new one is a third party's.
+        // A byte that is neither the old nor the new one comes from a third party.
         dropped = dropped && (offset >= after.size() || offset >= before.size() || after[offset] == before[offset]);
     }
     if (!first)

@@ -13,7 +13,7 @@ namespace Fructl {
 
 namespace {
 
-/// The area of a word; the info areas are reached field by field.
+/// The area of a word; the info areas have fields instead.
 AREA_ID RawArea(const std::vector<std::string>& words, std::size_t count, const char* command) {
     if (words.size() != count)
         throw CToolError(EXIT_USAGE, command, count == 1 ? "an area is missing" : "an area and a file are wanted",

@@ -33,9 +33,9 @@ PLAN PlanOf(const CONTENTS& contents, const WORDS& words, const EDIT_OPTIONS& op
     return MakePlan(contents, ParseEdits(words, options), options.limits);
 }
 
-/// Puts the reason behind each line that cannot be made beside those in front of it.
+/// Puts the reason behind each line whose change conflicts with earlier ones.
 void Blame(CEditedText& text, const CONTENTS& contents, const EDIT_OPTIONS& options) {
-    // What goes makes room for what comes.
+    // Removals make room for additions.
     WORDS accepted = text.Removals(contents);
     for (CEditedText::LINE& line : text.Lines()) {
         const std::string word = text.Word(line, contents);
@@ -51,7 +51,7 @@ void Blame(CEditedText& text, const CONTENTS& contents, const EDIT_OPTIONS& opti
     }
 }
 
-/// What the text makes of `contents`; nothing where a line, or with `problem` the whole of it, is wrong.
+/// The plan of the text; nothing if a line or, with `problem`, the whole is wrong.
 std::optional<PLAN> Understood(CEditedText& text, const CONTENTS& contents, const EDIT_OPTIONS& options,
                                std::string& problem) {
     if (!text.Problems().empty())
@@ -71,7 +71,7 @@ std::optional<PLAN> Understood(CEditedText& text, const CONTENTS& contents, cons
     return std::nullopt;
 }
 
-/// Minutes may pass in an editor: what it was given must still be there.
+/// Checks that the source has not changed during the minutes in an editor.
 void CheckUnchanged(const CONTENTS& contents) {
     const SOURCE& source = contents.source;
     if (source.label == STANDARD_STREAM)
@@ -83,7 +83,7 @@ void CheckUnchanged(const CONTENTS& contents) {
         throw CToolError(EXIT_REFUSED, source.label, "it was changed while it was edited; nothing was written");
 }
 
-/// Lets the text be edited until it is understood, or comes back as wrong as it was.
+/// Lets a person edit the text until it is right or comes back unchanged.
 PLAN EditedPlan(const CONTENTS& contents, const EDIT_OPTIONS& options) {
     const CEditor editor;
     std::string shown = EditText(contents);
@@ -99,7 +99,7 @@ PLAN EditedPlan(const CONTENTS& contents, const EDIT_OPTIONS& options) {
             return std::move(*plan);
         }
         const std::string present = text.Text();
-        // A script in the editor's place would be asked for ever.
+        // A script in the editor's place would never end this loop.
         const bool isScript = isatty(STDERR_FILENO) == 0 && !before.empty();
         if (present == before || isScript)
             throw CToolError(EXIT_REFUSED, "edit", problem.empty() ? text.Problems() : problem,

@@ -23,7 +23,7 @@ bool IsPattern(const std::string& word) {
     return word.find_first_of("*?[") != std::string::npos;
 }
 
-/// Whether the word names fields; one that begins as a name does is none of a file that is not there.
+/// Whether the word names fields. One that begins like a name is no missing file.
 bool IsFieldWord(const std::string& word) {
     if (IsPattern(word) || FruImage::ParseFieldName(word) || ParseRecordName(word))
         return true;
@@ -40,7 +40,7 @@ std::vector<AREA_ID> AreasOf(const std::vector<std::string>& words) {
     return areas;
 }
 
-/// What a word asks for, in the order of the FRU. @throws CToolError for nothing
+/// The entries of a word, in the order of the FRU. @throws CToolError if there are none
 std::vector<ENTRY> Wanted(const CONTENTS& contents, const std::string& word) {
     std::vector<ENTRY> wanted;
     if (IsPattern(word)) {
@@ -60,7 +60,7 @@ std::vector<ENTRY> Wanted(const CONTENTS& contents, const std::string& word) {
     return wanted;
 }
 
-/// One source: its values, a line each behind `prefix`, and as JSON.
+/// The values of one source: a line each behind `prefix`, and as JSON.
 nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& words, const GET_OPTIONS& options,
                       const std::string& prefix) {
     nlohmann::json values = nlohmann::json::object();

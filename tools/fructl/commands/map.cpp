@@ -63,7 +63,7 @@ std::string ColoredRuns(const std::string& line) {
     return text;
 }
 
-/// One cell stands for several bytes of a large image, and shows the first of them that is used.
+/// One cell stands for several bytes of a large image and shows the first used one.
 std::string Picture(const std::string& letters) {
     std::size_t bytesPerCell = 1;
     while (letters.size() > COLUMNS * MAXIMUM_ROWS * bytesPerCell)

@@ -16,7 +16,7 @@ struct NEW_OPTIONS {
     EDIT_OPTIONS edits;
 };
 
-/// What the document, or nothing, is built into.
+/// The image that the document, or nothing, builds.
 BYTES Built(const JSON_IMAGE& json, const NEW_OPTIONS& options) {
     FruImage::DESCRIPTION description = json.description;
     if (options.edits.limits.deviceSize != 0)

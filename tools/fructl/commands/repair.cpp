@@ -8,7 +8,7 @@ namespace Fructl {
 
 namespace {
 
-/// Nothing is guessed: what stays damaged is said, and a plan of nothing is a failure.
+/// Guesses nothing: tells the remaining damage, and fails without a repair.
 PLAN RepairPlan(const CONTENTS& contents) {
     auto plan = FruImage::Repair(contents.fru);
     if (plan)

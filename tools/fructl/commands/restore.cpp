@@ -20,7 +20,7 @@ namespace Fructl {
 
 namespace {
 
-/// What a device holds now, as far as it can be read: what cannot be read may still be repaired.
+/// The contents of a device, as far as it can be read: a restore may repair the rest.
 CONTENTS PresentContents(const SOURCE& device) {
     try {
         CONTENTS contents = Open(device, READING::RESCUE);
@@ -33,7 +33,7 @@ CONTENTS PresentContents(const SOURCE& device) {
     }
 }
 
-/// Whether everything that tells what a product is differs, and there is enough of it.
+/// Whether all fields that identify a product differ, and there are enough of them.
 bool IsOtherProduct(const FRU& present, const FRU& image) {
     constexpr const char* IDENTITY[] = {"product.manufacturer", "product.name",       "product.part-number",
                                         "board.manufacturer",   "board.product-name", "board.part-number"};
@@ -59,13 +59,13 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
         throw CToolError(
             EXIT_REFUSED, present.source.label,
             fmt::format("the image has {}, the device {}", Counted(image.bytes.size(), "byte"), present.bytes.size()));
-    // What an interrupted write leaves tells nothing about the product.
+    // The remains of an interrupted write tell nothing about the product.
     if (present.fru.IsSound() && IsOtherProduct(present.fru, image) && !Settings().force)
         throw CToolError(EXIT_REFUSED, backup, "it belongs to another product than the one that is there",
                          "--force writes it nevertheless");
 }
 
-/// Field by field, and which of the two says it is what.
+/// The products of both, field by field.
 std::string DifferenceText(const CONTENTS& present, const std::string& backup, const FRU& image) {
     const auto product = [](const FRU& fru) {
         const std::string text = Printable(ProductText(fru));
@@ -89,7 +89,7 @@ FRU ReadBackup(const std::string& backup) {
     return FruImage::Parse(bytes);
 }
 
-/// Writes the image over what is there. @return the backup of that; empty: none
+/// Writes the image over the contents. @return their backup; empty: none
 std::string WriteOver(const CONTENTS& present, const BYTES& image, const WRITE_OPTIONS& options) {
     const bool isKept = !options.noBackup && !present.bytes.empty();
     std::string backup = isKept ? KeepBackup(present.source, present.bytes, options.backup) : "";

@@ -26,7 +26,7 @@ void Save(const SOURCE& source, const TARGET& target) {
             fmt::format("{} holds the {} in front of it", target.path, Counted(contents.bytes.size(), "byte")));
 }
 
-/// A file name from the name of a device: nothing in it steers a shell or a path.
+/// A file name from the name of a device, without characters that a shell or a path interprets.
 std::string SafeName(const SOURCE& device) {
     std::string name = device.label;
     std::replace_if(

@@ -20,7 +20,7 @@ namespace {
 
 using nlohmann::json;
 
-/// One device of a scan: what it holds, or why it could not be read.
+/// One device of a scan: its contents, or why it could not be read.
 struct SCANNED {
     CONTENTS contents;
     std::string error;
@@ -61,7 +61,7 @@ std::string Problem(const SCANNED& one) {
     return one.error.empty() ? ProblemText(one.contents.fru) : one.error;
 }
 
-/// Name, address, what it is, serial number, asset tag; the status behind them may be longer than the line.
+/// Name, address, product, serial number, asset tag; the status behind them may pass the end of the line.
 std::vector<std::string> Row(const SCANNED& one) {
     const FRU& fru = one.contents.fru;
     const SOURCE& source = one.contents.source;
@@ -88,7 +88,7 @@ std::string ScanTable(const std::vector<SCANNED>& frus) {
     return Table(rows);
 }
 
-/// RFC 4180: in quotes where it has a comma, a quote or a line end.
+/// RFC 4180: in quotes if it has a comma, a quote or a line end.
 std::string CsvLine(const std::vector<std::string>& cells) {
     std::string line;
     for (const std::string& cell : cells) {
@@ -210,7 +210,7 @@ void Info() {
             RunSession(source.label, [&](const PROGRESS&) { return ProbeInChild(source); });
             ++valid;
         } catch (const CToolError&) {
-            // One that does not answer is not counted.
+            // A silent one does not count.
         }
     }
     const std::string version = bmc["version"] == IPMI_VERSION_20   ? "2.0"

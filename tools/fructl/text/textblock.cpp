@@ -26,7 +26,7 @@ void AddBytes(std::vector<BLOCK_ITEM>& items, BYTE_VIEW bytes) {
         items.push_back({{byte}, false, {}});
 }
 
-/// A value that has no quoted form is told in a comment.
+/// A comment tells a value that has no quoted form.
 BLOCK_ITEM ValueItem(const FIELD& field) {
     if (field.encoding == ENCODING::TEXT && CanBeQuoted(field.bytes))
         return {field.bytes, true, {}};

@@ -16,7 +16,7 @@ using namespace FruImage;
 constexpr std::string_view FORMAT_VERSION = "1.50";
 constexpr std::string_view IPMI_VERSION = "1.00";
 
-/// What quotes can hold; what they cannot is left out.
+/// The text without characters that quotes cannot hold.
 std::string Quotable(std::string text) {
     std::erase_if(text,
                   [](char character) { return character == QUOTE || static_cast<unsigned char>(character) < ' '; });

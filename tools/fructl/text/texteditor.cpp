@@ -1,4 +1,4 @@
-// Editing a FRU text file line by line: what stands for the same bytes stays, and so does every comment.
+// Editing a FRU text file line by line: lines of unchanged bytes stay, and so does every comment.
 #include "tools/fructl/text/frutext.h"
 #include "tools/fructl/text/textblock.h"
 #include "tools/fructl/text/textkeys.h"
@@ -41,7 +41,7 @@ ITEMS Part(const ITEMS& items, std::size_t begin, std::size_t end) {
     return part;
 }
 
-/// Where the old lines' bytes are found again, so that as many bytes as possible stay on their lines.
+/// The places of the old lines' bytes in the new ones that keep most bytes on their lines.
 class CMatch {
   public:
     CMatch(std::span<const TEXT_LINE> lines, const ITEMS& items) : m_lines(lines), m_bytes(Join(items)) {
@@ -58,7 +58,7 @@ class CMatch {
                                               offset2 < m_bytes.size() ? At(line, offset2 + 1) : 0U});
     }
 
-    /// For each line the offset of its bytes; none: they are not there any more, or the line has none.
+    /// For each line the offset of its bytes; none if they are gone or the line has none.
     std::vector<std::optional<std::size_t>> Places() const {
         std::vector<std::optional<std::size_t>> places(m_lines.size());
         std::size_t offset = 0;
@@ -78,7 +78,7 @@ class CMatch {
     unsigned& At(std::size_t line, std::size_t offset) { return m_kept[line * Width() + offset]; }
     unsigned At(std::size_t line, std::size_t offset) const { return m_kept[line * Width() + offset]; }
 
-    /// What is kept from here on where this line's bytes stand at `offset`; 0 where they do not. Of two places the one
+    /// The bytes kept from here on if this line's are at `offset`; 0 if they are not. Of two places the one
     /// where a value begins is better.
     unsigned Keep(std::size_t line, std::size_t offset) const {
         const BYTES& bytes = m_lines[line].bytes;
@@ -99,7 +99,7 @@ std::string Whole(const TEXT_LINE& line) {
     return line.text + line.end;
 }
 
-/// The line with other bytes in the place of its own; its comment stays.
+/// The line with other bytes and its own comment.
 std::string Replaced(const TEXT_LINE& line, const BLOCK_ITEM& item) {
     std::string comment = line.text.substr(line.codeEnd);
     if (comment.empty() && !item.comment.empty())
@@ -141,7 +141,7 @@ class CEditor {
             Add(m_line == m_before.lengthLine ? LengthLine() : Whole(m_before.lines[m_line]));
     }
 
-    /// _DATA_LEN tells the whole image's bytes; it follows where areas came, went or moved.
+    /// Updates _DATA_LEN, the bytes of the whole image, after areas came, went or moved.
     std::string LengthLine() const {
         const TEXT_LINE& line = m_before.lines[m_line];
         if (m_image.bytes.size() == m_before.image.size())
@@ -151,7 +151,7 @@ class CEditor {
                            line.text.substr(line.codeEnd), line.end);
     }
 
-    /// Blocks of areas that the file lacks, in front of that of `next`. Their order is that of the header.
+    /// Blocks of areas that the file lacks, before that of `next`, in the order of the header.
     void AddMissing(AREA_ID next, std::size_t line) {
         for (const AREA& area : m_image.areas) {
             const bool isNew = std::none_of(m_before.blocks.begin(), m_before.blocks.end(),

@@ -18,7 +18,7 @@ bool Contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-/// What stands between the first two quotes.
+/// The text between the first two quotes.
 std::optional<std::string_view> Quoted(std::string_view code) {
     const std::size_t open = code.find(QUOTE);
     const std::size_t close = open == std::string_view::npos ? open : code.find(QUOTE, open + 1);
@@ -86,7 +86,7 @@ constexpr STEP STEPS[] = {
     {"_DEV_BUS", VALUE::NUMBER, 0xFF},
     {"_DEV_ADDRESS", VALUE::NUMBER, 0xFF},
 };
-/// What stands in the place of the device id, the controller and the LUN where the FRU is behind a mini-BMC.
+/// The keys of a FRU behind a mini-BMC, in place of device id, controller and LUN.
 constexpr STEP MINI_BMC_STEPS[] = {{"_MBMC_SIZE_ADRS", VALUE::NUMBER, 0xFF},
                                    {"_MBMC_SIZE_DATA", VALUE::NUMBER, 0xFFFFFFFF}};
 constexpr std::size_t TYPE_STEP = 8;
@@ -112,7 +112,7 @@ class CReader {
     bool FaultHere(std::string text) { return Fault(m_line + 1, std::move(text)); }
     std::string_view Code() const { return m_text.lines[m_line].Code(); }
 
-    /// Moves to the next line with `key`, or with that of the step behind it where `step` is optional.
+    /// Moves to the next line with `key` or, if `step` is optional, with that of the following step.
     bool Find(std::string_view key, std::string_view other = {}) {
         while (m_line < m_text.lines.size() && !Contains(Code(), key) && (other.empty() || !Contains(Code(), other)))
             ++m_line;
@@ -163,7 +163,7 @@ class CReader {
         }
     }
 
-    /// Without its parenthesis it is no opening.
+    /// Without its parenthesis the line opens nothing.
     bool FindOpening(std::string_view key) {
         while (Find(key)) {
             if (Contains(Code(), "("))
@@ -270,7 +270,7 @@ BYTES AreaBytes(const TEXT_BLOCK& block) {
     return bytes;
 }
 
-/// Puts the areas at the places that the header names.
+/// Puts the areas at the offsets of the header.
 void PlaceAreas(FRU_TEXT& text) {
     std::vector<std::pair<RANGE, const TEXT_BLOCK*>> placed;
     for (const TEXT_BLOCK& block : text.blocks) {
