@@ -20,7 +20,7 @@ struct SCRIPT {
     UINT8 sendCode = 0;
 };
 
-class Transport : public testing::Test {
+class CTransportTest : public testing::Test {
   protected:
     void SetUp() override {
         SetLibDebugLevel(0);
@@ -71,7 +71,7 @@ class Transport : public testing::Test {
     static inline BMC_MESSAGE m_Response;
 };
 
-TEST_F(Transport, DirectRequest) {
+TEST_F(CTransportTest, DirectRequest) {
     BYTES answer = {0x2C, 0x11, 0xC9, 5, 6};
     g_host.m_Answer = [&answer](const BYTES&) { return answer; };
     m_Response.data[65534] = 0xEE;
@@ -97,7 +97,7 @@ TEST_F(Transport, DirectRequest) {
     EXPECT_TRUE(g_host.m_Written.empty());
 }
 
-TEST_F(Transport, BridgedRequest) {
+TEST_F(CTransportTest, BridgedRequest) {
     g_host.m_Attention = 0;
     for (const auto& [address, channel] : {std::pair(0x72, 0), {0x2C, 6}, {0x24, 0}}) {
         EXPECT_EQ(Send(address, 0x04), 0);
@@ -111,7 +111,7 @@ TEST_F(Transport, BridgedRequest) {
     EXPECT_EQ(g_host.m_SleptMilliseconds, 3U * 502) << "attention is awaited";
 }
 
-TEST_F(Transport, SequenceNumbers) {
+TEST_F(CTransportTest, SequenceNumbers) {
     ASSERT_EQ(Send(), 0);
     int sequence = Sequence();
     for (int request = 0; request < 70; ++request) {
@@ -126,7 +126,7 @@ TEST_F(Transport, SequenceNumbers) {
     }
 }
 
-TEST_F(Transport, Polling) {
+TEST_F(CTransportTest, Polling) {
     const SCRIPT rows[] = {
         {"stale answers", Message(0), 3000, 0, 1, 3001},
         {"busy", {0x83}, 3000, 0, 1, 3001},
@@ -153,7 +153,7 @@ TEST_F(Transport, Polling) {
     EXPECT_EQ(g_host.m_SleptMilliseconds, 23000U);
 }
 
-TEST_F(Transport, BmcTypes) {
+TEST_F(CTransportTest, BmcTypes) {
     BYTES product;
     int silentAt = 0;
     g_host.m_Answer = [&](const BYTES&) {
@@ -180,7 +180,7 @@ TEST_F(Transport, BmcTypes) {
     }
 }
 
-TEST_F(Transport, SessionLibrary) {
+TEST_F(CTransportTest, SessionLibrary) {
     constexpr struct {
         _IPMI_INTERFACE_TYPE type;
         size_t length;

@@ -52,7 +52,7 @@ pid_t StartFructl(const std::vector<std::string>& arguments, const std::string& 
     _exit(126);
 }
 
-class CWriters : public CFructlTest, public testing::WithParamInterface<DEVICE> {
+class CWritersTest : public CFructlTest, public testing::WithParamInterface<DEVICE> {
   protected:
     WRITER Start(std::size_t number) {
         WRITER writer{0, GetParam().fields[number], "v" + std::to_string(10000 + m_number++), {}};
@@ -103,7 +103,7 @@ class CWriters : public CFructlTest, public testing::WithParamInterface<DEVICE> 
     std::minstd_rand m_random{17};
 };
 
-TEST_P(CWriters, AskedToEnd) {
+TEST_P(CWritersTest, AskedToEnd) {
     unsigned int ended = 0;
     for (unsigned int round = 0; round < 12; ++round) {
         const std::vector<WRITER> writers = RunRound(SIGTERM);
@@ -118,7 +118,7 @@ TEST_P(CWriters, AskedToEnd) {
     EXPECT_GT(ended, 0U);
 }
 
-TEST_P(CWriters, Killed) {
+TEST_P(CWritersTest, Killed) {
     unsigned int torn = 0;
     for (unsigned int round = 0; round < 12; ++round) {
         const std::vector<WRITER> writers = RunRound(SIGKILL, FRUCTL_DIES[0] != 0 && round % 3 != 0);
@@ -142,7 +142,7 @@ TEST_P(CWriters, Killed) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    , CWriters,
+    , CWritersTest,
     testing::Values(DEVICE{"PSU 1", "psu.bin", 19, {"product.serial-number", "product.manufacturer"}},
                     DEVICE{"system",
                            "bmc.bin",

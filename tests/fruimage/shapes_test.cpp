@@ -8,9 +8,9 @@ namespace {
 
 const std::string LONG = "Asset tag of forty characters, 0123456789";
 
-class EachShape : public testing::TestWithParam<SHAPE> {};
+class CShapeTest : public testing::TestWithParam<SHAPE> {};
 
-TEST_P(EachShape, Read) {
+TEST_P(CShapeTest, Read) {
     const FRU fru = Parse(GetParam().image);
     EXPECT_EQ(Damages(fru), GetParam().damages);
     for (const AREA& area : fru.areas)
@@ -26,7 +26,7 @@ TEST_P(EachShape, Read) {
     }
 }
 
-TEST_P(EachShape, DescribedAndBuilt) {
+TEST_P(CShapeTest, DescribedAndBuilt) {
     const FRU fru = Parse(GetParam().image);
     const Result<DESCRIPTION> description = Describe(fru);
     EXPECT_EQ(static_cast<bool>(description), fru.state == STATE::FRU && GetParam().name != "records on top of board");
@@ -35,7 +35,7 @@ TEST_P(EachShape, DescribedAndBuilt) {
     }
 }
 
-TEST_P(EachShape, Grown) {
+TEST_P(CShapeTest, Grown) {
     const FRU fru = Parse(GetParam().image);
     const EDIT edit = Set("product.asset-tag", LONG);
     const Result<PLAN> plan = Apply(fru, {&edit, 1}, {.deviceSize = std::max<std::size_t>(fru.bytes.size(), 256)});
@@ -58,7 +58,7 @@ TEST_P(EachShape, Grown) {
     ExpectGoodPlan(fru, *plan);
 }
 
-TEST_P(EachShape, Repaired) {
+TEST_P(CShapeTest, Repaired) {
     const FRU fru = Parse(GetParam().image);
     const Result<PLAN> plan = Repair(fru);
     ASSERT_EQ(plan ? std::nullopt : std::optional(plan.Error().code), GetParam().repair) << plan.Error().text;
@@ -72,7 +72,7 @@ TEST_P(EachShape, Repaired) {
     ExpectGoodPlan(fru, *plan);
 }
 
-TEST_P(EachShape, WantedRangesAreEnough) {
+TEST_P(CShapeTest, WantedRangesAreEnough) {
     const BYTES& device = GetParam().image;
     BYTES known(device.size(), 0xAA);
     std::vector<RANGE> read;
@@ -93,7 +93,7 @@ TEST_P(EachShape, WantedRangesAreEnough) {
         ExpectSameArea(whole, part, area.id);
 }
 
-INSTANTIATE_TEST_SUITE_P(Image, EachShape, testing::ValuesIn(Shapes()), [](const auto& row) {
+INSTANTIATE_TEST_SUITE_P(Image, CShapeTest, testing::ValuesIn(Shapes()), [](const auto& row) {
     std::string name = row.param.name;
     for (char& character : name)
         character = std::isalnum(static_cast<unsigned char>(character)) ? character : '_';

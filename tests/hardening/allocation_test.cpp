@@ -61,9 +61,9 @@ namespace {
 
 /// At the level of the debug log that is the parameter: its lines need memory, too. At the default level memory that
 /// has run out stays so, and the failure's line lacks it.
-class CAllocation : public CHardeningTest, public testing::WithParamInterface<unsigned int> {
+class CAllocationTest : public CHardeningTest, public testing::WithParamInterface<unsigned int> {
   protected:
-    CAllocation() { g_failsOn = GetParam() == 1; }
+    CAllocationTest() { g_failsOn = GetParam() == 1; }
     template <typename OPERATE> EFI_STATUS AtLevel(OPERATE operate) {
         SetLibDebugLevel(GetParam());
         const EFI_STATUS status = operate();
@@ -109,7 +109,7 @@ class CAllocation : public CHardeningTest, public testing::WithParamInterface<un
 };
 
 // The C library does without a buffer for a stream: such a failure shows in no status.
-TEST_P(CAllocation, EveryOperation) {
+TEST_P(CAllocationTest, EveryOperation) {
     const auto again = [this] { LoadAgain(); };
     const auto nothing = [](EFI_STATUS) {};
     LoadAgain();
@@ -179,7 +179,7 @@ TEST_P(CAllocation, EveryOperation) {
         nothing);
 }
 
-TEST_P(CAllocation, EveryValue) {
+TEST_P(CAllocationTest, EveryValue) {
     constexpr FRU_AREA AREAS[] = {FRU_AREA_INTERNAL_USE, FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT};
     bool isMissing = false;
     for (const FRU_AREA area : AREAS) {
@@ -233,7 +233,7 @@ TEST_P(CAllocation, EveryValue) {
         [](EFI_STATUS) {});
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, CAllocation, testing::Values(0U, 1U, 3U));
+INSTANTIATE_TEST_SUITE_P(Levels, CAllocationTest, testing::Values(0U, 1U, 3U));
 
 } // namespace
 } // namespace Frudata_Tests

@@ -44,7 +44,7 @@ constexpr FAULT FAULTS[] = {
     {FAULT_ACTION::COMPLETION_CODE, 0xC0, BUSY},
 };
 
-class CFaults : public CHardeningTest {
+class CFaultsTest : public CHardeningTest {
   protected:
     /// Lets `operate` meet each fault, once and persisting, at each request. `prepare` runs on a good server
     /// before, `check` after it: it throws where the library is not as it should be. Then all must work again.
@@ -83,9 +83,9 @@ class CFaults : public CHardeningTest {
     }
 };
 
-class CDeviceFaults : public CFaults, public testing::WithParamInterface<DEVICE> {};
+class CDeviceFaultsTest : public CFaultsTest, public testing::WithParamInterface<DEVICE> {};
 
-TEST_P(CDeviceFaults, Load) {
+TEST_P(CDeviceFaultsTest, Load) {
     static constexpr EFI_STATUS DOCUMENTED[] = {FRU_STATUS_SUCCESS,
                                                 FRU_STATUS_NOT_IPMI_FRU,
                                                 FRU_STATUS_CHECKSUM_ERROR,
@@ -116,7 +116,7 @@ TEST_P(CDeviceFaults, Load) {
         });
 }
 
-TEST_P(CDeviceFaults, Commit) {
+TEST_P(CDeviceFaultsTest, Commit) {
     std::string before;
     Campaign(
         std::string("commit, ") + GetParam().name,
@@ -134,10 +134,10 @@ TEST_P(CDeviceFaults, Commit) {
         });
 }
 
-INSTANTIATE_TEST_SUITE_P(Devices, CDeviceFaults, testing::Values(BMC_DEVICE, BRIDGED_DEVICE, EEPROM_DEVICE),
+INSTANTIATE_TEST_SUITE_P(Devices, CDeviceFaultsTest, testing::Values(BMC_DEVICE, BRIDGED_DEVICE, EEPROM_DEVICE),
                          [](const auto& device) { return device.param.name; });
 
-TEST_F(CFaults, Scan) {
+TEST_F(CFaultsTest, Scan) {
     Campaign(
         "scan", [this] { Restart(); },
         [] { // The scan has one status: its result is the number of locators.
@@ -152,7 +152,7 @@ TEST_F(CFaults, Scan) {
         [](EFI_STATUS count) { Require(count <= 2, "more locators than records"); });
 }
 
-TEST_F(CFaults, PowerCut) {
+TEST_F(CFaultsTest, PowerCut) {
     const auto prepare = [this] {
         Restart();
         Require(Load(BMC_DEVICE) == 0, "the device cannot be loaded");

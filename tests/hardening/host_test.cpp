@@ -66,16 +66,16 @@ bool CLoadedLibrary::WorkOnce(const WCHAR* name) const {
     return length == sizeof value && std::equal(value, value + length, data);
 }
 
-class CHost : public testing::Test {
+class CHostTest : public testing::Test {
   protected:
-    CHost() : m_before(fs::current_path()) {
+    CHostTest() : m_before(fs::current_path()) {
         std::string name = (fs::temp_directory_path() / "frudata-XXXXXX").string();
         fs::current_path(mkdtemp(name.data()));
         fs::create_directory_symlink(FRUDATA_TEXTS "/enus", "enus");
         m_bmc.AddFruDevice(0, SampleBmcFru());
         SetCurrentBmc(&m_bmc);
     }
-    ~CHost() override {
+    ~CHostTest() override {
         SetCurrentBmc(nullptr);
         const fs::path used = fs::current_path();
         fs::current_path(m_before);
@@ -99,7 +99,7 @@ HOLDINGS Holdings() {
             std::count(std::istreambuf_iterator<char>(maps), {}, '\n'), mallinfo2().uordblks};
 }
 
-TEST_F(CHost, LoadsAndUnloadsAThousandTimes) {
+TEST_F(CHostTest, LoadsAndUnloadsAThousandTimes) {
     HOLDINGS first = {};
     for (unsigned int cycle = 0; cycle < 1010; ++cycle) {
         {
@@ -117,7 +117,7 @@ TEST_F(CHost, LoadsAndUnloadsAThousandTimes) {
     EXPECT_LT(last.memory, first.memory + 4096);
 }
 
-TEST_F(CHost, ForksAfterTheStart) {
+TEST_F(CHostTest, ForksAfterTheStart) {
     const CLoadedLibrary library;
     ASSERT_TRUE(library.WorkOnce(L"before.fru"));
     const pid_t child = fork();
@@ -137,7 +137,7 @@ TEST_F(CHost, ForksAfterTheStart) {
 }
 
 // Calls are serialised by the host; nothing in the library belongs to the thread that has started it.
-TEST_F(CHost, LogsFromOneThreadAndCallsFromAnother) {
+TEST_F(CHostTest, LogsFromOneThreadAndCallsFromAnother) {
     constexpr unsigned int LINES = 300;
     const CLoadedLibrary library;
     const auto log = library.Function<void (*)(const wchar_t*, unsigned int, ...)>("Dbg");

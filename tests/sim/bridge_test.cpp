@@ -14,13 +14,13 @@ BYTES WithBytes(BYTES message, std::initializer_list<std::pair<std::size_t, int>
     return message;
 }
 
-class Bridge : public testing::Test {
+class CBridgeTest : public testing::Test {
   protected:
     void SetUp() override { bmc.AddController(0, 0xC0).AddFruDevice(0, Counting(0x70, 16)); }
     CSimulatedBmc bmc;
 };
 
-TEST_F(Bridge, FramesTheAnswer) {
+TEST_F(CBridgeTest, FramesTheAnswer) {
     EXPECT_EQ(Ask(bmc, 6, 0x31), (BYTES{0, 0}));
     EXPECT_EQ(Ask(bmc, 6, 0x34, READ_TWO_BYTES), BYTES{0});
     EXPECT_TRUE(bmc.HasMessage());
@@ -29,7 +29,7 @@ TEST_F(Bridge, FramesTheAnswer) {
     EXPECT_EQ(Ask(bmc, 6, 0x33), BYTES{0x80});
 }
 
-TEST_F(Bridge, RefusesOrDrops) {
+TEST_F(CBridgeTest, RefusesOrDrops) {
     const struct {
         const char* what;
         BYTES message;
@@ -51,7 +51,7 @@ TEST_F(Bridge, RefusesOrDrops) {
     }
 }
 
-TEST_F(Bridge, QueueHoldsSixteenAndClears) {
+TEST_F(CBridgeTest, QueueHoldsSixteenAndClears) {
     for (int message = 0; message < 20; ++message)
         Ask(bmc, 6, 0x34, READ_TWO_BYTES);
     for (int message = 0; message < 16; ++message)
@@ -63,7 +63,7 @@ TEST_F(Bridge, QueueHoldsSixteenAndClears) {
     EXPECT_FALSE(bmc.HasMessage());
 }
 
-TEST_F(Bridge, Faults) {
+TEST_F(CBridgeTest, Faults) {
     bmc.AddFault({.action = FAULT_ACTION::STALE_MESSAGES, .value = 2, .times = 1});
     bmc.AddFault({.action = FAULT_ACTION::WRONG_SEQUENCE, .occurrence = 2, .times = 1});
     bmc.AddFault({.action = FAULT_ACTION::SILENCE, .controller = UINT8{0xC0}, .occurrence = 3, .times = 1});
@@ -77,7 +77,7 @@ TEST_F(Bridge, Faults) {
     }
 }
 
-TEST_F(Bridge, RecordsBothRequests) {
+TEST_F(CBridgeTest, RecordsBothRequests) {
     bmc.SetRecording(true);
     Ask(bmc, 6, 0x34, READ_TWO_BYTES);
     EXPECT_EQ(FormatExchanges(bmc.Exchanges()),

@@ -26,7 +26,7 @@ struct STEP {
     int output = -1; ///< what the data port then reads, if it is read
 };
 
-class Kcs : public testing::Test {
+class CKcsFrontTest : public testing::Test {
   protected:
     void SetUp() override {
         bmc.AddFruDevice(0, BYTES{0x11, 0x22});
@@ -52,7 +52,7 @@ const std::vector<STEP> WRITE_PHASE{
     {DATA, 0x01, 0x80},   {DATA, 0x00, 0x80}, {STATUS, 0x62, 0x80},
 };
 
-TEST_F(Kcs, Transfer) {
+TEST_F(CKcsFrontTest, Transfer) {
     EXPECT_EQ(inb(STATUS), 0x00);
     Play(WRITE_PHASE);
     Play({{DATA, 0x01, 0x41, 0x2C},
@@ -69,7 +69,7 @@ TEST_F(Kcs, Transfer) {
     EXPECT_EQ(inb(0x0CA4), 0xFF);
 }
 
-TEST_F(Kcs, AbortRecovers) {
+TEST_F(CKcsFrontTest, AbortRecovers) {
     Play({{STATUS, 0x61, 0x80},
           {DATA, 0x18, 0x80},
           {STATUS, 0x60, 0xC0},
@@ -84,7 +84,7 @@ TEST_F(Kcs, AbortRecovers) {
     Play({{STATUS, 0x61, 0x80}, {STATUS, 0x62, 0x80}, {DATA, 0x18, 0xC0}}); // a frame of one byte
 }
 
-TEST_F(Kcs, SlowAndStuck) {
+TEST_F(CKcsFrontTest, SlowAndStuck) {
     kcs.Options() = {.notReadyPolls = 2, .notReadyOutput = 1, .outputWhileWriting = true};
     outb(0x61, STATUS);
     for (const int expected : {0x82, 0x82, 0x80, 0x81})
@@ -99,7 +99,7 @@ TEST_F(Kcs, SlowAndStuck) {
     EXPECT_EQ(inb(STATUS) & 0xC0, 0xC0);
 }
 
-TEST_F(Kcs, FaultsAndAttention) {
+TEST_F(CKcsFrontTest, FaultsAndAttention) {
     kcs.Options().errorAfterBytes = 2;
     Play(WRITE_PHASE);
     Play({{DATA, 0x01, 0x41, 0x2C}, {DATA, 0x68, 0x41, 0x11}, {DATA, 0x68, 0xC0}});

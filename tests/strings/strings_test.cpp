@@ -36,7 +36,7 @@ RUN RunCompiler(const std::string& arguments) {
     return {WEXITSTATUS(pclose(pipe)), output};
 }
 
-class CStrings : public testing::Test {
+class CStringsTest : public testing::Test {
   protected:
     void SetUp() override { m_source = ReadFile(STRC_SOURCE); }
     void TearDown() override {
@@ -52,7 +52,7 @@ class CStrings : public testing::Test {
     std::string m_source;
 };
 
-TEST_F(CStrings, RefusesFaultySources) {
+TEST_F(CStringsTest, RefusesFaultySources) {
     const struct {
         const char* from;
         const char* to;
@@ -99,7 +99,7 @@ TEST_F(CStrings, RefusesFaultySources) {
     }
 }
 
-TEST_F(CStrings, KeepsWhatTheSourceSays) {
+TEST_F(CStringsTest, KeepsWhatTheSourceSays) {
     ASSERT_EQ(Compile(Replaced(m_source, "\"Board Info Area\"", "\"\\\"\\\\ 5 %% \xC3\xA4\xE2\x82\xAC\"")).status, 0);
     const RUN list = RunCompiler("--list out.str");
     EXPECT_EQ(list.status, 0);

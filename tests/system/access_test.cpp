@@ -14,7 +14,7 @@ constexpr ADDRESS MBMC{.type = FRU_TYPE_MBMC_FRU, .lun = 1, .deviceAddress = 0xA
 /// The header of a FRU without areas.
 const BYTES HEADER = FruImage::CImageBuilder().Build(64);
 
-class Access : public CSystemTest {
+class CAccessTest : public CSystemTest {
   protected:
     /// The counts of the requests since the last call: bytes asked for, or bytes to write.
     std::vector<int> Counts(UINT8 cmd) {
@@ -30,7 +30,7 @@ class Access : public CSystemTest {
     }
 };
 
-TEST_F(Access, EveryKindOfDevice) {
+TEST_F(CAccessTest, EveryKindOfDevice) {
     const BYTES image = SampleBmcFru();
     const BYTES small = SampleRiserFru();
     // Which of the device's two ways reads and which writes depends on the platform and the BMC's kind.
@@ -87,7 +87,7 @@ TEST_F(Access, EveryKindOfDevice) {
     }
 }
 
-TEST_F(Access, Counts) {
+TEST_F(CAccessTest, Counts) {
     const std::vector<int> ones = {8, 4, 0, 1, 1, 1, 1, 1, 1, 1, 1};
     constexpr EFI_STATUS noRead = FRU_STATUS_READ_FRU_ERROR;
     constexpr EFI_STATUS noWrite = FRU_STATUS_WRITE_FRU_ERROR;
@@ -138,7 +138,7 @@ TEST_F(Access, Counts) {
     EXPECT_EQ(m_bmc.FruBytes(0), HEADER);
 }
 
-TEST_F(Access, RestsOfReads) {
+TEST_F(CAccessTest, RestsOfReads) {
     // A multi-record of 13 bytes: its size first, then 8 and 5.
     m_bmc.AddFruDevice(0, FruImage::CImageBuilder().MultiRecord(0xC0, {1, 2, 3, 4, 5, 6, 7, 8}).Build());
     for (const auto& [codes, counts] :
@@ -151,7 +151,7 @@ TEST_F(Access, RestsOfReads) {
     }
 }
 
-TEST_F(Access, AnswersOfOtherLengths) {
+TEST_F(CAccessTest, AnswersOfOtherLengths) {
     m_bmc.AddFruDevice(0, HEADER);
     m_bmc.AddEeprom(3, 0xA4, EEPROM_KIND::AT24, HEADER);
     for (const auto& [action, value, status] :

@@ -11,7 +11,7 @@ namespace {
 /// In the place of a field: the whole area.
 constexpr int WHOLE = -1;
 
-class Commit : public CSystemTest {
+class CCommitTest : public CSystemTest {
   protected:
     void LoadAndSelect(const BYTES& image) {
         ASSERT_EQ(LoadImage(image), 0U);
@@ -46,7 +46,7 @@ class Commit : public CSystemTest {
     }
 };
 
-TEST_F(Commit, WhatIsWritten) {
+TEST_F(CCommitTest, WhatIsWritten) {
     const struct {
         FRU_AREA area;
         int field;
@@ -79,7 +79,7 @@ TEST_F(Commit, WhatIsWritten) {
     }
 }
 
-TEST_F(Commit, MultiRecords) {
+TEST_F(CCommitTest, MultiRecords) {
     const BYTES records{0xC1, 0x02, 9, 0xD3, 0x61, 1, 2, 3, 4, 5, 6, 7, 8, 9, 0xC2, 0x82, 1, 0xF6, 0xC5, 0x0A};
     const std::size_t start = Start(IMAGE, MULTIRECORD);
     LoadAndSelect(IMAGE);
@@ -98,7 +98,7 @@ TEST_F(Commit, MultiRecords) {
     EXPECT_EQ(Requests(), Expected({BOARD}));
 }
 
-TEST_F(Commit, AreasArePackedAndMayBeAbsent) {
+TEST_F(CCommitTest, AreasArePackedAndMayBeAbsent) {
     const BYTES riser = SampleRiserFru();
     const BYTES board = InfoArea(riser, BOARD);
     const BYTES moved = With(With(riser, 3, {3}), 24, board);
@@ -115,7 +115,7 @@ TEST_F(Commit, AreasArePackedAndMayBeAbsent) {
     }
 }
 
-TEST_F(Commit, FailureAtEachWrite) {
+TEST_F(CCommitTest, FailureAtEachWrite) {
     const auto edit = [this] {
         LoadAndSelect(IMAGE);
         EXPECT_EQ(Set(FRU_AREA_CHASSIS, FRU_FIELD_CHASSIS_PART_NUMBER, "CH-3"), 0U);
@@ -174,7 +174,7 @@ unsigned int LookAround(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsi
     return 0;
 }
 
-TEST_F(Commit, CallbacksMayReadAndSignalsStayTheHosts) {
+TEST_F(CCommitTest, CallbacksMayReadAndSignalsStayTheHosts) {
     LoadAndSelect(IMAGE);
     EXPECT_EQ(m_table->SetProgressCallback(m_table, LookAround), 0U);
     std::vector<sighandler_t> before;
@@ -199,7 +199,7 @@ unsigned int OnlyOnce(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int
     return GetFruDataInterface()->SetProgressCallback(nullptr, nullptr);
 }
 
-TEST_F(Commit, ACallbackThatClearsItselfIsNotCalledAgain) {
+TEST_F(CCommitTest, ACallbackThatClearsItselfIsNotCalledAgain) {
     LoadAndSelect(IMAGE);
     EXPECT_EQ(m_table->SetProgressCallback(m_table, OnlyOnce), 0U);
     EXPECT_EQ(CommitIt(), 0U);

@@ -13,7 +13,7 @@ namespace {
 /// Where the multi-records of `IMAGE` start.
 const std::size_t RECORD = Start(IMAGE, MULTIRECORD);
 
-using Loading = CSystemTest;
+using CLoadTest = CSystemTest;
 
 /// `IMAGE` with another length byte in an info area.
 BYTES Length(unsigned int area, UINT8 units) {
@@ -47,7 +47,7 @@ BYTES Records(std::size_t size, bool isEndless, UINT8 length = 250) {
     return image;
 }
 
-TEST_F(Loading, StatusesAndMessages) {
+TEST_F(CLoadTest, StatusesAndMessages) {
     const UINT8 past = static_cast<UINT8>(IMAGE.size() / 8);
     constexpr int byStatus = -1;
     const struct {
@@ -125,7 +125,7 @@ TEST_F(Loading, StatusesAndMessages) {
 }
 
 // A failure is traced before its message, which names the FRU, is composed.
-TEST_F(Loading, TracesComeBeforeMessages) {
+TEST_F(CLoadTest, TracesComeBeforeMessages) {
     const auto expect = [this](const std::string& failure) {
         EXPECT_THAT(TakeLog(), testing::HasSubstr(failure + "\r\nCFru::GetFriendlyFruIdentifier [ENTRY]\r\n"));
     };
@@ -147,7 +147,7 @@ TEST_F(Loading, TracesComeBeforeMessages) {
     expect("CFru::WriteToSystem - Error Writing System");
 }
 
-TEST_F(Loading, ARecordWithoutDataIsNotKept) {
+TEST_F(CLoadTest, ARecordWithoutDataIsNotKept) {
     const BYTES image = Only(MULTIRECORD, IMAGE[MULTIRECORD]);
     for (const auto& [bytes, length] : {std::pair(image, 20U), {With(image, RECORD + 13, {0}), 11U}}) {
         EXPECT_EQ(LoadImage(bytes), 0U);
@@ -162,7 +162,7 @@ TEST_F(Loading, ARecordWithoutDataIsNotKept) {
     }
 }
 
-TEST_F(Loading, StopsAtTheFirstFailure) {
+TEST_F(CLoadTest, StopsAtTheFirstFailure) {
     // Of each info area the length is read, then its bytes in pieces.
     const auto after = [](std::size_t request, unsigned int area) {
         return request + 1 + InfoArea(IMAGE, area).size() / 8;
@@ -209,7 +209,7 @@ TEST_F(Loading, StopsAtTheFirstFailure) {
     EXPECT_EQ(LoadImage(IMAGE), 0U) << "the library goes on";
 }
 
-TEST_F(Loading, Assertions) {
+TEST_F(CLoadTest, Assertions) {
     const auto damaged = [](unsigned int area) {
         const std::size_t last = Start(IMAGE, area) + InfoArea(IMAGE, area).size() - 1;
         return With(IMAGE, last, {static_cast<UINT8>(IMAGE[last] + 1)});

@@ -15,7 +15,7 @@ using LINES = std::vector<std::string>;
 constexpr UINT8 RESERVE = 0x22;
 constexpr UINT8 GET_SDR = 0x23;
 
-class Scan : public CSystemTest {
+class CSystemScanTest : public CSystemTest {
   protected:
     /// The locators of a repository with `records`, as `type lun address bus controller id name`.
     LINES Locators(const std::vector<BYTES>& records) {
@@ -58,7 +58,7 @@ const std::string GOOD_LINE = "2 0 20 00 20 01 PSU 1";
 const BYTES SECOND = ControllerRecord(0xC0, 0, 0x29, "HSC");
 const std::string SECOND_LINE = "2 0 C0 00 20 00 HSC";
 
-TEST_F(Scan, RecordsAndLocators) {
+TEST_F(CSystemScanTest, RecordsAndLocators) {
     const auto with = [](std::size_t byte, UINT8 value) {
         BYTES record = GOOD;
         record[byte] = value;
@@ -107,7 +107,7 @@ TEST_F(Scan, RecordsAndLocators) {
         EXPECT_EQ(Locators({BYTES{0, 0, 0x01, static_cast<UINT8>(type), 3, 1, 2, 3}, GOOD}), LINES{GOOD_LINE});
 }
 
-TEST_F(Scan, Requests) {
+TEST_F(CSystemScanTest, Requests) {
     EXPECT_EQ(Locators({Device(0x20, 1, 0x80, 0x10, std::string(14, 'n')), OemRecord(BYTES(27, 9))}).size(), 1U);
     // Counting: a header a record. Decoding: the header, then pieces of 16 bytes and a rest.
     const auto get = [](UINT8 reservation, UINT8 id, UINT8 offset, UINT8 count) {
@@ -119,7 +119,7 @@ TEST_F(Scan, Requests) {
                         get(3, 0, 21, 9), reserve, get(4, 2, 0, 5), get(4, 2, 5, 16), get(4, 2, 21, 11)}));
 }
 
-TEST_F(Scan, ErrorsAndChains) {
+TEST_F(CSystemScanTest, ErrorsAndChains) {
     using enum FAULT_ACTION;
     // Three records: three exchanges of two to count them, then three of three.
     const struct {

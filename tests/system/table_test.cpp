@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class Table : public CSystemTest {
+class CTableTest : public CSystemTest {
   protected:
     /// Area names and field values of the selected FRU. Values of custom fields come from the last one on.
     std::vector<std::wstring> Walk() {
@@ -39,7 +39,7 @@ class Table : public CSystemTest {
     }
 };
 
-TEST_F(Table, LoadWalkEditCommitReload) {
+TEST_F(CTableTest, LoadWalkEditCommitReload) {
     // A rack mount chassis has no name that could be shown; an expansion chassis has.
     BYTES image = SampleBmcFru();
     const std::size_t chassisEnd = Start(image, CHASSIS) + InfoArea(image, CHASSIS).size() - 1;
@@ -90,7 +90,7 @@ TEST_F(Table, LoadWalkEditCommitReload) {
     EXPECT_EQ(LastError(), L"");
 }
 
-TEST_F(Table, TheSamePlaceInEachListIsAnotherFru) {
+TEST_F(CTableTest, TheSamePlaceInEachListIsAnotherFru) {
     ASSERT_EQ(LoadImage(SampleRiserFru()), 0U);
     Select(0);
     ASSERT_EQ(m_table->SaveConfigurationToFile(m_table, L"riser.fru", nullptr), 0U);
@@ -105,7 +105,7 @@ TEST_F(Table, TheSamePlaceInEachListIsAnotherFru) {
 }
 
 // With the session of a FRU text file in the library's tests, this is every operation that a host can succeed with.
-TEST_F(Table, ASessionLeavesWhatItEnters) {
+TEST_F(CTableTest, ASessionLeavesWhatItEnters) {
     BYTES image = IMAGE;
     m_bmc.AddSdr(LogicalFruRecord(0x20, 0, 1, "PSU 1"));
     m_bmc.AddSdr(ControllerRecord(0xC0, 0, 0x29, "HSC"));
@@ -150,7 +150,7 @@ TEST_F(Table, ASessionLeavesWhatItEnters) {
         EXPECT_EQ(names.count(std::string("FruData::") + name), 1U) << name;
 }
 
-TEST_F(Table, Properties) {
+TEST_F(CTableTest, Properties) {
     const auto expect = [this](unsigned int version) {
         Requests();
         EXPECT_EQ(m_table->LoadPropertiesFromSystem(m_table), 0U);

@@ -10,7 +10,7 @@ const BYTES GOOD_ANSWER{8, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF};
 // The header of RMCP and that of a session: IPMI 1.5 without a code, 2.0 (IPMI 2.0, sections 13.1.3 and 13.6).
 constexpr std::size_t SESSION_HEADER = 16;
 
-class Faults : public testing::Test {
+class CSessionFaultsTest : public testing::Test {
   protected:
     void SetUp() override {
         if (!CIpmiSim::IsInstalled())
@@ -27,7 +27,7 @@ class Faults : public testing::Test {
     std::optional<CIpmiSim> m_server;
 };
 
-TEST_F(Faults, ABmcThatStopsLosesTheSessionWithinTheTimeOut) {
+TEST_F(CSessionFaultsTest, ABmcThatStopsLosesTheSessionWithinTheTimeOut) {
     for (const bool isIpmi15 : {false, true})
         for (const int timeout : {150, 0}) {
             SCOPED_TRACE(testing::Message() << "1.5: " << isIpmi15 << ", time-out " << timeout);
@@ -52,7 +52,7 @@ TEST_F(Faults, ABmcThatStopsLosesTheSessionWithinTheTimeOut) {
         }
 }
 
-TEST_F(Faults, LostPacketsAreSentAgain) {
+TEST_F(CSessionFaultsTest, LostPacketsAreSentAgain) {
     for (const bool isIpmi15 : {false, true})
         for (const bool toServer : {false, true}) {
             SCOPED_TRACE(testing::Message() << "1.5: " << isIpmi15 << ", to the server: " << toServer);
@@ -76,7 +76,7 @@ TEST_F(Faults, LostPacketsAreSentAgain) {
         }
 }
 
-TEST_F(Faults, SpoiledPacketsNeverPassForAnAnswer) {
+TEST_F(CSessionFaultsTest, SpoiledPacketsNeverPassForAnAnswer) {
     const struct {
         const char* name;
         void (*spoil)(BYTES& packet);
@@ -113,7 +113,7 @@ TEST_F(Faults, SpoiledPacketsNeverPassForAnAnswer) {
         }
 }
 
-TEST_F(Faults, AControllerThatNeverAnswersEndsTheRequestInTime) {
+TEST_F(CSessionFaultsTest, AControllerThatNeverAnswersEndsTheRequestInTime) {
     for (const bool isIpmi15 : {false, true}) {
         std::atomic<unsigned int> answers = 0;
         std::atomic<bool> bridging = false;
@@ -135,7 +135,7 @@ TEST_F(Faults, AControllerThatNeverAnswersEndsTheRequestInTime) {
     }
 }
 
-TEST_F(Faults, ASessionOfSpoiledPacketsIsNotOpened) {
+TEST_F(CSessionFaultsTest, ASessionOfSpoiledPacketsIsNotOpened) {
     const CRelay relay(m_server->Port(), [](BYTES& packet, bool toServer, unsigned int number) {
         if (!toServer && number > 1)
             packet.resize(packet.size() / 2);

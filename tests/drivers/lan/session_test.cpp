@@ -44,7 +44,7 @@ const BYTES SEND_READ{0x40, 0x30, 0x28, 0xA8, 0x20, 0x16, 0x11, 0x00, 0x00, 0x00
 const BYTES ANSWER_READ{0x00, 0x2E, 0xB2, 0x30, 0x14, 0x11, 0x00, 0x08, 0x01,
                         0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0xA3};
 
-class Session : public testing::Test {
+class CSessionTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         if (!CIpmiSim::IsInstalled())
@@ -67,9 +67,9 @@ class Session : public testing::Test {
     static std::optional<CIpmiSim> g_server;
 };
 
-std::optional<CIpmiSim> Session::g_server;
+std::optional<CIpmiSim> CSessionTest::g_server;
 
-TEST_F(Session, EveryWayReadsWritesAndBridges) {
+TEST_F(CSessionTest, EveryWayReadsWritesAndBridges) {
     const struct {
         UINT8 cipherSuite;
         UINT8 ipmi15;
@@ -101,7 +101,7 @@ TEST_F(Session, EveryWayReadsWritesAndBridges) {
     }
 }
 
-TEST_F(Session, RefusalsSayWhyAndEndInTime) {
+TEST_F(CSessionTest, RefusalsSayWhyAndEndInTime) {
     const UINT16 port = g_server->Port();
     const struct {
         const char* name;
@@ -155,7 +155,7 @@ TEST_F(Session, RefusalsSayWhyAndEndInTime) {
     }
 }
 
-TEST_F(Session, AMessageIsCutToItsRoom) {
+TEST_F(CSessionTest, AMessageIsCutToItsRoom) {
     const LAN_SESSION_OPTIONS options{};
     LAN_SESSION* session = nullptr;
     char message[5] = "????";
@@ -163,7 +163,7 @@ TEST_F(Session, AMessageIsCutToItsRoom) {
     EXPECT_STREQ(message, "no h");
 }
 
-TEST_F(Session, WhatDoesNotFitIsRefusedAndTheSessionGoesOn) {
+TEST_F(CSessionTest, WhatDoesNotFitIsRefusedAndTheSessionGoesOn) {
     const CSession session(Options());
     EXPECT_EQ(session.Ask(0x0A, 0x12, BYTES(LAN_LARGEST_REQUEST_SIZE + 1)).result, LAN_ERR_SIZE);
     EXPECT_NE(session.Message().find("249 bytes"), std::string::npos) << session.Message();
@@ -175,13 +175,13 @@ TEST_F(Session, WhatDoesNotFitIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(session.Message(), "");
 }
 
-TEST_F(Session, SilentOwnersKeepTheirSession) {
+TEST_F(CSessionTest, SilentOwnersKeepTheirSession) {
     const CSession session(Options());
     std::this_thread::sleep_for(milliseconds(2 * TIMEOUT));
     EXPECT_EQ(session.Ask(0x06, 0x01).result, LAN_OK) << session.Message();
 }
 
-TEST_F(Session, NoCoreDumpWhileOneIsOpen) {
+TEST_F(CSessionTest, NoCoreDumpWhileOneIsOpen) {
     ASSERT_EQ(prctl(PR_GET_DUMPABLE), 1);
     {
         const CSession first(Options());
@@ -210,7 +210,7 @@ unsigned int CountInMemory(const BYTES& coded) {
     return count;
 }
 
-TEST_F(Session, NoPasswordIsLeftInMemory) {
+TEST_F(CSessionTest, NoPasswordIsLeftInMemory) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "a sanitizer's memory is terabytes";
 #endif
@@ -234,7 +234,7 @@ TEST_F(Session, NoPasswordIsLeftInMemory) {
     }
 }
 
-TEST_F(Session, AChildProcessHasNoPartInIt) {
+TEST_F(CSessionTest, AChildProcessHasNoPartInIt) {
     const CSession session(Options());
     const pid_t child = fork();
     if (child == 0) {
@@ -250,7 +250,7 @@ TEST_F(Session, AChildProcessHasNoPartInIt) {
     EXPECT_EQ(session.Ask(0x06, 0x01).result, LAN_OK);
 }
 
-TEST_F(Session, TheLibraryLoadsAndCommitsOverIt) {
+TEST_F(CSessionTest, TheLibraryLoadsAndCommitsOverIt) {
     const CSession session(Options());
     UseLanSession(&Lan(), session.Handle());
     _EFI_FRU_INTERFACE* const fru = GetFruDataInterface();

@@ -22,7 +22,7 @@ const BYTES SEND_MESSAGE = {0x00, 0x30, 0x18, 0xB8, 0x20, 0x16, 0x01, 0xC9};
 const BYTES FRAMED = {0x00, 0x1E, 0xC2, 0x30, 0x14, 0x01, 0x00, 0x11, 0x22, 0x88};
 constexpr int UNTOUCHED = 0xEE;
 
-class Driver : public testing::Test {
+class CDriverTest : public testing::Test {
   protected:
     void SetUp() override {
         g_kernel = KERNEL{};
@@ -60,7 +60,7 @@ struct PLAIN {
     int room = 255;
 };
 
-TEST_F(Driver, PlainRequests) {
+TEST_F(CDriverTest, PlainRequests) {
     const PLAIN rows[] = {
         {"answer", {{ARRIVES, {0, 1, 2}}}, OPENIPMI_OK, {0, 1, 2}},
         {"code alone", {{ARRIVES, {0xC1}}}, OPENIPMI_OK, {0xC1}},
@@ -98,7 +98,7 @@ TEST_F(Driver, PlainRequests) {
     EXPECT_STREQ(OpenIpmiFailure(), "/dev/ipmi0: No such device");
 }
 
-TEST_F(Driver, BridgedRequest) {
+TEST_F(CDriverTest, BridgedRequest) {
     g_kernel.script = {{ARRIVES_AS_EVENT, {0, 9}}, {ARRIVES, {0}}};
     EXPECT_EQ(Send(0x01), OPENIPMI_OK);
     EXPECT_EQ(GetMessage(), OPENIPMI_OK);
@@ -127,7 +127,7 @@ TEST_F(Driver, BridgedRequest) {
     EXPECT_EQ(m_answer, (BYTES{0x06, 0x2F, 0xB1, 0x2C, 0xFD, 0x42, 0xC9, 0xCC}));
 }
 
-TEST_F(Driver, BridgedFailures) {
+TEST_F(CDriverTest, BridgedFailures) {
     struct ROW {
         const char* name;
         std::deque<STEP> script;
@@ -169,7 +169,7 @@ TEST_F(Driver, BridgedFailures) {
     EXPECT_EQ(SendMessage(), OPENIPMI_ERR_DEVICE);
 }
 
-TEST_F(Driver, LibraryBridgesThroughIt) {
+TEST_F(CDriverTest, LibraryBridgesThroughIt) {
     ASSERT_EQ(BmcLibInitialize(), 0);
     static BMC_MESSAGE request = {0x30, 0x06, 0, 0x01, {}, 0, 0};
     static BMC_MESSAGE response;
@@ -183,7 +183,7 @@ TEST_F(Driver, LibraryBridgesThroughIt) {
     EXPECT_EQ(BmcLibDeinitialize(), 0);
 }
 
-TEST_F(Driver, ForkedProcessOpensItsOwn) {
+TEST_F(CDriverTest, ForkedProcessOpensItsOwn) {
     EXPECT_EQ(g_kernel.flags & (O_RDWR | O_CLOEXEC), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(open_imb(), 1);
     EXPECT_EQ(g_kernel.opened, 1);
@@ -198,7 +198,7 @@ TEST_F(Driver, ForkedProcessOpensItsOwn) {
     EXPECT_EQ(Send(0x01), OPENIPMI_ERR_DEVICE);
 }
 
-TEST_F(Driver, Opening) {
+TEST_F(CDriverTest, Opening) {
     struct ROW {
         std::map<std::string, int> errors;
         const char* device;
@@ -236,7 +236,7 @@ TEST_F(Driver, Opening) {
     EXPECT_EQ(Send(0x01), OPENIPMI_ERR_DEVICE) << "not open";
 }
 
-TEST_F(Driver, Arguments) {
+TEST_F(CDriverTest, Arguments) {
     const UINT8 byte = 0;
     UINT8 code = 0;
     UINT8 room[8];

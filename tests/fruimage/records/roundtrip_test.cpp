@@ -136,9 +136,9 @@ const ROUND_TRIP ROUND_TRIPS[] = {
      "manufacturer-id=4770; sub-type=I2C devices; version=0; data=01"},
 };
 
-class RoundTrip : public testing::TestWithParam<ROUND_TRIP> {};
+class CRoundTripTest : public testing::TestWithParam<ROUND_TRIP> {};
 
-TEST_P(RoundTrip, SaysWhatTheBytesHold) {
+TEST_P(CRoundTripTest, SaysWhatTheBytesHold) {
     const ROUND_TRIP& row = GetParam();
     const DECODED_RECORD record = DecodeRecord(row.type, FromHex(row.bytes));
     EXPECT_EQ(record.title, row.title);
@@ -154,7 +154,7 @@ TEST_P(RoundTrip, SaysWhatTheBytesHold) {
 }
 
 /// A record of the right length grows from nothing but its values; the length of others must be there before.
-TEST_P(RoundTrip, IsMadeFromItsValues) {
+TEST_P(CRoundTripTest, IsMadeFromItsValues) {
     const ROUND_TRIP& row = GetParam();
     const BYTES bytes = FromHex(row.bytes);
     BYTES data = row.note ? BYTES(bytes.size(), 0) : NewRecord(row.type);
@@ -169,6 +169,6 @@ TEST_P(RoundTrip, IsMadeFromItsValues) {
     EXPECT_EQ(data, bytes);
 }
 
-INSTANTIATE_TEST_SUITE_P(Records, RoundTrip, testing::ValuesIn(ROUND_TRIPS));
+INSTANTIATE_TEST_SUITE_P(Records, CRoundTripTest, testing::ValuesIn(ROUND_TRIPS));
 
 } // namespace
