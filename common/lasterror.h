@@ -8,7 +8,7 @@ namespace Frudata_Private {
 /// Characters of one message, terminator included.
 constexpr UINTN LAST_ERROR_SIZE = 512;
 
-// Two buffers take turns, so that a message handed out survives the next failure.
+// Two buffers take turns: a message handed out survives the next failure.
 extern WCHAR ga_lastError1[LAST_ERROR_SIZE];
 extern WCHAR ga_lastError2[LAST_ERROR_SIZE];
 /// The buffer that SetLastError writes next.

@@ -5,7 +5,7 @@ namespace Frudata_Private {
 
 /// One placeholder of a text.
 struct PLACEHOLDER {
-    char argument = 0;     ///< what it takes, as stringid.h has it
+    char argument = 0;     ///< its argument, a letter of stringid.h
     unsigned position = 0; ///< the number of its argument, from 1; 0: the next one
     bool isPlain = true;   ///< in the spelling of this library's texts
 };

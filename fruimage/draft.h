@@ -21,7 +21,7 @@ struct DRAFT_AREA {
     std::size_t zeroes = 0; ///< that end a list of records without an end mark, and move with it
     AREA_DESCRIPTION description;
 
-    BYTES bytes;            ///< LayOut: what it becomes
+    BYTES bytes;            ///< LayOut: its new bytes
     std::size_t offset = 0; ///< LayOut: where it goes
 
     RANGE Range() const { return {offset, bytes.size()}; }

@@ -58,7 +58,7 @@ std::string_view AreaName(AREA_ID area);
 /// The area of such a name.
 std::optional<AREA_ID> AreaFromName(std::string_view name);
 
-/// What an AREA.FIELD name stands for.
+/// The meaning of an AREA.FIELD name.
 struct FIELD_NAME {
     enum PART : std::uint8_t {
         FIXED,    ///< the predefined field `index`

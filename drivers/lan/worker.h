@@ -35,7 +35,7 @@ class CWorker {
     std::thread m_thread;
 };
 
-/// For jobs, which nobody can catch: their prepared result says that memory ran out.
+/// For jobs, whose exceptions nobody can catch: their prepared result tells that memory ran out.
 template <typename FUNCTION> void WithoutThrowing(const FUNCTION& function) {
     try {
         function();

@@ -61,7 +61,7 @@ class CAreaBlock {
     /// Stores the bytes of `line` behind the block's; AddHexadecimal makes them count.
     HEXADECIMAL_LINE ReadHexadecimal(const char* line);
     EFI_STATUS AddHexadecimal(const HEXADECIMAL_LINE& line);
-    /// A byte's two digits stand on one line.
+    /// Both digits of a byte must be on one line.
     void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
 
   private:

@@ -36,8 +36,8 @@ class CDeviceLock : public CFileLock {
     explicit CDeviceLock(const SOURCE& device);
 };
 
-/// While one lives, no other fructl changes a file of the directory. Each change replaces the file itself, so that
-/// cannot carry the lock.
+/// While one lives, no other fructl changes a file of the directory. A change replaces the file itself, which
+/// therefore cannot carry the lock.
 class CDirectoryLock : public CFileLock {
   public:
     /// @param file a path to the file

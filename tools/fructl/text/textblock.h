@@ -8,7 +8,7 @@
 
 namespace Fructl {
 
-/// What one data line stands for.
+/// One data line as bytes.
 struct BLOCK_ITEM {
     FruImage::BYTES bytes;
     bool quoted = false; ///< as text in quotes; else as hexadecimal pairs
