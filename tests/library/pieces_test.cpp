@@ -228,6 +228,13 @@ TEST_F(CPiecesTest, MembersKeptForHosts) {
         EXPECT_EQ(status, FRU_STATUS_WRITE_FRU_ERROR);
     fru.GetDevLocator()->type = FRU_TYPE_IMBDEVICE;
     EXPECT_EQ(fru.WriteFruData(1, 0, &byte), 0U) << "no byte, no request";
+    WriteFile("lines", "_SEE_BOARD\n01 02");
+    const CFile file("lines");
+    UINT8* data = nullptr;
+    UINTN length = 0;
+    EXPECT_EQ(CFru::ParseArea("_SEE_BOARD", file, 0, data, length), 0U);
+    EXPECT_EQ(std::string(data, data + length), "\1\2");
+    EXPECT_ASSERTION(CFru::SetParseAreaErrorMessage(0, L"", ""), "frureadfile", "status");
     SDR_TYPE sdr;
     sdr.fruLocators.reset(new TYPE11V15[1]);
     sdr.mcLocators.reset(new TYPE12V15[1]);
