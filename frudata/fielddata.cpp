@@ -78,8 +78,8 @@ EFI_STATUS ReplaceArea(CFru& fru, FRU_AREA area, const UINT8* data, UINTN length
     return FRU_STATUS_UNSUPPORTED;
 }
 
-/// Runs an operation on whole areas. A null argument counts as not initialised, and every failure is the unexpected
-/// one. Compatibility: behind the checks a failure traces its exit, too.
+/// Runs an operation on whole areas. A null argument counts as not initialised; every failure is the unexpected one.
+/// Compatibility: behind the checks a failure traces its exit, too.
 template <typename BODY> EFI_STATUS RunAreaOperation(const WCHAR* name, bool hasArguments, BODY body) {
     const COperation operation(name);
     EFI_STATUS status = hasArguments ? operation.Check(NEED_AREA) : EFI_STATUS{FRU_STATUS_NOT_INITIALIZED};
