@@ -12,9 +12,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <ctime>
 #include <filesystem>
 #include <optional>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace Fructl {
 
@@ -31,16 +35,23 @@ std::string BackupStem(const SOURCE& device) {
     return fmt::format("fru-backup-{}-{}.{}", stem, stamp, device.kind == SOURCE::TEXT ? "fru" : "bin");
 }
 
-/// An unused one: an older backup must survive.
-std::string BackupName(const SOURCE& device, const std::string& given) {
+/// Takes the first free name by an empty file: an older backup must survive, and so must that of a commit beside this
+/// one. Anything but a regular file is written through.
+std::string ClaimBackupName(const SOURCE& device, const std::string& given) {
     namespace fs = std::filesystem;
     std::error_code ignored;
     std::string stem = given;
     if (given.empty() || fs::is_directory(given, ignored))
         stem = (fs::path(given) / BackupStem(device)).string();
     std::string name = stem;
-    for (int number = 2; fs::is_regular_file(name, ignored); ++number)
+    for (int number = 2; stem != STANDARD_STREAM; ++number) {
+        const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (file >= 0)
+            close(file);
+        if (file >= 0 || errno != EEXIST || !fs::is_regular_file(name, ignored))
+            break;
         name = fmt::format("{}.{}", stem, number);
+    }
     return name;
 }
 
@@ -143,8 +154,16 @@ void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) 
 } // namespace
 
 std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given) {
-    const std::string name = BackupName(source, given);
-    WriteFile(name, bytes);
+    const CHold hold;
+    const std::string name = ClaimBackupName(source, given);
+    try {
+        WriteFile(name, bytes);
+    } catch (const CToolError&) {
+        std::error_code ignored;
+        if (std::filesystem::is_regular_file(name, ignored))
+            std::filesystem::remove(name, ignored);
+        throw;
+    }
     Note("the old contents are kept in " + name);
     return name;
 }
