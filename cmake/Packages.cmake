@@ -16,7 +16,7 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "The frudata authors <frudata@example.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development tool)
+set(CPACK_COMPONENTS_ALL library development tool documentation)
 if(TARGET frudata_lan)
   list(APPEND CPACK_COMPONENTS_ALL lan)
 endif()
@@ -52,7 +52,18 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS
   "${soname_package} (= ${PROJECT_VERSION}), libc6 (>= ${libc}), libstdc++6 (>= ${compiler}), libgcc-s1 (>= ${compiler})")
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "show, edit and write the FRU inventory of a server
 ${about}
-fructl works on FRU text files, binary images and devices.")
+fructl works on FRU text files, binary images and devices; makesimserver makes
+a simulated server to try it on.")
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS "frudata-doc, frudata-lan")
+
+# One for both word sizes, whose builds make the same one.
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME frudata-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION "doc\nMulti-Arch: foreign")
+set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "FRU inventory of a server - documents and examples
+${about}
+The documents tell how its tools, its library and its file formats are used;
+the examples are hosts to copy from, and playbooks for many servers.")
 
 # Its licence is another: it is linked with libfreeipmi.
 set(CPACK_DEBIAN_LAN_PACKAGE_NAME frudata-lan)
@@ -60,7 +71,6 @@ set(CPACK_DEBIAN_LAN_PACKAGE_SECTION "admin${same_for_all}")
 set(CPACK_DEBIAN_LAN_PACKAGE_DEPENDS
   "libfreeipmi17, libc6 (>= ${libc}), libstdc++6 (>= ${compiler}), libgcc-s1 (>= ${compiler})")
 set(CPACK_DEBIAN_LAN_PACKAGE_ENHANCES fructl)
-set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS frudata-lan)
 set(CPACK_COMPONENT_LAN_DESCRIPTION "FRU inventory of a server - IPMI over LAN
 ${about}
 With this module its tools reach them over the network. As a whole it is under
@@ -69,6 +79,7 @@ the GPL, version 3 or later.")
 set(package_library ${soname_package})
 set(package_development libfrudata-dev)
 set(package_tool fructl)
+set(package_documentation frudata-doc)
 set(package_lan frudata-lan)
 file(STRINGS CHANGELOG.md PACKAGE_DATE REGEX "^## \\[${PROJECT_VERSION}\\] - ")
 string(REGEX REPLACE ".* - " "" PACKAGE_DATE "${PACKAGE_DATE}")
