@@ -98,6 +98,11 @@ void Note(const std::string& text) {
         fmt::print(stderr, "fructl: {}{}", text, text.ends_with('\n') ? "" : "\n");
 }
 
+void Complain(const CToolError& error) {
+    std::fflush(stdout);
+    fmt::print(stderr, "fructl: {}: {}\n", error.m_what, error.m_why);
+}
+
 namespace {
 
 std::vector<std::size_t> Widths(const std::vector<std::vector<std::string>>& rows) {

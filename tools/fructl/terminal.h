@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/fructl/child.h"
+#include "tools/fructl/toolerror.h"
 
 #include <optional>
 #include <string>
@@ -36,6 +37,8 @@ std::string Padded(std::string_view text, std::size_t width);
 
 /// Prints a line of advice or warning to standard error, except with --quiet.
 void Note(const std::string& text);
+/// Prints a failure that does not end the command to standard error, behind what was printed until then.
+void Complain(const CToolError& error);
 /// Rows with aligned columns, two blanks between them and in front.
 std::string Table(const std::vector<std::vector<std::string>>& rows);
 /// Shortens texts of the `columns`, the longest first, until a table of `rows` has lines of at most `width`.

@@ -39,6 +39,14 @@ void AddScan(CLI::App& app);
 void AddProbe(CLI::App& app);
 void AddInfo(CLI::App& app);
 
+/// What the command line calls a source, and how to get it: a file is read, a device's name looked up. That may fail.
+struct NAMED_SOURCE {
+    std::string name;
+    SOURCE (*get)(const std::string& name);
+
+    SOURCE Get() const { return get(name); }
+};
+
 /// SOURCE arguments of a command (files, --system, --at) and the words behind them.
 class CSources {
   public:
@@ -53,7 +61,7 @@ class CSources {
     std::vector<SOURCE> TakeAll(std::size_t count, bool optional = false);
     /// All named devices, and the words before the first that `isOther` knows; without a device, the first word in any
     /// case. The remaining words stay for Words(). @throws CToolError without a source
-    std::vector<SOURCE> TakeWhile(const std::function<bool(const std::string&)>& isOther);
+    std::vector<NAMED_SOURCE> TakeWhile(const std::function<bool(const std::string&)>& isOther);
     /// Whether the command line names any.
     bool IsEmpty() const { return !m_system && m_at.empty() && m_words.empty(); }
     /// The one device. @throws CToolError for a file
@@ -61,6 +69,8 @@ class CSources {
     const std::vector<std::string>& Words() const { return m_words; }
 
   private:
+    std::vector<NAMED_SOURCE> TakeNames(std::size_t count, bool optional);
+
     CLI::App& m_command;
     bool m_system = false;
     std::vector<std::string> m_at;

@@ -19,29 +19,36 @@ CSources::CSources(CLI::App& command, const std::string& positional, const std::
     SetUsage(command, positional);
 }
 
-std::vector<SOURCE> CSources::Take(std::size_t count, bool optional) {
-    std::vector<SOURCE> devices;
+std::vector<NAMED_SOURCE> CSources::TakeNames(std::size_t count, bool optional) {
+    std::vector<NAMED_SOURCE> devices;
     if (m_system)
-        devices.push_back(DeviceSource("system"));
+        devices.push_back({"system", DeviceSource});
     for (const std::string& at : m_at)
-        devices.push_back(DeviceSource(at));
-    std::vector<SOURCE> files;
+        devices.push_back({at, DeviceSource});
+    std::vector<NAMED_SOURCE> files;
     while (devices.size() + files.size() < count && !m_words.empty()) {
-        files.push_back(FileSource(m_words.front()));
+        files.push_back({m_words.front(), FileSource});
         m_words.erase(m_words.begin());
     }
     if (optional && devices.empty() && files.empty())
-        devices.push_back(DeviceSource("system"));
+        devices.push_back({"system", DeviceSource});
     if (devices.size() + files.size() != count)
         throw CToolError(EXIT_USAGE, m_command.get_name(),
                          devices.size() > count ? "too many sources" : "a source is missing",
                          "a source is a file, --system, or --at DEVICE");
     const auto& order = m_command.parse_order();
     const bool filesFirst = !order.empty() && order.front() == m_positional;
-    std::vector<SOURCE>& first = filesFirst ? files : devices;
-    std::vector<SOURCE>& second = filesFirst ? devices : files;
+    std::vector<NAMED_SOURCE>& first = filesFirst ? files : devices;
+    std::vector<NAMED_SOURCE>& second = filesFirst ? devices : files;
     first.insert(first.end(), second.begin(), second.end());
     return first;
+}
+
+std::vector<SOURCE> CSources::Take(std::size_t count, bool optional) {
+    std::vector<SOURCE> sources;
+    for (const NAMED_SOURCE& named : TakeNames(count, optional))
+        sources.push_back(named.Get());
+    return sources;
 }
 
 std::vector<SOURCE> CSources::TakeAll(std::size_t count, bool optional) {
@@ -51,12 +58,12 @@ std::vector<SOURCE> CSources::TakeAll(std::size_t count, bool optional) {
     return sources;
 }
 
-std::vector<SOURCE> CSources::TakeWhile(const std::function<bool(const std::string&)>& isOther) {
+std::vector<NAMED_SOURCE> CSources::TakeWhile(const std::function<bool(const std::string&)>& isOther) {
     const std::size_t devices = m_at.size() + (m_system ? 1 : 0);
     std::size_t files = 0;
     while (files < m_words.size() && ((files == 0 && devices == 0) || !isOther(m_words[files])))
         ++files;
-    return Take(std::max<std::size_t>(devices + files, 1));
+    return TakeNames(std::max<std::size_t>(devices + files, 1), false);
 }
 
 SOURCE CSources::TakeDevice() {

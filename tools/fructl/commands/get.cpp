@@ -60,7 +60,7 @@ std::vector<ENTRY> Wanted(const CONTENTS& contents, const std::string& word) {
     return wanted;
 }
 
-/// The values of one source: a line each behind `prefix`, and as JSON.
+/// The values of one source, a line each behind `prefix`, or as JSON.
 nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& words, const GET_OPTIONS& options,
                       const std::string& prefix) {
     nlohmann::json values = nlohmann::json::object();
@@ -74,27 +74,52 @@ nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& 
     }
     if (!Settings().json)
         PrintText(text);
-    return {{"source", JsonSource(contents.source)}, {"values", std::move(values)}};
+    return values;
+}
+
+/// Several sources: one that fails keeps nobody from the values of the others. @throws CToolError with the status of
+/// the first failure
+void GetEach(const std::vector<NAMED_SOURCE>& sources, const std::vector<std::string>& words, const GET_OPTIONS& options,
+             const std::vector<AREA_ID>& areas) {
+    nlohmann::json all = nlohmann::json::array();
+    std::vector<CToolError> failures;
+    for (const NAMED_SOURCE& source : sources) {
+        nlohmann::json one = {{"source", {{"name", source.name}}}};
+        try {
+            const CONTENTS contents = Open(source.Get());
+            one["source"] = JsonSource(contents.source);
+            one["values"] = GetOne(contents, words, options, contents.source.label + ":");
+            RequireAreas(contents, areas);
+        } catch (const CToolError& error) {
+            one["problem"] = error.m_why;
+            Complain(error);
+            failures.push_back(error);
+        }
+        all.push_back(std::move(one));
+    }
+    if (Settings().json)
+        PrintJson({{"sources", std::move(all)}});
+    if (!failures.empty())
+        throw CToolError(failures[0].m_status, "get",
+                         fmt::format("{} of {} sources failed", failures.size(), sources.size()));
 }
 
 void Get(CSources& arguments, const GET_OPTIONS& options) {
-    const std::vector<SOURCE> sources = arguments.TakeWhile(IsFieldWord);
+    const std::vector<NAMED_SOURCE> sources = arguments.TakeWhile(IsFieldWord);
     const std::vector<std::string>& words = arguments.Words();
     if (words.empty())
         throw CToolError(EXIT_USAGE, "get", "a field is missing",
                          "for example: fructl get board.fru board.serial-number");
     const std::vector<AREA_ID> areas = AreasOf(words);
-    const bool isOne = sources.size() == 1;
-    nlohmann::json all = nlohmann::json::array();
-    std::vector<CONTENTS> opened;
-    for (const SOURCE& source : sources) {
-        opened.push_back(Open(source));
-        all.push_back(GetOne(opened.back(), words, options, isOne ? "" : source.label + ":"));
-    }
-    if (Settings().json)
-        PrintJson(isOne ? all[0] : nlohmann::json{{"sources", std::move(all)}});
-    for (const CONTENTS& contents : opened)
+    if (sources.size() == 1) {
+        const CONTENTS contents = Open(sources[0].Get());
+        nlohmann::json values = GetOne(contents, words, options, "");
+        if (Settings().json)
+            PrintJson({{"source", JsonSource(contents.source)}, {"values", std::move(values)}});
         RequireAreas(contents, areas);
+    } else {
+        GetEach(sources, words, options, areas);
+    }
 }
 
 } // namespace

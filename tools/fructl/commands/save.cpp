@@ -62,7 +62,7 @@ void SaveAll(const std::string& directory, bool binary) {
             Save(device, {(std::filesystem::path(directory) / name).string(), {}, binary});
             ++saved;
         } catch (const CToolError& error) {
-            fmt::print(stderr, "fructl: {}: {}\n", error.m_what, error.m_why);
+            Complain(error);
         }
     }
     if (saved != devices.size())
