@@ -182,6 +182,7 @@ RECORD_FIELD ReadField(const FIELD_ROW& row, BYTE_VIEW data) {
     field.unit = row.unit.name;
     field.offset = row.place.offset;
     field.size = row.place.IsRest() ? data.size() - row.place.offset : row.place.Size();
+    field.isContent = IsBytes(row.kind);
     if (IsBytes(row.kind))
         SetBytes(field, row.kind, data.subspan(field.offset, field.size));
     else

@@ -13,7 +13,7 @@ struct FILLED_LINE {
 };
 
 std::optional<FILLED_LINE> Fill(const LINE_ROW& row, const std::vector<RECORD_FIELD>& fields) {
-    FILLED_LINE filled{{row.title, {}}, {}};
+    FILLED_LINE filled{{row.title, {}, false}, {}};
     bool haveValues = true;
     for (std::string_view rest = row.pattern; !rest.empty();) {
         const std::size_t open = rest.find('{');
@@ -22,6 +22,7 @@ std::optional<FILLED_LINE> Fill(const LINE_ROW& row, const std::vector<RECORD_FI
         if (field == fields.end())
             return {};
         filled.line.text.append(rest.substr(0, open)).append(field->display);
+        filled.line.isContent |= field->isContent;
         filled.fields.push_back(&*field);
         haveValues &= field->HasValue();
         rest.remove_prefix(close + 1);
@@ -49,7 +50,7 @@ std::vector<RECORD_LINE> MakeLines(std::span<const LINE_ROW> rows, const std::ve
         };
         const auto found = std::ranges::find_if(shared, holdsField);
         if (found == shared.end() && !field.display.empty())
-            lines.push_back({field.title, field.display});
+            lines.push_back({field.title, field.display, field.isContent});
         // The first field of the record that shares the line stands for all of them.
         else if (found != shared.end() && !found->line.title.empty())
             lines.push_back(std::exchange(found->line, {}));

@@ -40,7 +40,8 @@ struct RECORD_FIELD {
     std::string bare;    ///< "750", of which EncodeField makes the same bytes
     std::string display; ///< "750 W"
     std::size_t offset = 0;
-    std::size_t size = 0; ///< bytes that hold it; neighbours may share them
+    std::size_t size = 0;   ///< bytes that hold it; neighbours may share them
+    bool isContent = false; ///< `bare` and `display` are what somebody wrote there, not words of this program
 
     bool HasValue() const { return !std::holds_alternative<std::monostate>(value); }
 };
@@ -49,6 +50,7 @@ struct RECORD_FIELD {
 struct RECORD_LINE {
     std::string title;
     std::string text;
+    bool isContent = false; ///< as of the field
 };
 
 struct DECODED_RECORD {

@@ -1,6 +1,7 @@
 #include "tools/fructl/compare.h"
 
 #include "tools/fructl/recordwords.h"
+#include "tools/fructl/words/words.h"
 
 #include <algorithm>
 
@@ -24,12 +25,12 @@ void AddInfoArea(const AREA& area, std::vector<ENTRY>& entries) {
     const std::string name(AreaName(area.id));
     if (area.Row().hasLanguage) {
         const std::string language(FruImage::LanguageName(area.language));
-        entries.push_back({name + ".language", language, "language", {area.language}, area.id, language});
+        entries.push_back({name + ".language", language, "language", {area.language}, area.id, language, true});
     }
     for (std::size_t position = 0; position < area.fields.size(); ++position) {
         const FIELD& field = area.fields[position];
         entries.push_back({FieldNameText(FruImage::FieldAt(area.id, position)), field.text, TypeName(field),
-                           field.bytes, area.id, BareValue(field)});
+                           field.bytes, area.id, BareValue(field), field.kind != FIELD_KIND::TEXT});
     }
 }
 
@@ -47,6 +48,14 @@ std::vector<DIFFERENCE> WithoutExplained(std::vector<DIFFERENCE> differences) {
 }
 
 } // namespace
+
+std::string ENTRY::Shown() const {
+    return isWord ? Spoken(value) : value;
+}
+
+std::string ENTRY::ShownBare() const {
+    return isWord ? Spoken(bare) : bare;
+}
 
 std::vector<ENTRY> Entries(const FRU& fru) {
     std::vector<ENTRY> entries;

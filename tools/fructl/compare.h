@@ -18,6 +18,11 @@ struct ENTRY {
     BYTES raw;
     AREA_ID area = AREA_ID::HEADER;
     std::string bare = {}; ///< in the form that `set` takes
+    bool isWord = false;   ///< `value` and `bare` are words of this program, not somebody's text
+
+    /// In the language of this run, which `set` takes, too.
+    std::string Shown() const;
+    std::string ShownBare() const;
 };
 /// All named parts, in the order of the header's offsets.
 std::vector<ENTRY> Entries(const FRU& fru);

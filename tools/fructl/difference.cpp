@@ -3,6 +3,7 @@
 #include "tools/fructl/jsonreport.h"
 #include "tools/fructl/recordwords.h"
 #include "tools/fructl/terminal.h"
+#include "tools/fructl/words/words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -23,21 +24,27 @@ bool IsValue(const CHANGE& change) {
     return change.name.find('.') != std::string::npos && !(change.before.empty() && change.after.empty());
 }
 
-std::string Side(const std::string& value) {
-    return "\"" + Printable(value) + "\"";
+/// Names of the standard, dates among them, have words of this language; texts are what they are.
+std::string Side(const std::string& name, const std::string& value) {
+    const auto field = FruImage::ParseFieldName(name);
+    const bool isLanguage = field && field->part == FIELD_NAME::LANGUAGE;
+    const bool isName =
+        field && field->part == FIELD_NAME::FIXED && AreaRow(field->area).fields[field->index].kind != FIELD_KIND::TEXT;
+    const bool isRecord = name.starts_with("multirecord.record");
+    return "\"" + Printable(isLanguage || isName || isRecord ? Spoken(value) : value) + "\"";
 }
 
 std::string MoveText(const MOVE& move) {
     const std::string_view name = AreaName(move.area);
     if (move.sizeBefore == 0)
-        return fmt::format("{} area: new, {} bytes at {:03X}h", name, move.sizeAfter, move.to);
+        return Say("{} area: new, {} bytes at {:03X}h", name, move.sizeAfter, move.to);
     if (move.sizeAfter == 0)
-        return fmt::format("{} area: removed", name);
-    std::string text = fmt::format("{} area:", name);
+        return Say("{} area: removed", name);
+    std::string text = Say("{} area:", name);
     if (move.from != move.to)
-        text += fmt::format(" moves from {:03X}h to {:03X}h", move.from, move.to);
+        text += " " + Say("moves from {:03X}h to {:03X}h", move.from, move.to);
     if (move.sizeBefore != move.sizeAfter)
-        text += fmt::format("{} {} bytes become {}", move.from != move.to ? "," : "", move.sizeBefore, move.sizeAfter);
+        text += (move.from != move.to ? ", " : " ") + Say("{} bytes become {}", move.sizeBefore, move.sizeAfter);
     return text;
 }
 
@@ -53,8 +60,8 @@ std::vector<CHANGE> Shown(const PLAN& plan, const FRU& before, const FRU& after)
     std::vector<CHANGE> records;
     for (const DIFFERENCE& one : Compare(before, after))
         if (ParseRecordName(one.Name()))
-            records.push_back({AREA_ID::MULTIRECORD, one.Name(), one.left ? one.left->value : "",
-                               one.right ? one.right->value : "", ""});
+            records.push_back({AREA_ID::MULTIRECORD, one.Name(), one.left ? one.left->Shown() : "",
+                               one.right ? one.right->Shown() : "", ""});
     std::vector<CHANGE> changes;
     for (const CHANGE& change : plan.changes) {
         const bool isRecord = change.area == AREA_ID::MULTIRECORD && IsValue(change) && !records.empty();
@@ -75,14 +82,15 @@ std::string DescribePlan(const PLAN& plan, const FRU& before, const FRU& after) 
     std::string text;
     for (const CHANGE& change : changes) {
         if (IsValue(change))
-            text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.before), Side(change.after));
+            text += fmt::format("  {:<{}}  {} -> {}\n", change.name, width, Side(change.name, change.before),
+                                Side(change.name, change.after));
         else
-            text += fmt::format("  {}: {}\n", change.name, change.text);
+            text += fmt::format("  {}: {}\n", change.name, Spoken(change.text));
     }
     for (const MOVE& move : plan.moves)
         text += fmt::format("  {}\n", MoveText(move));
     for (const std::string& note : plan.notes)
-        text += fmt::format("  note: {}\n", note);
+        text += "  " + Say("note: {}", Spoken(note)) + "\n";
     return text;
 }
 

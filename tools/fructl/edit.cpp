@@ -4,6 +4,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/words/words.h"
 
 #include <fmt/format.h>
 
@@ -40,8 +41,14 @@ std::string PresentMinute() {
     return text;
 }
 
-bool IsDate(const FIELD_NAME& name) {
-    return name.part == FIELD_NAME::FIXED && AreaRow(name.area).fields[name.index].kind == FIELD_KIND::DATE;
+/// The value of a field that is no text: what this run's language calls it counts as well as what the standard does.
+std::string Meant(const FIELD_NAME& name, const std::string& value) {
+    const FIELD_KIND kind =
+        name.part == FIELD_NAME::FIXED ? AreaRow(name.area).fields[name.index].kind : FIELD_KIND::TEXT;
+    if (kind == FIELD_KIND::TEXT && name.part != FIELD_NAME::LANGUAGE)
+        return value;
+    const std::string meant = InEnglish(value);
+    return kind == FIELD_KIND::DATE && meant == "now" ? PresentMinute() : meant;
 }
 
 EDIT AreaEdit(const FIELD_NAME& name, const std::string& value, bool resize) {
@@ -61,7 +68,7 @@ EDIT Assignment(std::string name, const std::string& value, const EDIT_OPTIONS& 
     const FIELD_NAME field = NamedField(name);
     if (field.part == FIELD_NAME::DATA)
         return AreaEdit(field, value, options.resizeInternal);
-    return FruImage::SET_FIELD{field, IsDate(field) && value == "now" ? PresentMinute() : value, encoding};
+    return FruImage::SET_FIELD{field, Meant(field, value), encoding};
 }
 
 EDIT Removal(const std::string& name) {

@@ -5,6 +5,7 @@
 #include "tools/fructl/recordwords.h"
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/titles.h"
+#include "tools/fructl/words/words.h"
 
 #include <fmt/format.h>
 
@@ -17,13 +18,6 @@ namespace {
 
 constexpr std::string_view MARK = "#! ";
 constexpr std::string_view BLANKS = " \t\r";
-constexpr const char* INTRODUCTION =
-    "# {}: one NAME = VALUE a line. The difference is shown before anything is written.\n"
-    "#   NAME =                  empties a field\n"
-    "#   product.custom3 = Rack  adds a custom field, with the next number or custom+\n"
-    "#   NAME:6-bit = VALUE      chooses an encoding: text, 6-bit, bcd+, binary, two-byte\n"
-    "# A custom field goes with its line, and a record with the last of its lines; any other line may be missing.\n"
-    "# A value in \"\" keeps blanks around it, and has \\xNN for a character by its number, \\\" and \\\\.\n";
 
 std::string Trimmed(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(BLANKS);
@@ -84,29 +78,30 @@ std::optional<std::string> Unquoted(std::string_view text) {
 }
 
 std::string Value(const ENTRY& entry) {
-    return entry.type == "language" && entry.bare.empty() ? std::to_string(entry.raw.at(0)) : entry.bare;
+    return entry.type == "language" && entry.bare.empty() ? std::to_string(entry.raw.at(0)) : entry.ShownBare();
 }
 
 /// The comment in front of an entry's line.
 std::string Remark(const ENTRY& entry) {
     if (entry.type == "chassis-type")
-        return "# a name or a number: 'fructl fields' lists them\n";
+        return "# " + Say("a name or a number: 'fructl fields' lists them") + "\n";
     if (entry.type == "date")
-        return "# UTC; or now, or unspecified\n";
+        return "# " + Say("UTC; or now, or unspecified") + "\n";
     const bool isMarked =
         (entry.type == "6-bit" || entry.type == "bcd+" || entry.type == "binary") && !entry.raw.empty();
     return isMarked ? fmt::format("# {}\n", entry.type) : std::string();
 }
 
 std::string Heading(const FRU& fru, const AREA& area) {
-    std::string text = fmt::format("\n# --- {}: {}", AreaTitle(area.id), Counted(area.length, "byte"));
+    std::string text = fmt::format("\n# --- {}: {}", AreaTitle(area.id), SayCount(area.length, "byte"));
     if (area.IsInfo())
-        text += fmt::format(", {} free", area.Free());
+        text += ", " + Say("{} free", area.Free());
     text += "\n";
     if (area.damaged)
-        text += fmt::format("# Damaged, to be repaired before it is changed: {}\n", ProblemText(fru, area.id));
+        text +=
+            "# " + Say("Damaged, to be repaired before it is changed: {}", Spoken(ProblemText(fru, area.id))) + "\n";
     if (area.id == AREA_ID::INTERNAL_USE)
-        text += "# internal.data = BYTES in hexadecimal, or @FILE, replaces them\n";
+        text += "# " + Say("internal.data = BYTES in hexadecimal, or @FILE, replaces them") + "\n";
     return text;
 }
 
@@ -118,6 +113,20 @@ std::string RecordHeading(const FRU& fru, const ENTRY& entry) {
     return fmt::format("# {}\n", Decoded(area->records[name->index]).title);
 }
 
+std::string Introduction(const std::string& label) {
+    std::string text;
+    for (const std::string& line :
+         {Say("{}: one NAME = VALUE a line. The difference is shown before anything is written.", label),
+          Say("  NAME =                  empties a field"),
+          Say("  product.custom3 = Rack  adds a custom field, with the next number or custom+"),
+          Say("  NAME:6-bit = VALUE      chooses an encoding: text, 6-bit, bcd+, binary, two-byte"),
+          Say("A custom field goes with its line, and a record with the last of its lines; any other line may be "
+              "missing."),
+          Say("A value in \"\" keeps blanks around it, and has \\xNN for a character by its number, \\\" and \\\\.")})
+        text += "# " + line + "\n";
+    return text;
+}
+
 std::string MissingAreas(const FRU& fru) {
     std::string names;
     for (const AREA_ROW& row : Areas())
@@ -125,9 +134,10 @@ std::string MissingAreas(const FRU& fru) {
             names += fmt::format("{}{}", names.empty() ? "" : ", ", row.name);
     return names.empty()
                ? names
-               : fmt::format("\n# Not there: {}. A line with a name of theirs, as 'fructl fields' lists them, "
-                             "adds the area.\n",
-                             names);
+               : "\n# " +
+                     Say("Not there: {}. A line with a name of theirs, as 'fructl fields' lists them, adds the area.",
+                         names) +
+                     "\n";
 }
 
 CEditedText::LINE ReadLine(std::string text) {
@@ -158,7 +168,7 @@ std::string BareName(const std::string& name) {
 
 std::string EditText(const CONTENTS& contents) {
     const FRU& fru = contents.fru;
-    std::string text = fmt::format(INTRODUCTION, Printable(contents.source.label));
+    std::string text = Introduction(Printable(contents.source.label));
     const std::vector<ENTRY> entries = Entries(fru);
     for (const AREA& area : fru.areas) {
         text += Heading(fru, area);

@@ -2,6 +2,7 @@
 
 #include "tools/fructl/report.h"
 #include "tools/fructl/titles.h"
+#include "tools/fructl/words/words.h"
 
 #include "fruimage/description.h"
 
@@ -151,7 +152,8 @@ json JsonProblems(const FRU& fru) {
     json problems = json::array();
     for (const FINDING& finding : fru.findings)
         if (finding.severity == SEVERITY::DAMAGE || fru.state == STATE::BLANK)
-            problems.push_back({{"area", AreaName(finding.area)}, {"code", finding.code}, {"text", finding.text}});
+            problems.push_back(
+                {{"area", AreaName(finding.area)}, {"code", finding.code}, {"text", Spoken(finding.text)}});
     return problems;
 }
 
@@ -161,7 +163,7 @@ json JsonFindings(const FRU& fru) {
         json one = {{"severity", finding.severity == SEVERITY::DAMAGE ? "damage" : "note"},
                     {"area", AreaName(finding.area)},
                     {"code", finding.code},
-                    {"text", finding.text},
+                    {"text", Spoken(finding.text)},
                     {"offset", finding.offset}};
         if (!finding.found.empty())
             one["found"] = Hex(finding.found);

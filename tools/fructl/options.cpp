@@ -6,6 +6,7 @@
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
 #include "tools/fructl/way.h"
+#include "tools/fructl/words/words.h"
 
 #include "drivers/lan/lan.h"
 
@@ -142,7 +143,7 @@ std::shared_ptr<GLOBAL_OPTIONS> AddGlobalOptions(CLI::App& app) {
               "a number; 3 for FRUs behind a mini-BMC");
     AddNumber(app, "--wait", settings.wait, 0, 86'400, "Wait so long for another writer of the device, usually 60",
               "SECONDS", "a number of seconds, up to 86400");
-    AddWord(app, "--lang", settings.language, Languages(), "Language of titles", "LANG");
+    AddWord(app, "--lang", settings.language, Languages(), "Language of what is shown", "LANG");
     AddNumber(app, "--debug", settings.debugLevel, 0, 3, "Write DBGLOG.txt, level 1 to 3", "LEVEL",
               "a level from 0 to 3");
     app.add_flag("--json", settings.json, "Print JSON (docs/json.md)");
@@ -156,6 +157,7 @@ void TakeGlobalOptions(const GLOBAL_OPTIONS& options) {
     const char* terminal = std::getenv("TERM");
     const bool isDumb = terminal && std::string_view(terminal) == "dumb";
     Settings().color = !options.noColor && !IsSet("NO_COLOR") && !isDumb && isatty(STDOUT_FILENO) != 0;
+    ChooseWords(Settings().language);
     TakeLanOptions();
 }
 

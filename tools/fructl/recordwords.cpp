@@ -1,6 +1,7 @@
 #include "tools/fructl/recordwords.h"
 
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/words/words.h"
 
 #include <fmt/format.h>
 
@@ -52,6 +53,10 @@ void SetType(const RECORD_CHANGE& change, const AREA* area, RECORD_VALUES& value
 void SetField(const RECORD_CHANGE& change, RECORD_VALUE& record) {
     auto result = FruRecords::EncodeField(record.type, record.data, change.name.key, change.value);
     if (!result.data)
+        if (auto named = FruRecords::EncodeField(record.type, record.data, change.name.key, InEnglish(change.value));
+            named.data)
+            result = std::move(named);
+    if (!result.data)
         RefuseField(change.name, result.error);
     record.data = std::move(*result.data);
 }
@@ -74,7 +79,21 @@ std::string RecordNameText(std::size_t index, std::string_view key) {
 }
 
 FruRecords::DECODED_RECORD Decoded(const RECORD& record) {
-    return FruRecords::DecodeRecord(record.Type(), record.data);
+    FruRecords::DECODED_RECORD decoded = FruRecords::DecodeRecord(record.Type(), record.data);
+    decoded.title = Word(decoded.title);
+    for (FruRecords::RECORD_FIELD& field : decoded.fields) {
+        field.title = Word(field.title);
+        if (!field.isContent)
+            field.display = Spoken(field.display);
+    }
+    for (FruRecords::RECORD_LINE& line : decoded.lines) {
+        line.title = Word(line.title);
+        if (!line.isContent)
+            line.text = Spoken(line.text);
+    }
+    for (std::string& note : decoded.notes)
+        note = Spoken(note);
+    return decoded;
 }
 
 std::vector<ENTRY> RecordEntries(const AREA& area) {
@@ -83,10 +102,10 @@ std::vector<ENTRY> RecordEntries(const AREA& area) {
         const RECORD& record = area.records[index];
         const std::string type = fmt::format("0x{:02X}", record.Type());
         entries.push_back({RecordNameText(index, TYPE_KEY), type, "record-type", {record.Type()}, area.id, type});
-        for (const FruRecords::RECORD_FIELD& field : Decoded(record).fields) {
+        for (const FruRecords::RECORD_FIELD& field : FruRecords::DecodeRecord(record.Type(), record.data).fields) {
             const BYTE_VIEW bytes = Slice(record.data, field.offset, field.size);
             entries.push_back({RecordNameText(index, field.key), field.display, "record",
-                               BYTES(bytes.begin(), bytes.end()), area.id, field.bare});
+                               BYTES(bytes.begin(), bytes.end()), area.id, field.bare, !field.isContent});
         }
     }
     return entries;

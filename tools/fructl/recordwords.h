@@ -24,7 +24,7 @@ struct RECORD_NAME {
 std::optional<RECORD_NAME> ParseRecordName(std::string_view text);
 std::string RecordNameText(std::size_t index, std::string_view key);
 
-/// The decoded record.
+/// The decoded record, in the language of this run except `key`, `value`, `unit` and `bare`.
 FruRecords::DECODED_RECORD Decoded(const RECORD& record);
 /// Its fields, and its type, as entries.
 std::vector<ENTRY> RecordEntries(const AREA& area);

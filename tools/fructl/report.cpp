@@ -3,6 +3,7 @@
 #include "tools/fructl/recordwords.h"
 #include "tools/fructl/terminal.h"
 #include "tools/fructl/titles.h"
+#include "tools/fructl/words/words.h"
 
 #include <fmt/format.h>
 
@@ -19,22 +20,21 @@ constexpr const char* KINDS[] = {"FRU text file", "binary image", "device"};
 
 std::string ChecksumText(const AREA& area) {
     if (area.checksum == area.expectedChecksum)
-        return "checksum ok";
-    return Colored(COLOR::RED,
-                   fmt::format("checksum {:02X}h, should be {:02X}h", area.checksum, area.expectedChecksum));
+        return Say("checksum ok");
+    return Colored(COLOR::RED, Say("checksum {:02X}h, should be {:02X}h", area.checksum, area.expectedChecksum));
 }
 
 std::string AreaHeading(const AREA& area) {
     std::string text = Colored(COLOR::BOLD, AreaTitle(area.id));
-    text += fmt::format("  {} at {:03X}h", Counted(area.length, "byte"), area.offset);
+    text += "  " + Say("{} at {:03X}h", SayCount(area.length, "byte"), area.offset);
     if (area.IsInfo()) {
         const std::string_view language = FruImage::LanguageName(area.language);
-        text += fmt::format(", {} free, {}", area.Free(), ChecksumText(area));
+        text += ", " + Say("{} free", area.Free()) + ", " + ChecksumText(area);
         if (area.Row().hasLanguage)
-            text += fmt::format(", language {} ({})", area.language, language.empty() ? "?" : language);
+            text += ", " + Say("language {} ({})", area.language, language.empty() ? "?" : Word(language));
     }
     if (!area.certain)
-        text += Colored(COLOR::YELLOW, ", found by search");
+        text += Colored(COLOR::YELLOW, ", " + Say("found by search"));
     return text + "\n";
 }
 
@@ -42,12 +42,14 @@ std::string FieldRows(const AREA& area) {
     std::vector<std::vector<std::string>> rows;
     for (std::size_t position = 0; position < area.fields.size(); ++position) {
         const FIELD& field = area.fields[position];
-        std::string value = field.text.empty() ? Colored(COLOR::DIM, "(empty)") : field.text;
+        std::string value = field.kind == FIELD_KIND::TEXT ? field.text : Spoken(field.text);
+        if (value.empty())
+            value = Colored(COLOR::DIM, Say("(empty)"));
         const bool isPlain = field.kind != FIELD_KIND::TEXT || field.encoding == FruImage::ENCODING::TEXT;
         if (!isPlain && !field.bytes.empty())
             value += Colored(COLOR::DIM, fmt::format(" [{}]", TypeName(field)));
         if (field.cut)
-            value += Colored(COLOR::RED, " [cut]");
+            value += Colored(COLOR::RED, fmt::format(" [{}]", Say("cut")));
         rows.push_back({Colored(COLOR::DIM, FieldNameText(FruImage::FieldAt(area.id, position))),
                         Title(area.Row(), position), value});
     }
@@ -74,9 +76,11 @@ std::size_t LineWidth() {
 /// `text` on lines of at most `width` columns, broken at blanks; further lines begin with `indent` blanks.
 std::string Wrapped(std::string text, std::size_t indent, std::size_t width) {
     std::string lines;
-    while (indent < width && text.size() > width - indent) {
-        const std::size_t end = text.rfind(' ', width - indent);
-        if (end == std::string::npos)
+    while (indent < width && Width(text) > width - indent) {
+        std::size_t end = text.rfind(' ');
+        while (end != std::string::npos && end > 0 && Width(text.substr(0, end)) > width - indent)
+            end = text.rfind(' ', end - 1);
+        if (end == std::string::npos || end == 0)
             break;
         lines += text.substr(0, end) + "\n" + std::string(indent, ' ');
         text.erase(0, end + 1);
@@ -87,8 +91,8 @@ std::string Wrapped(std::string text, std::size_t indent, std::size_t width) {
 std::string RecordText(const RECORD& record, std::size_t number) {
     constexpr std::size_t INDENT = 4;
     const FruRecords::DECODED_RECORD decoded = Decoded(record);
-    std::string text = fmt::format("  record {}  type {:02X}h  {}  {}\n", number, record.Type(),
-                                   Counted(record.data.size(), "byte"), decoded.title);
+    std::string text = fmt::format("  {}  {}  {}  {}\n", Say("record {}", number), Say("type {:02X}h", record.Type()),
+                                   SayCount(record.data.size(), "byte"), decoded.title);
     std::size_t width = 0;
     for (const FruRecords::RECORD_LINE& line : decoded.lines)
         width = std::max(width, Width(line.title));
@@ -120,8 +124,8 @@ std::string NoteRows(const FRU& fru) {
     std::string text;
     for (const FINDING& finding : fru.findings)
         if (finding.severity == SEVERITY::NOTE && fru.state != STATE::BLANK)
-            text += fmt::format("  {}: {}\n", AreaName(finding.area), finding.text);
-    return text.empty() ? text : "\n" + Colored(COLOR::BOLD, "Notes") + "\n" + text;
+            text += fmt::format("  {}: {}\n", AreaName(finding.area), Spoken(finding.text));
+    return text.empty() ? text : "\n" + Colored(COLOR::BOLD, Say("Notes")) + "\n" + text;
 }
 
 } // namespace
@@ -129,8 +133,8 @@ std::string NoteRows(const FRU& fru) {
 std::string TextReport(const CONTENTS& contents) {
     const FRU& fru = contents.fru;
     const SOURCE& source = contents.source;
-    std::string text = fmt::format("{}  {}, {}", Colored(COLOR::BOLD, source.label), KINDS[source.kind],
-                                   Counted(fru.bytes.size(), "byte"));
+    std::string text = fmt::format("{}  {}, {}", Colored(COLOR::BOLD, ShownLabel(source)), Word(KINDS[source.kind]),
+                                   SayCount(fru.bytes.size(), "byte"));
     if (!source.title.empty() && source.title != source.label)
         text += fmt::format(", \"{}\"", Printable(source.title));
     if (source.kind == SOURCE::DEVICE)

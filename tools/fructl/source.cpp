@@ -4,11 +4,17 @@
 #include "tools/fructl/filekind.h"
 #include "tools/fructl/files.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/words/words.h"
 
 namespace Fructl {
 
 SOURCE EepromSource(const std::string& path) {
     return {SOURCE::DEVICE, path, {}, {}, {}, true};
+}
+
+std::string ShownLabel(const SOURCE& source) {
+    const bool isOwn = source.kind == SOURCE::DEVICE && source.label == "system FRU";
+    return isOwn ? Say("system FRU") : source.label;
 }
 
 std::string DeviceText(const SOURCE& device) {

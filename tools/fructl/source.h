@@ -27,6 +27,8 @@ struct SOURCE {
 
 /// The EEPROM that the kernel shows as a file.
 SOURCE EepromSource(const std::string& path);
+/// The source's name for people, in the language of this run; messages have its `label`.
+std::string ShownLabel(const SOURCE& source);
 /// The device in the form of --at and --to.
 std::string DeviceText(const SOURCE& device);
 /// Reads a file; its first bytes tell the kind.

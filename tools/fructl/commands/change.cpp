@@ -4,6 +4,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/lock.h"
 #include "tools/fructl/savefru.h"
+#include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -53,7 +54,7 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     const SOURCE& source = change.contents.source;
     if (options.asks && !change.plan.IsEmpty() && IsAsked(options.write)) {
         Note(fmt::format("{}:\n{}", source.label, change.difference));
-        Confirm("write " + change.output, options.write);
+        Confirm(change.output, options.write);
     }
     if (!options.write.backup.empty())
         KeepBackup(source, change.contents.bytes, options.write.backup);
@@ -61,7 +62,7 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     if (source.kind == SOURCE::IMAGE && change.plan.bytes.size() > change.contents.bytes.size())
         Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
                          Counted(change.contents.bytes.size(), "byte"), change.plan.bytes.size()));
-    Note(fmt::format("changed {}\n{}", change.output, change.difference));
+    Note(fmt::format("{}\n{}", Say("changed {}", change.output), change.difference));
 }
 
 void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
@@ -83,7 +84,7 @@ void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& opt
     if (writes)
         WriteChange(change, options);
     else if (options.write.dryRun && !Settings().json)
-        PrintText(fmt::format("{}:\n{}Nothing was written.\n", source.label, change.difference));
+        PrintText(fmt::format("{}:\n{}{}\n", ShownLabel(source), change.difference, Say("Nothing was written.")));
     if (Settings().json && change.output != STANDARD_STREAM)
         PrintJson({{"source", JsonSource(source)},
                    {"changes", JsonChanges(contents.fru, after)},
@@ -124,20 +125,21 @@ void AddEditOptions(CLI::App& command, EDIT_OPTIONS& options) {
     AddLayoutOptions(command, options);
 }
 
-void Confirm(const std::string& question, const WRITE_OPTIONS& options, const std::string& odd) {
+void Confirm(const std::string& target, const WRITE_OPTIONS& options, const std::string& odd) {
     std::fflush(stdout);
     if (options.yes)
         return;
     if (!IsAsked(options)) {
         if (!odd.empty() && !Settings().force)
-            throw CToolError(EXIT_REFUSED, question, odd, "without a terminal to ask, --yes insists on it");
+            throw CToolError(EXIT_REFUSED, "write " + target, odd, "without a terminal to ask, --yes insists on it");
         return;
     }
-    fmt::print(stderr, "{}{}{}? [y/N] ", odd, odd.empty() ? "" : "\n", question);
+    const std::string yes = Say("yes");
+    fmt::print(stderr, "{}{}{} [{}/N] ", Spoken(odd), odd.empty() ? "" : "\n", Say("write {}?", target), yes[0]);
     std::string answer;
     std::getline(std::cin, answer);
-    if (answer != "y" && answer != "yes")
-        throw CToolError(EXIT_REFUSED, question, "the answer is no: nothing was written");
+    if (answer.empty() || !(yes == answer || yes.substr(0, 1) == answer || answer == "y" || answer == "yes"))
+        throw CToolError(EXIT_REFUSED, "write " + target, "the answer is no: nothing was written");
 }
 
 std::string Oddity(const CONTENTS& present) {

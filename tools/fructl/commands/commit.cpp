@@ -5,6 +5,7 @@
 #include "tools/fructl/files.h"
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
+#include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -81,16 +82,17 @@ std::optional<LIBRARY_CHANGES> ThroughLibrary(const CONTENTS& contents, const PL
 
 std::string StepsText(const PLAN& plan) {
     std::string text =
-        fmt::format("  written in {}: {}\n", Counted(plan.steps.size(), "step"), Counted(plan.Written(), "byte"));
+        "  " + Say("written in {}: {}", SayCount(plan.steps.size(), "step"), SayCount(plan.Written(), "byte")) + "\n";
     for (const FruImage::STEP& step : plan.steps)
-        text += fmt::format("    {:5} at {:03X}h  {}\n", Counted(step.bytes.size(), "byte"), step.offset, step.what);
+        text += fmt::format("    {}  {}\n", Say("{} at {:03X}h", SayCount(step.bytes.size(), "byte"), step.offset),
+                            Spoken(step.what));
     return text;
 }
 
 nlohmann::json JsonSteps(const PLAN& plan) {
     nlohmann::json steps = nlohmann::json::array();
     for (const FruImage::STEP& step : plan.steps)
-        steps.push_back({{"offset", step.offset}, {"length", step.bytes.size()}, {"what", step.what}});
+        steps.push_back({{"offset", step.offset}, {"length", step.bytes.size()}, {"what", Spoken(step.what)}});
     return steps;
 }
 
@@ -206,22 +208,22 @@ void Commit(const SOURCE& device, const PLANNER& planner, const WRITE_OPTIONS& o
         std::fflush(stdout);
     };
     if (plan.IsEmpty())
-        return finish("Nothing to change: every field has its value already.\n");
+        return finish(Say("Nothing to change: every field has its value already.") + "\n");
     const auto library = ThroughLibrary(contents, plan);
     report["steps"] = library ? nlohmann::json::array() : JsonSteps(plan);
     if (!Settings().json)
-        PrintText(fmt::format("{}:\n{}{}", device.label, DescribePlan(plan, contents.fru, after),
+        PrintText(fmt::format("{}:\n{}{}", ShownLabel(device), DescribePlan(plan, contents.fru, after),
                               library ? "" : StepsText(plan)));
     if (options.dryRun)
-        return finish("Nothing was written.\n");
-    Confirm("write " + device.label, options, options.mends ? "" : Oddity(contents));
+        return finish(Say("Nothing was written.") + "\n");
+    Confirm(ShownLabel(device), options, options.mends ? "" : Oddity(contents));
     const std::string backup = options.noBackup ? "" : KeepBackup(device, contents.bytes, options.backup);
     if (!backup.empty())
         report["backup"] = backup;
     const CFinish untilSaid;
     WritePlan(contents, plan, library, backup);
     report["written"] = true;
-    finish(Colored(COLOR::GREEN, "Written and verified.") + "\n");
+    finish(Colored(COLOR::GREEN, Say("Written and verified.")) + "\n");
 }
 
 void AddCommit(CLI::App& app) {

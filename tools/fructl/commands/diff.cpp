@@ -1,6 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/compare.h"
+#include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -14,11 +15,11 @@ constexpr std::size_t SHOWN = 60;
 
 std::string Side(const std::optional<ENTRY>& entry) {
     if (!entry)
-        return "(not there)";
+        return Say("(not there)");
     if (entry->value.size() > SHOWN && entry->type == "binary")
-        return fmt::format("{}... ({} bytes)", entry->value.substr(0, SHOWN), entry->raw.size());
+        return fmt::format("{}... ({})", entry->value.substr(0, SHOWN), SayCount(entry->raw.size(), "byte"));
     const bool marked = entry->type == "6-bit" || entry->type == "bcd+" || entry->type == "binary";
-    return fmt::format("\"{}\"{}", entry->value, marked ? fmt::format(" [{}]", entry->type) : "");
+    return fmt::format("\"{}\"{}", entry->Shown(), marked ? fmt::format(" [{}]", entry->type) : "");
 }
 
 nlohmann::json JsonSide(const std::optional<ENTRY>& entry) {

@@ -1,6 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
 #include "tools/fructl/titles.h"
+#include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -19,46 +20,48 @@ struct LISTED {
 std::string Hint(const FIELD_ROW& field) {
     switch (field.kind) {
     case FIELD_KIND::CHASSIS_TYPE:
-        return "a name or number, see below";
+        return Say("a name or number, see below");
     case FIELD_KIND::DATE:
-        return "2026-05-31, 2026-05-31T14:30Z (UTC), now or unspecified";
+        return Say("2026-05-31, 2026-05-31T14:30Z (UTC), now or unspecified");
     default:
         return {};
     }
 }
 
 std::vector<LISTED> AllFields() {
-    std::vector<LISTED> all = {{"header.data", "Common header", "read only"}};
+    std::vector<LISTED> all = {{"header.data", Say("Common header"), Say("read only")}};
     for (const AREA_ROW& row : Areas()) {
         if (!row.IsInfo()) {
-            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.id), "hexadecimal bytes, or @FILE"});
+            all.push_back({fmt::format("{}.data", row.name), AreaTitle(row.id), Say("hexadecimal bytes, or @FILE")});
             continue;
         }
         for (std::size_t position = 0; position < row.fields.size(); ++position)
             all.push_back(
                 {FieldNameText(FruImage::FieldAt(row.id, position)), Title(row, position), Hint(row.fields[position])});
         all.push_back({FieldNameText(FruImage::FieldAt(row.id, row.fields.size())), Title(row, row.fields.size()),
-                       fmt::format("and so on; {}.custom+=VALUE adds one", row.name)});
+                       Say("and so on; {}.custom+=VALUE adds one", row.name)});
         if (row.hasLanguage)
-            all.push_back({fmt::format("{}.language", row.name), "Language", "a number, or a name such as English"});
+            all.push_back(
+                {fmt::format("{}.language", row.name), Say("Language"), Say("a number, or a name such as English")});
     }
     return all;
 }
 
 std::string TypesText(const FruRecords::RECORD_DESCRIPTION& record) {
     if (record.firstType == record.lastType)
-        return fmt::format("type {:02X}h", record.firstType);
-    return fmt::format("types {:02X}h to {:02X}h", record.firstType, record.lastType);
+        return Say("type {:02X}h", record.firstType);
+    return Say("types {:02X}h to {:02X}h", record.firstType, record.lastType);
 }
 
 std::string RecordFieldsText() {
     std::string text =
-        "\nFields of records: multirecord.N.FIELD, N from 1 on; multirecord.N.type=TYPE makes a new one\n";
+        "\n" + Say("Fields of records: multirecord.N.FIELD, N from 1 on; multirecord.N.type=TYPE makes a new one") +
+        "\n";
     for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
         std::vector<std::vector<std::string>> rows;
         for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
-            rows.push_back({field.key, field.title, Colored(COLOR::DIM, field.accepts)});
-        text += fmt::format("{}, {}\n{}", record.title, TypesText(record), Table(rows));
+            rows.push_back({field.key, std::string(Word(field.title)), Colored(COLOR::DIM, Spoken(field.accepts))});
+        text += fmt::format("{}, {}\n{}", Word(record.title), TypesText(record), Table(rows));
     }
     return text;
 }
@@ -68,8 +71,8 @@ nlohmann::json JsonRecordFields() {
     for (const FruRecords::RECORD_DESCRIPTION& record : FruRecords::DescribeAllRecords()) {
         nlohmann::json fields = nlohmann::json::array();
         for (const FruRecords::FIELD_DESCRIPTION& field : record.fields)
-            fields.push_back({{"name", field.key}, {"title", field.title}, {"accepts", field.accepts}});
-        records.push_back({{"title", record.title},
+            fields.push_back({{"name", field.key}, {"title", Word(field.title)}, {"accepts", Spoken(field.accepts)}});
+        records.push_back({{"title", Word(record.title)},
                            {"firstType", record.firstType},
                            {"lastType", record.lastType},
                            {"fields", std::move(fields)}});
@@ -81,10 +84,10 @@ void PrintFieldsText() {
     std::vector<std::vector<std::string>> rows;
     for (const LISTED& field : AllFields())
         rows.push_back({field.name, field.title, Colored(COLOR::DIM, field.hint)});
-    PrintText("Fields\n" + Table(rows) + "\nChassis types\n");
+    PrintText(Say("Fields") + "\n" + Table(rows) + "\n" + Say("Chassis types") + "\n");
     std::vector<std::vector<std::string>> types;
     constexpr UINT8 HALF = 18;
-    const auto name = [](UINT8 type) { return std::string(FruImage::ChassisTypeName(type)); };
+    const auto name = [](UINT8 type) { return std::string(Word(FruImage::ChassisTypeName(type))); };
     for (UINT8 type = 1; type <= HALF; ++type) {
         const auto second = static_cast<UINT8>(type + HALF);
         types.push_back({fmt::format("{:2}", type), name(type), fmt::format("{}", second), name(second)});

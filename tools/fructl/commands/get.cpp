@@ -68,7 +68,7 @@ nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& 
     for (const std::string& word : words) {
         for (const ENTRY& entry : Wanted(contents, word)) {
             const std::string name = options.withNames ? entry.name + "=" : std::string();
-            text += prefix + name + (options.raw ? Hex(entry.raw) : entry.bare) + "\n";
+            text += prefix + name + (options.raw ? Hex(entry.raw) : entry.ShownBare()) + "\n";
             values[entry.name] = {{"value", entry.bare}, {"type", entry.type}, {"raw", Hex(entry.raw)}};
         }
     }
@@ -79,8 +79,8 @@ nlohmann::json GetOne(const CONTENTS& contents, const std::vector<std::string>& 
 
 /// Several sources: one that fails keeps nobody from the values of the others. @throws CToolError with the status of
 /// the first failure
-void GetEach(const std::vector<NAMED_SOURCE>& sources, const std::vector<std::string>& words, const GET_OPTIONS& options,
-             const std::vector<AREA_ID>& areas) {
+void GetEach(const std::vector<NAMED_SOURCE>& sources, const std::vector<std::string>& words,
+             const GET_OPTIONS& options, const std::vector<AREA_ID>& areas) {
     nlohmann::json all = nlohmann::json::array();
     std::vector<CToolError> failures;
     for (const NAMED_SOURCE& source : sources) {

@@ -1,5 +1,7 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/words/words.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -84,19 +86,19 @@ std::string Picture(const std::string& letters) {
     }
     const std::size_t shown = (used + COLUMNS * bytesPerCell - 1) / (COLUMNS * bytesPerCell) * COLUMNS * bytesPerCell;
     if (shown < letters.size())
-        text += fmt::format("  {:04X}  {} more bytes in no area\n", shown, letters.size() - shown);
-    return text + fmt::format("\n  one character is {} byte{}; lower case: free, '.': in no area\n", bytesPerCell,
-                              bytesPerCell == 1 ? "" : "s");
+        text += fmt::format("  {:04X}  {}\n", shown, Say("{} more bytes in no area", letters.size() - shown));
+    return text + "\n  " +
+           Say("one character is {}; lower case: free, '.': in no area", SayCount(bytesPerCell, "byte")) + "\n";
 }
 
 std::vector<std::string> Row(AREA_ID id, std::size_t offset, std::size_t length, std::size_t used) {
     const MARK& mark = MarkOf(id);
     return {Colored(mark.color, std::string(1, mark.letter)),
-            id == AREA_ID::HEADER ? "Common header" : AreaTitle(id),
+            id == AREA_ID::HEADER ? Say("Common header") : AreaTitle(id),
             fmt::format("{:04X}h", offset),
-            fmt::format("{:5} bytes", length),
-            fmt::format("{:5} used", used),
-            fmt::format("{:5} free", length - std::min(length, used))};
+            Say("{:5} bytes", length),
+            Say("{:5} used", used),
+            Say("{:5} free", length - std::min(length, used))};
 }
 
 void Map(CSources& sources) {
@@ -117,8 +119,8 @@ void Map(CSources& sources) {
             Row(AREA_ID::HEADER, 0, FruImage::HEADER_SIZE, FruImage::HEADER_SIZE)};
         for (const AREA& area : fru.areas)
             rows.push_back(Row(area.id, area.offset, area.length, area.used));
-        PrintText(fmt::format("{}  {} bytes\n\n{}\n{}", Colored(COLOR::BOLD, source.label), fru.bytes.size(),
-                              Picture(Letters(fru)), Table(rows)));
+        PrintText(fmt::format("{}  {}\n\n{}\n{}", Colored(COLOR::BOLD, ShownLabel(source)),
+                              SayCount(fru.bytes.size(), "byte"), Picture(Letters(fru)), Table(rows)));
     }
     contents.RequireSound(false);
 }

@@ -8,6 +8,7 @@
 #include "tools/fructl/interrupt.h"
 #include "tools/fructl/lock.h"
 #include "tools/fructl/report.h"
+#include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -69,16 +70,16 @@ void CheckRestore(const std::string& backup, const FRU& image, const CONTENTS& p
 std::string DifferenceText(const CONTENTS& present, const std::string& backup, const FRU& image) {
     const auto product = [](const FRU& fru) {
         const std::string text = Printable(ProductText(fru));
-        return text.empty() ? std::string("does not tell what it is") : "says it is " + text;
+        return text.empty() ? Say("does not tell what it is") : Say("says it is {}", text);
     };
     std::vector<std::vector<std::string>> rows;
     const auto side = [](const std::optional<ENTRY>& entry) {
-        return entry ? "\"" + Printable(entry->value) + "\"" : std::string("(not there)");
+        return entry ? "\"" + Printable(entry->Shown()) + "\"" : Say("(not there)");
     };
     for (const DIFFERENCE& one : Compare(present.fru, image))
         rows.push_back({one.Name(), side(one.left) + " -> " + side(one.right)});
-    return fmt::format("{} {}\n{} {}\n{}", present.source.label, product(present.fru), backup, product(image),
-                       rows.empty() ? "  every field has its value already\n" : Table(rows));
+    return fmt::format("{} {}\n{} {}\n{}", ShownLabel(present.source), product(present.fru), backup, product(image),
+                       rows.empty() ? "  " + Say("every field has its value already") + "\n" : Table(rows));
 }
 
 FRU ReadBackup(const std::string& backup) {
@@ -118,16 +119,16 @@ void Restore(const std::string& backup, const SOURCE& device, const WRITE_OPTION
     if (!Settings().json)
         PrintText(DifferenceText(present, backup, image));
     if (options.dryRun)
-        Print(report, "Nothing was written.\n");
+        Print(report, Say("Nothing was written.") + "\n");
     CheckRestore(backup, image, present);
     if (options.dryRun)
         return;
-    Confirm("write " + device.label, options, Oddity(present));
+    Confirm(ShownLabel(device), options, Oddity(present));
     const CFinish untilSaid;
     if (const std::string kept = WriteOver(present, image.bytes, options); !kept.empty())
         report["backup"] = kept;
     report["written"] = true;
-    Print(report, fmt::format("{} written and verified.\n", Counted(image.bytes.size(), "byte")));
+    Print(report, Say("{} written and verified.", SayCount(image.bytes.size(), "byte")) + "\n");
 }
 
 } // namespace

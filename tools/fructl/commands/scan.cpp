@@ -7,6 +7,7 @@
 #include "tools/fructl/open.h"
 #include "tools/fructl/session.h"
 #include "tools/fructl/way.h"
+#include "tools/fructl/words/words.h"
 
 #include "frudata/bmclib.h"
 
@@ -40,7 +41,7 @@ json JsonOne(const SCANNED& one) {
     json result = JsonReport(one.contents);
     if (!one.error.empty()) {
         result["status"] = "unreadable";
-        result["problems"] = {{{"area", "header"}, {"code", "unreadable"}, {"text", one.error}}};
+        result["problems"] = {{{"area", "header"}, {"code", "unreadable"}, {"text", Spoken(one.error)}}};
     }
     return result;
 }
@@ -71,13 +72,14 @@ std::vector<std::string> Row(const SCANNED& one) {
             product.empty() ? "-" : Printable(product),
             Serial(fru).empty() ? "-" : Printable(Serial(fru)),
             AssetTag(fru).empty() ? "-" : Printable(AssetTag(fru)),
-            one.IsReadable() ? "ok" : Status(one) + ": " + Problem(one)};
+            one.IsReadable() ? Say("ok") : fmt::format("{}: {}", Word(Status(one)), Spoken(Problem(one)))};
 }
 
 constexpr std::size_t STATUS_COLUMN = 5;
 
 std::string ScanTable(const std::vector<SCANNED>& frus) {
-    std::vector<std::vector<std::string>> rows = {{"NAME", "ADDRESS", "PRODUCT", "SERIAL", "ASSET TAG", "STATUS"}};
+    std::vector<std::vector<std::string>> rows = {
+        {Say("NAME"), Say("ADDRESS"), Say("PRODUCT"), Say("SERIAL"), Say("ASSET TAG"), Say("STATUS")}};
     for (const SCANNED& one : frus)
         rows.push_back(Row(one));
     if (const auto width = TerminalWidth())
@@ -110,7 +112,7 @@ std::string ScanCsv(const std::vector<SCANNED>& frus) {
                          FirstText(fru, {"product.manufacturer", "board.manufacturer"}),
                          FirstText(fru, {"product.name", "board.product-name"}),
                          FirstText(fru, {"product.part-number", "board.part-number"}), Serial(fru), AssetTag(fru),
-                         Problem(one)});
+                         Spoken(Problem(one))});
     }
     return text;
 }
@@ -180,7 +182,7 @@ void Probe(const SOURCE& device) {
     if (Settings().json)
         PrintJson({{"device", JsonSource(device)}, {"valid", true}});
     else
-        PrintText(fmt::format("{}: valid FRU header\n", device.label));
+        PrintText(fmt::format("{}: {}\n", ShownLabel(device), Say("valid FRU header")));
 }
 
 /// IPMI version, BMC type and the way taken.
@@ -227,9 +229,9 @@ void Info() {
         const std::string text = bmc["titles"][index];
         return text.empty() ? std::string(fallback) : text;
     };
-    PrintText(Table({{title(0, "IPMI version"), version},
-                     {"BMC type", type},
-                     {"Transport", bmc["transport"]},
+    PrintText(Table({{title(0, "IPMI version"), std::string(Word(version))},
+                     {Say("BMC type"), type},
+                     {Say("Transport"), Spoken(std::string(bmc["transport"]))},
                      {title(1, "FRU devices"), std::to_string(sources.size())},
                      {title(2, "FRU devices with a valid header"), std::to_string(valid)}}));
 }
