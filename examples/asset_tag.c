@@ -5,6 +5,8 @@
  *   asset_tag TAG IN OUT
  *
  *   gcc asset_tag.c -o asset_tag $(pkg-config --cflags --libs frudata)
+ *
+ * FRUDATA_DATADIR names the directory of the library's texts where it is not /usr/share/frudata.
  */
 #include <frudata/frudata.h>
 

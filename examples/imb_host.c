@@ -1,7 +1,8 @@
 /*
  * A host with its own way to the BMC: it defines the three functions of an IMB driver, and the library takes
  * them for every request. Here they serve a binary FRU image in a file, where a real host would pass the
- * request on to its driver. The host shows the product's name and counts the requests.
+ * request on to its driver. The host shows the product's name and counts the requests. Values need no texts; for titles
+ * and messages it would load them with SetLanguageLocale, as asset_tag.c does.
  *
  *   imb_host IMAGE
  *

@@ -2,7 +2,8 @@
 //
 //   g++ inventory.cpp -o inventory $(pkg-config --cflags --libs frudata)
 //
-// FRUDATA_DATADIR names the directory of the library's texts where it is not /usr/share/frudata.
+// FRUDATA_DATADIR names the directory of the library's texts where it is not /usr/share/frudata. Dates are the
+// library's, one day before the standard's.
 #include <frudata/frudata.h>
 #include <frudata/sdrscan.h>
 
@@ -33,8 +34,10 @@ std::wstring Wide(const std::string& text) {
 bool Start() {
     const char* const given = std::getenv("FRUDATA_DATADIR");
     const std::wstring texts = Wide(given ? given : "/usr/share/frudata");
-    if (fru->Initialize(nullptr, 0) != FRU_STATUS_SUCCESS)
+    if (fru->Initialize(nullptr, 0) != FRU_STATUS_SUCCESS) {
+        std::wprintf(L"the library does not start\n");
         return false;
+    }
     if (fru->SetLanguageLocale(fru, (texts + L"/en").c_str(), L"us") == FRU_STATUS_SUCCESS)
         return true;
     std::wprintf(L"no texts below %ls; FRUDATA_DATADIR names the directory that holds enus\n", texts.c_str());
@@ -63,6 +66,15 @@ std::wstring SelectedValue(bool isChassisType) {
     return Text(value);
 }
 
+// The fields of an area that are no custom fields, which the library counts from the last one backwards.
+unsigned int FixedFields(int area, unsigned int fields) {
+    const unsigned int fixed = area == FRU_AREA_CHASSIS   ? 3
+                               : area == FRU_AREA_BOARD   ? 6
+                               : area == FRU_AREA_PRODUCT ? 7
+                                                          : fields;
+    return fixed < fields ? fixed : fields;
+}
+
 void PrintSelectedFru() {
     for (int area = FRU_AREA_INTERNAL_USE; area <= FRU_AREA_MULTIRECORD; ++area) {
         const wchar_t* name = nullptr;
@@ -72,9 +84,10 @@ void PrintSelectedFru() {
             continue; // this FRU does not have the area
         fru->GetNumberOfFields(fru, fields);
         std::wprintf(L"  %ls\n", Text(name));
+        const unsigned int fixed = FixedFields(area, fields);
         for (unsigned int field = 0; field < fields; ++field) {
             const wchar_t* title = nullptr;
-            fru->SelectFieldInteger(fru, field);
+            fru->SelectFieldInteger(fru, field < fixed ? field : fixed + fields - 1 - field);
             fru->GetFieldTitle(fru, title);
             std::wprintf(L"    %-30ls  %ls\n", Text(title),
                          SelectedValue(area == FRU_AREA_CHASSIS && field == 0).c_str());
@@ -131,7 +144,7 @@ int PrintServer() {
 int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     if (!Start())
-        return Fail(L"start");
+        return EXIT_FAILURE;
     int result = EXIT_SUCCESS;
     for (int index = 1; index < argc; ++index)
         result |= InChild([path = Wide(argv[index])] { return PrintFile(path); });

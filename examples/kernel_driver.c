@@ -1,6 +1,7 @@
 /*
  * A host beside the kernel's IPMI driver, where a server's BMC belongs to that driver: it shows the product's name and
- * asset tag in the BMC's own FRU, or in that of a controller behind the BMC, and sets the tag.
+ * asset tag in the BMC's own FRU, or in that of a controller behind the BMC, and sets the tag. Values need no texts;
+ * for titles and messages it would load them with SetLanguageLocale, as asset_tag.c does.
  *
  *   kernel_driver [TAG [CONTROLLER]]      CONTROLLER: slave address on the first IPMB, such as 0x30
  *
