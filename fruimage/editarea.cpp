@@ -97,7 +97,7 @@ FAULT Edit(DRAFT& draft, const REMOVE_AREA& edit) {
 
 FAULT Edit(DRAFT& draft, const SET_INTERNAL& edit) {
     if (edit.bytes.empty())
-        return Refuse(REFUSAL::BAD_VALUE, AREA_ID::INTERNAL_USE, "it has at least its format version");
+        return Refuse(REFUSAL::BAD_VALUE, AREA_ID::INTERNAL_USE, "it has one byte at least, its format version");
     const Result<DRAFT_AREA*> found = draft.FindOrMake(AREA_ID::INTERNAL_USE);
     if (!found)
         return found.Error();

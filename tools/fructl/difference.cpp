@@ -25,13 +25,20 @@ bool IsValue(const CHANGE& change) {
 }
 
 /// Names of the standard, dates among them, have words of this language; texts are what they are.
-std::string Side(const std::string& name, const std::string& value) {
+std::string Words(const std::string& name, const std::string& value) {
     const auto field = FruImage::ParseFieldName(name);
-    const bool isLanguage = field && field->part == FIELD_NAME::LANGUAGE;
+    if (field && field->part == FIELD_NAME::LANGUAGE) {
+        const auto code = ParseNumber(value, 0xFF);
+        const std::string_view language = FruImage::LanguageName(static_cast<UINT8>(code.value_or(0xFF)));
+        return language.empty() ? value : std::string(Word(language));
+    }
     const bool isName =
         field && field->part == FIELD_NAME::FIXED && AreaRow(field->area).fields[field->index].kind != FIELD_KIND::TEXT;
-    const bool isRecord = name.starts_with("multirecord.record");
-    return "\"" + Printable(isLanguage || isName || isRecord ? Spoken(value) : value) + "\"";
+    return isName || name.starts_with("multirecord.record") ? Spoken(value) : value;
+}
+
+std::string Side(const std::string& name, const std::string& value) {
+    return "\"" + Printable(Words(name, value)) + "\"";
 }
 
 std::string MoveText(const MOVE& move) {

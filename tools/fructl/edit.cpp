@@ -163,6 +163,8 @@ CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& op
 
 BYTES AreaBytes(const std::string& path) {
     BYTES bytes = ReadFile(path);
+    if (bytes.empty())
+        throw CToolError(EXIT_REFUSED, path, "is empty");
     const bool isText =
         std::all_of(bytes.begin(), bytes.end(), [](UINT8 byte) { return std::isprint(byte) || std::isspace(byte); });
     if (!isText)

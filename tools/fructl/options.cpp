@@ -25,7 +25,7 @@ namespace Fructl {
 namespace {
 
 [[noreturn]] void RefuseValue(const std::string& option, const std::string& value, const std::string& wanted) {
-    throw CToolError(EXIT_USAGE, fmt::format("{} {}", option, Printable(value)), wanted,
+    throw CToolError(EXIT_USAGE, fmt::format("{} {}", option, Printable(value)), "it takes " + wanted,
                      "'fructl --help' shows all options");
 }
 
@@ -137,10 +137,10 @@ std::shared_ptr<GLOBAL_OPTIONS> AddGlobalOptions(CLI::App& app) {
     app.add_option("--sim", settings.simDirectory, "Use the simulated BMC of this directory")->type_name("DIR");
     AddWord(app, "--interface", settings.interface, WayNames(), "Way to the BMC", "NAME");
     AddNumber(app, "--kcs-port", settings.kcsPort, 1, 0xFFFE, "KCS base port, usually 0xCA2", "PORT",
-              "a number such as 0xCA2");
+              "a number from 1 to 0xFFFE, such as 0xCA2");
     AddLanOptions(app);
     AddNumber(app, "--platform", settings.platform, 0, 0xFFFF, "Platform code; 3: FRUs behind a mini-BMC", "CODE",
-              "a number; 3 for FRUs behind a mini-BMC");
+              "a number up to 65535; 3 for FRUs behind a mini-BMC");
     AddNumber(app, "--wait", settings.wait, 0, 86'400, "Wait so long for another writer of the device, usually 60",
               "SECONDS", "a number of seconds, up to 86400");
     AddWord(app, "--lang", settings.language, Languages(), "Language of what is shown", "LANG");

@@ -62,7 +62,8 @@ void WriteChange(const FILE_CHANGE& change, const CHANGE_OPTIONS& options) {
     if (source.kind == SOURCE::IMAGE && change.plan.bytes.size() > change.contents.bytes.size())
         Note(fmt::format("the image grows from {} to {}; --size says how many a device has",
                          Counted(change.contents.bytes.size(), "byte"), change.plan.bytes.size()));
-    Note(fmt::format("{}\n{}", Say("changed {}", change.output), change.difference));
+    const std::string done = change.plan.IsEmpty() ? Say("saved {}", change.output) : Say("changed {}", change.output);
+    Note(done + "\n" + change.difference);
 }
 
 void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& options) {
@@ -96,10 +97,11 @@ void ChangeFile(SOURCE source, const PLANNER& planner, const CHANGE_OPTIONS& opt
 } // namespace
 
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options) {
-    CLI::Option* backup = command
-                              .add_option("--backup", options.backup,
-                                          "Name of the backup, or a directory for it; a device has one always")
-                              ->type_name("FILE");
+    CLI::Option* backup =
+        command
+            .add_option("--backup", options.backup,
+                        "Name of the backup, or a directory for it; a device gets one without it, too")
+            ->type_name("FILE");
     command.add_flag("--no-backup", options.noBackup, "Keep no backup of a device")->excludes(backup);
     command.add_flag("--dry-run", options.dryRun, "Show the difference, write nothing");
     command.add_flag("--yes", options.yes, "Do not ask before anything is written");

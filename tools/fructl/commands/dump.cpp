@@ -86,7 +86,7 @@ void AddLoad(CLI::App& app) {
     const auto options = std::make_shared<CHANGE_OPTIONS>();
     const auto edits = std::make_shared<EDIT_OPTIONS>();
     AddChangeOptions(command, *options);
-    AddEditOptions(command, *edits);
+    AddLayoutOptions(command, *edits);
     command.callback([sources, options, edits] { Load(*sources, *options, *edits); });
 }
 

@@ -113,7 +113,7 @@ void ListFields(bool namesOnly) {
 
 void AddFields(CLI::App& app) {
     CLI::App& command = NewCommand(app, "fields", "List the names of all fields",
-                                   "  fructl fields                     names and titles\n"
+                                   "  fructl fields                     names, titles, and the values that they take\n"
                                    "  fructl fields --lang de-de        with German titles\n"
                                    "  fructl fields --names             names only, for scripts");
     const auto namesOnly = std::make_shared<bool>(false);

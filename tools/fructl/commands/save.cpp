@@ -80,7 +80,7 @@ void AddSave(CLI::App& app) {
                                    "  fructl save board.bin -o board.fru            and back\n"
                                    "  fructl save --all frus                        every FRU that a scan finds\n"
                                    "With --binary, a device or file is copied byte for byte, damaged or blank too.");
-    const auto sources = std::make_shared<CSources>(command, "SOURCE -o FILE", "File to save");
+    const auto sources = std::make_shared<CSources>(command, "SOURCE -o FILE | --all DIR", "File to save");
     const auto target = std::make_shared<TARGET>();
     const auto all = std::make_shared<std::string>();
     command.add_option("-o,--output", target->path, "File to write")->type_name("FILE");

@@ -416,6 +416,7 @@ inline constexpr PHRASE_ROW DE_DE[] = {
     {"record {}", "Datensatz {}"},
     {"request too long", "Anfrage zu lang"},
     {"reserved bits of the header are not zero", "reservierte Bits des Kopfes sind nicht null"},
+    {"saved {}", "{} gespeichert"},
     {"says it is {}", "gibt sich aus als {}"},
     {"session library", "Sitzungsbibliothek"},
     {"session library for large requests, KCS for others",
