@@ -89,8 +89,8 @@ struct WRITE_OPTIONS {
 };
 void AddWriteOptions(CLI::App& command, WRITE_OPTIONS& options);
 /// Asks on a terminal whether to write `target`, unless `options` answer. Without a terminal it asks nothing, but an
-/// oddity `odd`, which a person should know before anything is written, needs --yes or --force. @throws CToolError if the
-/// answer is no or missing
+/// oddity `odd`, which a person should know before anything is written, needs --yes or --force. @throws CToolError if
+/// the answer is no or missing
 void Confirm(const std::string& target, const WRITE_OPTIONS& options, const std::string& odd = {});
 /// The oddity of contents about to be overwritten: nothing in them tells what the device is. Else empty.
 std::string Oddity(const CONTENTS& present);
