@@ -2,6 +2,7 @@
 
 #include "tools/fructl/bytes.h"
 #include "tools/fructl/interrupt.h"
+#include "tools/fructl/terminal.h"
 #include "tools/fructl/toolerror.h"
 
 #include <nlohmann/json.hpp>
@@ -10,6 +11,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -56,6 +59,9 @@ void SendFrame(int file, FRAME_KIND kind, const json& content) {
 
 [[noreturn]] void RunChild(int pipe, int output, const std::function<json(const PROGRESS&)>& work) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // Notes are for the user, and at once: one may say what is waited for.
+    if (std::FILE* const notes = fdopen(dup(STDERR_FILENO), "w"))
+        NoteStream() = notes;
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     try {
@@ -72,6 +78,26 @@ void SendFrame(int file, FRAME_KIND kind, const json& content) {
     std::fflush(nullptr);
     _exit(0);
 }
+
+/// Children whose work is done. They end by themselves, which takes those that close the kernel's IPMI device some
+/// 10 milliseconds; a process that ends waits for them, as nobody else may.
+class CDoneChildren {
+  public:
+    CDoneChildren() = default;
+    CDoneChildren(const CDoneChildren&) = delete;
+    CDoneChildren& operator=(const CDoneChildren&) = delete;
+    ~CDoneChildren() {
+        for (const pid_t process : m_processes)
+            waitpid(process, nullptr, 0);
+    }
+    void Add(pid_t process) {
+        std::erase_if(m_processes, [](pid_t one) { return waitpid(one, nullptr, WNOHANG) != 0; });
+        m_processes.push_back(process);
+    }
+
+  private:
+    std::vector<pid_t> m_processes;
+};
 
 /// The parent's end of one child. The destructor leaves no child behind.
 class CChild {
@@ -110,8 +136,11 @@ class CChild {
         return false;
     }
 
-    /// Its work is done, and it ends by itself. Closing the kernel's IPMI device alone takes it some 10 milliseconds.
-    void Leave() { m_process = 0; }
+    /// Its work is done.
+    void Leave() {
+        static CDoneChildren done;
+        done.Add(std::exchange(m_process, 0));
+    }
 
     void Wait() {
         int status = 0;
@@ -195,9 +224,6 @@ json RunInChild(const std::function<json(const PROGRESS&)>& work, const PROGRESS
     if (output < 0 || pipe(ends) != 0)
         throw CToolError(EXIT_DEVICE, "session", std::strerror(errno));
     std::fflush(nullptr);
-    // Reap earlier children.
-    while (waitpid(-1, nullptr, WNOHANG) > 0) {
-    }
     const CHold hold;
     const CSignalBlock block;
     const pid_t process = fork();

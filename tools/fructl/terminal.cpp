@@ -93,9 +93,16 @@ std::string Padded(std::string_view text, std::size_t width) {
     return std::string(text) + std::string(width > own ? width - own : 0, ' ');
 }
 
+std::FILE*& NoteStream() {
+    static std::FILE* stream = stderr;
+    return stream;
+}
+
 void Note(const std::string& text) {
-    if (!Settings().quiet)
-        fmt::print(stderr, "fructl: {}{}", text, text.ends_with('\n') ? "" : "\n");
+    if (Settings().quiet)
+        return;
+    fmt::print(NoteStream(), "fructl: {}{}", text, text.ends_with('\n') ? "" : "\n");
+    std::fflush(NoteStream());
 }
 
 void Complain(const CToolError& error) {

@@ -4,6 +4,7 @@
 #include "tools/fructl/child.h"
 #include "tools/fructl/toolerror.h"
 
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,8 @@ std::string Padded(std::string_view text, std::size_t width);
 
 /// Prints a line of advice or warning to standard error, except with --quiet.
 void Note(const std::string& text);
+/// Where it goes, where that is not standard error.
+std::FILE*& NoteStream();
 /// Prints a failure that does not end the command to standard error, behind what was printed until then.
 void Complain(const CToolError& error);
 /// Rows with aligned columns, two blanks between them and in front.
