@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <optional>
+#include <set>
 
 namespace Fructl_Tests {
 
@@ -54,6 +55,20 @@ TEST_F(CLanTest, TheWholeJobOverASession) {
               Remote("get --system board.serial-number").output);
     EXPECT_THAT(Remote("info --json").Json()["transport"].get<std::string>(),
                 testing::StartsWith("LAN, 127.0.0.1:" + std::to_string(m_server->Port())));
+}
+
+TEST_F(CLanTest, ARunHasOneSession) {
+    std::set<BYTES> sessions;
+    const CRelay relay(m_server->Port(), [&sessions](BYTES& packet, bool toServer, unsigned int) {
+        // Of an Open Session Request, one sent again too, the console's number (IPMI 2.0, sections 13.6 and 13.17).
+        if (toServer && packet.size() >= 24 && packet[5] == 0x10)
+            sessions.emplace(packet.begin() + 20, packet.begin() + 24);
+    });
+    for (const char* arguments : {"info", "commit --system board.serial-number=LAN-44 --no-backup"}) {
+        sessions.clear();
+        EXPECT_EQ(Remote(std::string(arguments) + " --cipher 3", relay.Port()).status, 0);
+        EXPECT_EQ(sessions.size(), 1U) << arguments;
+    }
 }
 
 TEST_F(CLanTest, WhatIsWrongIsSaid) {

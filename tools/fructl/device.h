@@ -1,9 +1,8 @@
-// One FRU device, byte by byte: the way of backups, of the check before a load, and of repair. For child
-// processes only.
+// One FRU device, byte by byte: the way of backups, of the check before a load, and of repair.
 #pragma once
 
 #include "tools/fructl/child.h"
-#include "tools/fructl/library.h"
+#include "tools/fructl/bmc.h"
 
 #include "fruimage/image.h"
 
@@ -32,7 +31,7 @@ struct DEVICE_BYTES {
 
 class CDevice {
   public:
-    /// The library must have been started. `name` is for messages.
+    /// A CBmc must be there and started. `name` is for messages.
     CDevice(const ADDRESS& address, std::string name);
 
     /// Bytes of the whole device; nothing where it does not tell.

@@ -17,8 +17,7 @@
 namespace Fructl {
 
 std::vector<SOURCE> ScanDevices() {
-    const nlohmann::json found = RunSession("SDR repository", [](const PROGRESS&) {
-        const CLibrary library(CLibrary::SYSTEM_BMC);
+    const nlohmann::json found = RunOnBmc("SDR repository", [](const CLibrary&, const PROGRESS&) {
         auto list = std::make_unique<OrderedList<FRU_LOCATOR*>>();
         OrderedList<FRU_LOCATOR*>* pointer = list.get();
         ScanSystemForFruLocators(pointer);

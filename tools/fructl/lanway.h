@@ -1,16 +1,17 @@
-// IPMI over LAN as a way to a BMC; loads its module. For child processes.
+// IPMI over LAN as a way to a BMC, when a host is named: one session for all processes of a run.
 #pragma once
 
-#include "drivers/lan/lan.h"
+#include "tools/fructl/imbseam.h"
 
 #include <string>
 
 namespace Fructl {
 
 /// As the members of WAY.
+extern const IMB_DRIVER LAN_DRIVER;
+void ShareLan();
 std::string OpenLan();
 std::string DescribeLan();
 std::string LanFailure();
-void CloseLan();
 
 } // namespace Fructl

@@ -2,14 +2,11 @@
 
 #include "tools/fructl/imbseam.h"
 #include "tools/fructl/languages.h"
-#include "tools/fructl/ports.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/titles.h"
 
-#include "common/ipmi.h"
 #include "frudata/debug.h"
-#include "sim/directory.h"
-#include "sim/fronts.h"
+#include "sim/simulatedbmc.h"
 
 #include <fmt/format.h>
 
@@ -23,8 +20,6 @@ namespace Fructl {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr unsigned TIMEOUT = 5000;
 
 std::wstring Wide(const std::string& text, const std::string& what) {
     std::wstring wide(text.size() + 1, L'\0');
@@ -53,16 +48,17 @@ std::string StatusText(EFI_STATUS status) {
     return fmt::format("the library failed with status {:08X}h", status);
 }
 
+std::unique_ptr<Frudata_Sim::CSimulatedBmc> OneDevice(BYTES image) {
+    auto bmc = std::make_unique<Frudata_Sim::CSimulatedBmc>();
+    bmc->AddFruDevice(0, std::move(image));
+    return bmc;
+}
+
 unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
     return 0;
 }
 
 } // namespace
-
-std::string TransportText(int status) {
-    const std::string reason = IsAnswerLost() ? CurrentWay().Failure() : "";
-    return reason.empty() ? fmt::format("no answer (transport status {})", status) : "no answer: " + reason;
-}
 
 std::string Utf8(const WCHAR* text) {
     std::string narrow;
@@ -80,48 +76,29 @@ std::string Utf8(const WCHAR* text) {
     return narrow;
 }
 
-CLibrary::CLibrary(BMC bmc) : m_table(GetFruDataInterface()) {
-    if (bmc == NO_BMC) {
-        // A BMC without devices keeps the start-up from searching the machine's memory and ports.
-        m_bmc = std::make_unique<Frudata_Sim::CSimulatedBmc>();
-    } else if (!Settings().simDirectory.empty()) {
-        try {
-            m_bmc = Frudata_Sim::LoadBmcDirectory(Settings().simDirectory);
-        } catch (const std::exception& error) {
-            throw CToolError(EXIT_REFUSED, "--sim", error.what(), "sim/README.md describes the directory");
-        }
-    }
+CLibrary::CLibrary(BMC bmc)
+    // A BMC without devices keeps the start-up from searching the machine's memory and ports.
+    : m_bmc(bmc == NO_BMC ? std::make_unique<Frudata_Sim::CSimulatedBmc>() : CBmc::Configured()),
+      m_table(GetFruDataInterface()) {
     Start();
     if (bmc == SYSTEM_BMC)
-        CheckBmc();
+        m_bmc.Check();
 }
 
-CLibrary::CLibrary(BYTES image)
-    : m_table(GetFruDataInterface()), m_bmc(std::make_unique<Frudata_Sim::CSimulatedBmc>()) {
-    m_bmc->AddFruDevice(0, std::move(image));
+CLibrary::CLibrary(BYTES image) : m_bmc(OneDevice(std::move(image))), m_table(GetFruDataInterface()) {
     Start();
 }
 
 CLibrary::~CLibrary() {
     m_table->DeInitialize(m_table);
-    Frudata_Sim::SetCurrentBmc(nullptr);
 }
 
 void CLibrary::Start() {
     // File names are UTF-8 here: the user's locale decides only the language.
     std::setlocale(LC_CTYPE, "C.UTF-8");
-    Frudata_Sim::SetCurrentBmc(m_bmc.get());
-    KCSAddress = KcsPort();
-    if (m_bmc)
-        OpenSimulatedWay();
-    else
-        OpenWay();
-    SetLibDebugLevel(Settings().debugLevel);
     Check(m_table->Initialize(nullptr, Settings().platform), EXIT_DEVICE, "library");
     LoadTexts();
     m_table->SetProgressCallback(m_table, IgnoreProgress);
-    if (const std::string reason = CurrentWay().Started(); !reason.empty())
-        throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
 }
 
 /// Opens the table from its own directory, whose name may have any characters.
@@ -140,23 +117,6 @@ void CLibrary::LoadTexts() const {
         m_table->SetLanguageLocale(m_table, language.c_str(), country.c_str());
     fs::current_path(before, failed);
     SetLibDebugLevel(Settings().debugLevel);
-}
-
-/// Tells a machine without a usable BMC from a silent device.
-void CLibrary::CheckBmc() const {
-    const auto request = std::make_unique<BMC_MESSAGE>();
-    const auto response = std::make_unique<BMC_MESSAGE>();
-    request->rsSa = Frudata_Private::BMC_ADDRESS;
-    request->netFn = Frudata_Private::NETFN_APPLICATION;
-    request->cmd = Frudata_Private::COMMAND_GET_DEVICE_ID;
-    const int status = ProcessMessage(request.get(), response.get(), TIMEOUT);
-    // No request reaches a BMC whose interface is not KCS: the answer is the whole buffer.
-    if (status == 0 && response->dataLength < 0xFF)
-        return;
-    throw CToolError(EXIT_DEVICE, "BMC",
-                     status == 0 ? "its system interface is not KCS"
-                                 : "Get Device ID over " + CurrentWay().Description() + ": " + TransportText(status),
-                     "is there a BMC, and is no other driver using it? --sim DIR works without one");
 }
 
 void CLibrary::Check(EFI_STATUS status, EXIT_STATUS exitStatus, const std::string& what) const {
@@ -186,7 +146,7 @@ void CLibrary::SelectDevice() const {
 }
 
 BYTES CLibrary::Image() const {
-    return m_bmc->FruBytes(0);
+    return m_bmc.Simulated()->FruBytes(0);
 }
 
 } // namespace Fructl

@@ -2,16 +2,11 @@
 #pragma once
 
 #include "tools/fructl/address.h"
+#include "tools/fructl/bmc.h"
 #include "tools/fructl/bytes.h"
 #include "tools/fructl/toolerror.h"
-#include "tools/fructl/way.h"
 
-#include <memory>
 #include <string>
-
-namespace Frudata_Sim {
-class CSimulatedBmc;
-}
 
 namespace Fructl {
 
@@ -47,15 +42,11 @@ class CLibrary {
   private:
     void Start();
     void LoadTexts() const;
-    void CheckBmc() const;
 
-    CWayCloser m_way;
+    CBmc m_bmc;
     _EFI_FRU_INTERFACE* m_table;
-    std::unique_ptr<Frudata_Sim::CSimulatedBmc> m_bmc;
 };
 
-/// Why a request got no answer, in the words of the way.
-std::string TransportText(int status);
 /// UTF-8 of a text of the library; empty for null.
 std::string Utf8(const WCHAR* text);
 

@@ -57,11 +57,9 @@ std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents) {
     return library;
 }
 
-std::unique_ptr<CLibrary> DeviceLibrary(const SOURCE& source) {
-    auto library = std::make_unique<CLibrary>(CLibrary::SYSTEM_BMC);
-    library->Check(library->Load(source.address), EXIT_DAMAGED, source.label);
-    library->SelectDevice();
-    return library;
+void LoadDevice(const CLibrary& library, const SOURCE& source) {
+    library.Check(library.Load(source.address), EXIT_DAMAGED, source.label);
+    library.SelectDevice();
 }
 
 void ApplyChanges(const CLibrary& library, const FRU& fru, LIBRARY_CHANGES changes) {

@@ -11,8 +11,8 @@ namespace Fructl {
 
 /// Starts the library, and loads and selects the FRU of `contents` from a simulated device that holds its image.
 std::unique_ptr<CLibrary> ImageLibrary(const CONTENTS& contents);
-/// The same from the device itself.
-std::unique_ptr<CLibrary> DeviceLibrary(const SOURCE& source);
+/// Loads and selects the FRU of the device itself, with a library that has been started on the BMC.
+void LoadDevice(const CLibrary& library, const SOURCE& source);
 /// Makes the changes; `fru` has the contents of the loaded FRU.
 void ApplyChanges(const CLibrary& library, const FRU& fru, LIBRARY_CHANGES changes);
 

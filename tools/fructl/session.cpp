@@ -1,7 +1,9 @@
 #include "tools/fructl/session.h"
 
+#include "tools/fructl/library.h"
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
+#include "tools/fructl/way.h"
 
 #include <nlohmann/json.hpp>
 
@@ -41,6 +43,14 @@ nlohmann::json RunSession(const std::string& name, const std::function<nlohmann:
     } catch (const CChildDied& death) {
         throw CToolError(EXIT_DAMAGED, name, DeathReason(death));
     }
+}
+
+nlohmann::json RunOnBmc(const std::string& name,
+                        const std::function<nlohmann::json(const CLibrary&, const PROGRESS&)>& work,
+                        const PROGRESS& progress) {
+    ShareWay();
+    return RunSession(
+        name, [&](const PROGRESS& report) { return work(CLibrary(CLibrary::SYSTEM_BMC), report); }, progress);
 }
 
 } // namespace Fructl

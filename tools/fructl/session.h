@@ -10,8 +10,15 @@
 
 namespace Fructl {
 
+class CLibrary;
+
 /// Runs a session whose death means that `name` is damaged.
 nlohmann::json RunSession(const std::string& name, const std::function<nlohmann::json(const PROGRESS&)>& work,
                           const PROGRESS& progress = {});
+
+/// The same with the BMC, which the library has been started on.
+nlohmann::json RunOnBmc(const std::string& name,
+                        const std::function<nlohmann::json(const CLibrary&, const PROGRESS&)>& work,
+                        const PROGRESS& progress = {});
 
 } // namespace Fructl

@@ -7,6 +7,7 @@
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
 
+#include "drivers/lan/lan.h"
 #include "frudata/openipmi.h"
 #include "sim/fronts.h"
 
@@ -35,9 +36,9 @@ int LeaveOpen() {
     return 0;
 }
 
+constexpr IMB_DRIVER KERNEL = {OpenIpmiOpen, LeaveOpen, OpenIpmiSend};
+
 std::string OpenKernel() {
-    static constexpr IMB_DRIVER DRIVER = {OpenIpmiOpen, LeaveOpen, OpenIpmiSend};
-    UseImbDriver(&DRIVER);
     return OpenIpmiOpen() == 0 ? OpenIpmiFailure() : "";
 }
 
@@ -46,7 +47,7 @@ std::string DescribeKernel() {
     return fmt::format("the kernel's IPMI driver, {}", device ? device : "closed");
 }
 
-void NothingToClose() {}
+void NothingToDo() {}
 
 std::string KernelFailure() {
     return OpenIpmiFailure();
@@ -55,7 +56,6 @@ std::string KernelFailure() {
 std::optional<CPortLock> g_portLock;
 
 std::string OpenPorts() {
-    UseImbDriver(nullptr);
     if (const std::string reason = PortRefusal(KcsPort(), Settings().force); !reason.empty())
         return reason;
     if (!g_portLock)
@@ -71,11 +71,6 @@ std::string DescribePorts() {
     return fmt::format("KCS at port {:X}h", KcsPort());
 }
 
-std::string OpenSession() {
-    UseImbDriver(nullptr);
-    return {};
-}
-
 template <_IPMI_INTERFACE_TYPE TYPE> std::string StartSession() {
     return SelectIPMIInterface(TYPE) ? "" : "no session with the BMC: is libipmi.so installed?";
 }
@@ -89,13 +84,14 @@ std::string DescribeLargeSession() {
 }
 
 constexpr WAY WAYS[] = {
-    {"kernel", true, OpenKernel, Nothing, DescribeKernel, KernelFailure, NothingToClose, LOCAL_READ_CHUNK},
-    {"kcs", true, OpenPorts, Nothing, DescribePorts, Nothing, ClosePorts, LOCAL_READ_CHUNK},
-    {"session", false, OpenSession, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing, NothingToClose,
+    {"kernel", true, &KERNEL, NothingToDo, OpenKernel, Nothing, DescribeKernel, KernelFailure, NothingToDo,
      LOCAL_READ_CHUNK},
-    {"session-large", false, OpenPorts, StartSession<IPMI_INTERFACE_USB_LARGE>, DescribeLargeSession, Nothing,
-     ClosePorts, LOCAL_READ_CHUNK},
-    {"lan", false, OpenLan, Nothing, DescribeLan, LanFailure, CloseLan, LAN_READ_CHUNK}};
+    {"kcs", true, nullptr, NothingToDo, OpenPorts, Nothing, DescribePorts, Nothing, ClosePorts, LOCAL_READ_CHUNK},
+    {"session", false, nullptr, NothingToDo, Nothing, StartSession<IPMI_INTERFACE_USB>, DescribeSession, Nothing,
+     NothingToDo, LOCAL_READ_CHUNK},
+    {"session-large", false, nullptr, NothingToDo, OpenPorts, StartSession<IPMI_INTERFACE_USB_LARGE>,
+     DescribeLargeSession, Nothing, ClosePorts, LOCAL_READ_CHUNK},
+    {"lan", false, &LAN_DRIVER, ShareLan, OpenLan, Nothing, DescribeLan, LanFailure, NothingToDo, LAN_READ_CHUNK}};
 
 int OpenSimulated() {
     return Frudata_Sim::CurrentBmc() ? 1 : 0;
@@ -110,8 +106,10 @@ std::string DescribeSimulated() {
     return fmt::format("simulated BMC in {}", Settings().simDirectory);
 }
 
-constexpr WAY SIMULATED = {"simulated",       false,   Nothing,        Nothing,
-                           DescribeSimulated, Nothing, NothingToClose, LOCAL_READ_CHUNK};
+constexpr IMB_DRIVER SIMULATION = {OpenSimulated, OpenSimulated, SendSimulated};
+
+constexpr WAY SIMULATED = {"simulated",       false,   &SIMULATION, NothingToDo,     Nothing, Nothing,
+                           DescribeSimulated, Nothing, NothingToDo, LOCAL_READ_CHUNK};
 
 const WAY* gp_current = &SIMULATED;
 
@@ -128,16 +126,25 @@ std::string WayKey() {
     return Settings().lan.host.empty() ? "bmc" : "lan-" + Settings().lan.host;
 }
 
-void OpenWay() {
+void ShareWay() {
+    for (const WAY& way : WAYS)
+        if (Settings().interface == way.name)
+            way.Share();
+}
+
+bool OpenWay(WAY_USER user) {
     const std::string& asked = Settings().interface;
     std::string reasons;
     for (const WAY& way : WAYS) {
         if (asked.empty() ? !way.isUsual : asked != way.name)
             continue;
+        if (user == WAY_USER::THIS_PROCESS && !way.driver)
+            return false;
+        UseImbDriver(way.driver);
         const std::string reason = way.Open();
         gp_current = &way;
         if (reason.empty())
-            return;
+            return true;
         reasons += fmt::format("{}{}", reasons.empty() ? "" : "; ", reason);
     }
     throw CToolError(EXIT_DEVICE, "BMC", reasons,
@@ -153,8 +160,7 @@ const WAY& CurrentWay() {
 }
 
 void OpenSimulatedWay() {
-    static constexpr IMB_DRIVER DRIVER = {OpenSimulated, OpenSimulated, SendSimulated};
-    UseImbDriver(&DRIVER);
+    UseImbDriver(&SIMULATION);
     gp_current = &SIMULATED;
 }
 

@@ -1,4 +1,4 @@
-// The ways to the BMC, and the choice among them. For child processes, except where it says otherwise.
+// The ways to the BMC, and the choice among them.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,18 @@
 
 namespace Fructl {
 
+struct IMB_DRIVER;
+
 /// One way. A new one is a row in way.cpp.
 struct WAY {
     const char* name; ///< as --interface takes it
     bool isUsual;     ///< tried, in the order of the rows, if no way is asked for
-    /// Makes it the library's next way. @return why that fails, or nothing
+    /// Sends the requests, in any process. Null: the library sends them, in a child process, because it touches ports,
+    /// takes the alarm's signal or loads another's code.
+    const IMB_DRIVER* driver;
+    /// Prepares what the processes of a run share. @throws CToolError
+    void (*Share)();
+    /// Opens it for this process. @return why that fails, or nothing
     std::string (*Open)();
     /// Finishes after the start of the library. @return why that fails, or nothing
     std::string (*Started)();
@@ -24,13 +31,22 @@ struct WAY {
     std::size_t readChunk; ///< bytes that one Read FRU Data may ask for
 };
 
-/// Names for --interface. In every process.
+/// To be called before the fork of a process that opens the way. @throws CToolError
+void ShareWay();
+
+enum class WAY_USER {
+    THIS_PROCESS, ///< needs a way with a driver
+    CHILD         ///< takes any
+};
+
+/// Names for --interface.
 std::vector<std::string> WayNames();
-/// A key that tells the BMC of this run from others. In every process.
+/// A key that tells the BMC of this run from others.
 std::string WayKey();
 
-/// Opens the way asked for, or the first usual one that can be opened. @throws CToolError with all reasons
-void OpenWay();
+/// Opens the way asked for, or the first usual one that can be opened. @return false, and nothing is open, if a way
+/// that is not for `user` comes before. @throws CToolError with all reasons
+bool OpenWay(WAY_USER user);
 /// Closes the way in use when it goes.
 class CWayCloser {
   public:

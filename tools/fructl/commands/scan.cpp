@@ -166,8 +166,7 @@ void Scan(const SCAN_OPTIONS& options) {
 }
 
 /// Exit status and text of a probe.
-json ProbeInChild(const SOURCE& device) {
-    const CLibrary library(CLibrary::SYSTEM_BMC);
+json ProbeInChild(const CLibrary& library, const SOURCE& device) {
     const ADDRESS& address = device.address;
     const EFI_STATUS status =
         library->FindFruAtAddressAndChecksumHeader(library.Table(), address.type, address.lun, address.deviceAddress,
@@ -178,7 +177,7 @@ json ProbeInChild(const SOURCE& device) {
 }
 
 void Probe(const SOURCE& device) {
-    RunSession(device.label, [&](const PROGRESS&) { return ProbeInChild(device); });
+    RunOnBmc(device.label, [&](const CLibrary& library, const PROGRESS&) { return ProbeInChild(library, device); });
     if (Settings().json)
         PrintJson({{"device", JsonSource(device)}, {"valid", true}});
     else
@@ -186,8 +185,7 @@ void Probe(const SOURCE& device) {
 }
 
 /// IPMI version, BMC type and the way taken.
-json InfoInChild() {
-    const CLibrary library(CLibrary::SYSTEM_BMC);
+json InfoInChild(const CLibrary& library) {
     library.Check(library->LoadPropertiesFromSystem(library.Table()), EXIT_DEVICE, "BMC");
     UINT32 type = BMC_TYPE_UNKNOWN;
     UINT32 version = 0;
@@ -204,12 +202,13 @@ json InfoInChild() {
 }
 
 void Info() {
-    const json bmc = RunSession("BMC", [](const PROGRESS&) { return InfoInChild(); });
+    const json bmc = RunOnBmc("BMC", [](const CLibrary& library, const PROGRESS&) { return InfoInChild(library); });
     const std::vector<SOURCE> sources = ScanDevices();
     std::size_t valid = 0;
     for (const SOURCE& source : sources) {
         try {
-            RunSession(source.label, [&](const PROGRESS&) { return ProbeInChild(source); });
+            RunOnBmc(source.label,
+                     [&](const CLibrary& library, const PROGRESS&) { return ProbeInChild(library, source); });
             ++valid;
         } catch (const CToolError&) {
             // A silent one does not count.
