@@ -11,13 +11,57 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace Fructl {
 
 namespace {
 
 constexpr unsigned TIMEOUT = 5000;
+constexpr UINT8 BMC_ADDRESS = 0x20;
+
+/// Straight to the driver: the library's way clears a record of 64 KiB for each answer and asks for the ports.
+int SendOverDriver(const BMC_REQUEST& request, BMC_ANSWER& answer) {
+    UINT8 data[1024];
+    int length = sizeof data;
+    const _IMBPREQUESTDATA record = {request.cmd,
+                                     BMC_ADDRESS,
+                                     0,
+                                     request.netFn,
+                                     request.lun,
+                                     request.data.data(),
+                                     static_cast<int>(request.data.size())};
+    const int status = SendTimedImbpRequest(&record, TIMEOUT, data, &length, &answer.completionCode);
+    if (status == 0)
+        answer.data.assign(data, data + std::clamp<int>(length, 0, sizeof data));
+    return status;
+}
+
+/// Through the library, which also bridges.
+int SendThroughLibrary(const BMC_REQUEST& request, BMC_ANSWER& answer) {
+    static const auto message = std::make_unique<BMC_MESSAGE>();
+    static const auto response = std::make_unique<BMC_MESSAGE>();
+    message->rsSa = request.controller;
+    message->netFn = request.netFn;
+    message->lun = request.lun;
+    message->cmd = request.cmd;
+    message->dataLength = static_cast<UINT32>(request.data.size());
+    std::copy(request.data.begin(), request.data.end(), message->data);
+    const auto& bridge = request.bridge;
+    const int status = bridge ? ProcessSendMessage(message.get(), response.get(), bridge->channel, bridge->target)
+                              : ProcessMessage(message.get(), response.get(), TIMEOUT);
+    answer.completionCode = response->completionCode;
+    answer.data.assign(response->data,
+                       response->data + std::min<std::size_t>(response->dataLength, sizeof response->data));
+    return status;
+}
 
 } // namespace
+
+int SendRequest(const BMC_REQUEST& request, BMC_ANSWER& answer) {
+    const bool isDirect = CurrentWay().driver && request.controller == BMC_ADDRESS && !request.bridge;
+    return isDirect ? SendOverDriver(request, answer) : SendThroughLibrary(request, answer);
+}
 
 std::string TransportText(int status) {
     const std::string reason = IsAnswerLost() ? CurrentWay().Failure() : "";
@@ -62,14 +106,10 @@ std::unique_ptr<Frudata_Sim::CSimulatedBmc> CBmc::Configured() {
 void CBmc::Check() const {
     if (const std::string reason = CurrentWay().Started(); !reason.empty())
         throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
-    const auto request = std::make_unique<BMC_MESSAGE>();
-    const auto response = std::make_unique<BMC_MESSAGE>();
-    request->rsSa = 0x20;
-    request->netFn = 0x06;
-    request->cmd = 0x01;
-    const int status = ProcessMessage(request.get(), response.get(), TIMEOUT);
+    BMC_ANSWER answer;
+    const int status = SendRequest({.controller = BMC_ADDRESS, .netFn = 0x06, .lun = 0, .cmd = 0x01}, answer);
     // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
-    if (status == 0 && response->dataLength < 0xFF)
+    if (status == 0 && answer.data.size() < 0xFF)
         return;
     throw CToolError(EXIT_DEVICE, "BMC",
                      status == 0 ? "its system interface is not KCS"

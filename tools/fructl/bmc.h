@@ -1,9 +1,11 @@
 // The BMC of this run, reached over one of the ways, or a simulated one in its place.
 #pragma once
 
+#include "tools/fructl/bytes.h"
 #include "tools/fructl/way.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Frudata_Sim {
@@ -42,6 +44,28 @@ class CBmc {
     bool m_isOpen = true;
 };
 
+/// One request, and the controller that is to carry it out.
+struct BMC_REQUEST {
+    struct BRIDGE {
+        UINT8 channel;
+        UINT8 target;
+    };
+
+    UINT8 controller; ///< any but 0x20, the BMC, is bridged on the channel that the library knows for it
+    UINT8 netFn;
+    UINT8 lun;
+    UINT8 cmd;
+    BYTES data{};
+    std::optional<BRIDGE> bridge = std::nullopt; ///< bridged so, whatever the controller
+};
+
+struct BMC_ANSWER {
+    UINT8 completionCode = 0;
+    BYTES data{};
+};
+
+/// Sends a request. A CBmc must be there and started. @return 0, or a status for TransportText
+int SendRequest(const BMC_REQUEST& request, BMC_ANSWER& answer);
 /// Why a request got no answer, in the words of the way taken.
 std::string TransportText(int status);
 

@@ -23,7 +23,6 @@ namespace {
 constexpr UINT8 DS1624_ACCESS = 0x17;
 constexpr std::size_t DS1624_SIZE = 256;
 
-constexpr unsigned TIMEOUT = 5000;
 constexpr useconds_t BUSY_PAUSE = 5'000;
 constexpr std::size_t DEVICE_LIMIT = 0x10000;
 /// Where a device does not tell its size, it is taken for the smallest EEPROM that holds what the header names.
@@ -71,25 +70,23 @@ bool CDevice::IsFruDevice() const {
 }
 
 UINT8 CDevice::Send(const REQUEST& request, BYTES& answer) {
-    m_request->rsSa = m_address.controller;
-    m_request->netFn = request.netFn;
-    m_request->lun = request.netFn == NETFN_STORAGE ? UINT8{0} : m_address.lun;
-    m_request->cmd = request.cmd;
-    std::copy(request.data.begin(), request.data.end(), m_request->data);
-    m_request->dataLength = static_cast<UINT32>(request.data.size());
+    BMC_REQUEST sent{.controller = m_address.controller,
+                     .netFn = request.netFn,
+                     .lun = request.netFn == NETFN_STORAGE ? UINT8{0} : m_address.lun,
+                     .cmd = request.cmd,
+                     .data = request.data};
+    if (IsBridged())
+        sent.bridge = BMC_REQUEST::BRIDGE{m_address.bus, m_address.deviceAddress};
+    BMC_ANSWER received;
     for (int attempt = 0;; ++attempt) {
-        const int status =
-            IsBridged() ? ProcessSendMessage(m_request.get(), m_response.get(), m_address.bus, m_address.deviceAddress)
-                        : ProcessMessage(m_request.get(), m_response.get(), TIMEOUT);
-        if (status != 0)
+        if (const int status = SendRequest(sent, received); status != 0)
             Fail(TransportText(status));
-        if (attempt >= Retries(m_response->completionCode, !IsFruDevice()))
+        if (attempt >= Retries(received.completionCode, !IsFruDevice()))
             break;
         usleep(BUSY_PAUSE * static_cast<useconds_t>(attempt + 1));
     }
-    const std::size_t length = std::min<std::size_t>(m_response->dataLength, sizeof m_response->data);
-    answer.assign(m_response->data, m_response->data + length);
-    return m_response->completionCode;
+    answer = std::move(received.data);
+    return received.completionCode;
 }
 
 std::optional<std::size_t> CDevice::Size() {

@@ -1,14 +1,12 @@
 // One FRU device, byte by byte: the way of backups, of the check before a load, and of repair.
 #pragma once
 
-#include "tools/fructl/child.h"
+#include "tools/fructl/address.h"
 #include "tools/fructl/bmc.h"
+#include "tools/fructl/child.h"
 
 #include "fruimage/image.h"
 
-#include "frudata/bmclib.h"
-
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -71,8 +69,6 @@ class CDevice {
     std::size_t m_readChunk; ///< as far as the way goes, halved where that is too much; bridged as a write
     std::optional<std::size_t> m_size;
     bool m_sizeAsked = false;
-    std::unique_ptr<BMC_MESSAGE> m_request = std::make_unique<BMC_MESSAGE>();
-    std::unique_ptr<BMC_MESSAGE> m_response = std::make_unique<BMC_MESSAGE>();
 };
 
 } // namespace Fructl

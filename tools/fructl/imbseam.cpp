@@ -18,15 +18,6 @@ void Fructl::UseImbDriver(const IMB_DRIVER* driver) {
     gp_driver = driver;
 }
 
-#pragma GCC visibility push(default)
-extern "C" {
-int open_imb(void);
-int close_imb(void);
-int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
-                         UINT8* completionCode);
-}
-#pragma GCC visibility pop
-
 bool Fructl::IsAnswerLost() {
     return g_isLost;
 }

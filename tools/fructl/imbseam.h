@@ -3,6 +3,15 @@
 
 #include "frudata/bmclib.h"
 
+#pragma GCC visibility push(default)
+extern "C" {
+int open_imb(void);
+int close_imb(void);
+int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
+                         UINT8* completionCode);
+}
+#pragma GCC visibility pop
+
 namespace Fructl {
 
 /// A driver for the library (frudata/bmclib.h, "Supplied by the host").
