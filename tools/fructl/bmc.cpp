@@ -5,6 +5,7 @@
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
 
+#include "common/ipmi.h"
 #include "frudata/debug.h"
 #include "sim/directory.h"
 #include "sim/fronts.h"
@@ -17,10 +18,11 @@ namespace Fructl {
 
 namespace {
 
-constexpr unsigned TIMEOUT = 5000;
-constexpr UINT8 BMC_ADDRESS = 0x20;
+using namespace Frudata_Private;
 
-/// Straight to the driver: the library's way clears a record of 64 KiB for each answer and asks for the ports.
+constexpr unsigned TIMEOUT = 5000;
+
+/// Straight to the driver: the library would clear a record of 64 KiB for each answer and ask for the ports.
 int SendOverDriver(const BMC_REQUEST& request, BMC_ANSWER& answer) {
     UINT8 data[1024];
     int length = sizeof data;
@@ -107,8 +109,9 @@ void CBmc::Check() const {
     if (const std::string reason = CurrentWay().Started(); !reason.empty())
         throw CToolError(EXIT_DEVICE, CurrentWay().name, reason);
     BMC_ANSWER answer;
-    const int status = SendRequest({.controller = BMC_ADDRESS, .netFn = 0x06, .lun = 0, .cmd = 0x01}, answer);
-    // A BMC behind an interface that is not KCS is never asked: the answer is all of the buffer.
+    const int status = SendRequest(
+        {.controller = BMC_ADDRESS, .netFn = NETFN_APPLICATION, .lun = 0, .cmd = COMMAND_GET_DEVICE_ID}, answer);
+    // No request reaches a BMC whose interface is not KCS: the answer is the whole buffer.
     if (status == 0 && answer.data.size() < 0xFF)
         return;
     throw CToolError(EXIT_DEVICE, "BMC",

@@ -3,6 +3,7 @@
 #include "tools/fructl/password.h"
 #include "tools/fructl/settings.h"
 
+#include "common/ipmi.h"
 #include "drivers/lan/lanloader.h"
 
 #include <algorithm>
@@ -67,8 +68,8 @@ void AnswerOpen(LAN_ANSWER& answer) {
 }
 
 void AnswerSend(const LAN_QUESTION& question, LAN_ANSWER& answer) {
-    const _IMBPREQUESTDATA request = {
-        question.cmd, 0x20, 0, question.netFn, question.lun, question.data, static_cast<int>(question.length)};
+    const _IMBPREQUESTDATA request = {question.cmd,  Frudata_Private::BMC_ADDRESS,     0, question.netFn, question.lun,
+                                      question.data, static_cast<int>(question.length)};
     int length = sizeof answer.data;
     answer.result = LanSendTimedImbpRequest(&request, question.timeout, answer.data, &length, &answer.completionCode);
     answer.length = answer.result == LAN_OK ? static_cast<UINT32>(length) : 0;
