@@ -12,6 +12,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -62,7 +63,10 @@ void AnswerOpen(LAN_ANSWER& answer) {
     if (g_isLost)
         Close();
     std::string message;
+    // Until there is a session to close, nothing keeps this process from ending with the one that asks.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     answer.result = gp_session ? LAN_OK : Open(message);
+    prctl(PR_SET_PDEATHSIG, 0);
     std::snprintf(answer.text, sizeof answer.text, "%s",
                   answer.result == LAN_OK ? gp_lan->Description(gp_session) : message.c_str());
 }
@@ -94,7 +98,7 @@ void Detach(int socket) {
 
 void KeepLanSession(int socket) {
     Detach(socket);
-    LAN_QUESTION question;
+    LAN_QUESTION question = {};
     while (recv(STDIN_FILENO, &question, sizeof question, 0) == sizeof question) {
         LAN_ANSWER answer = {};
         answer.asker = question.asker;

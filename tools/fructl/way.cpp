@@ -56,7 +56,7 @@ std::string KernelFailure() {
 std::optional<CPortLock> g_portLock;
 
 std::string OpenPorts() {
-    if (const std::string reason = PortRefusal(KcsPort(), Settings().force); !reason.empty())
+    if (std::string reason = PortRefusal(KcsPort(), Settings().force); !reason.empty())
         return reason;
     if (!g_portLock)
         g_portLock.emplace(KcsPort());
