@@ -2,6 +2,8 @@
 #include "tests/drivers/lan/lanserver.h"
 #include "tests/fructl/support.h"
 
+#include "sim/sdrrecords.h"
+
 #include <chrono>
 #include <optional>
 #include <set>
@@ -10,6 +12,15 @@ namespace Fructl_Tests {
 
 using namespace Frudata_Sim;
 using namespace Lan_Test;
+
+constexpr std::size_t DATA = 36;
+
+/// Whether a packet of IPMI 1.5, which shows its requests, has this one with data.
+bool IsRequest(const BYTES& packet, UINT8 netFnAndLun, UINT8 cmd) {
+    constexpr std::size_t NETFN = 31;
+    constexpr std::size_t COMMAND = 35;
+    return packet.size() > DATA && packet[NETFN] == netFnAndLun && packet[COMMAND] == cmd;
+}
 
 class CLanTest : public CFructlTest {
   protected:
@@ -71,6 +82,22 @@ TEST_F(CLanTest, ARunHasOneSession) {
     }
 }
 
+TEST_F(CLanTest, ALostSessionCostsOneDevice) {
+    std::string commands;
+    for (const UINT8 id : {UINT8{1}, UINT8{0}})
+        commands += FruDevice(0x20, id, m_image) + Sdr(LogicalFruRecord(0x20, 0, id, "PSU"));
+    m_server.emplace(commands);
+    const CRelay relay(m_server->Port(), [](BYTES& packet, bool toServer, unsigned int) {
+        if (toServer && IsRequest(packet, 0x28, 0x11) && packet.at(DATA) == 1)
+            packet.clear();
+    });
+    const RESULT scan = Remote("scan --load --csv --lan-1.5", relay.Port());
+    EXPECT_EQ(scan.status, 6) << scan.errors;
+    EXPECT_THAT(scan.output, HasSubstr("unreadable"));
+    EXPECT_THAT(scan.output, HasSubstr("the session is lost"));
+    EXPECT_THAT(scan.output, HasSubstr(",ok,"));
+}
+
 TEST_F(CLanTest, WhatIsWrongIsSaid) {
     const RESULT wrong = Remote("show --system", m_server->Port(), "not-this-one");
     EXPECT_EQ(wrong.status, 3);
@@ -83,12 +110,10 @@ TEST_F(CLanTest, WhatIsWrongIsSaid) {
 TEST_F(CLanTest, ASessionThatBreaksDuringACommitIsRepairedOverAnother) {
     RESULT commit{};
     {
-        // A session of IPMI 1.5 shows its requests: the header is written, nothing after it.
+        // The header is written, nothing after it.
         unsigned int writes = 0;
         const CRelay relay(m_server->Port(), [&writes](BYTES& packet, bool toServer, unsigned int) {
-            constexpr std::size_t NETFN = 31;
-            constexpr std::size_t COMMAND = 35;
-            writes += toServer && packet.size() > COMMAND && packet[NETFN] == 0x28 && packet[COMMAND] == 0x12;
+            writes += toServer && IsRequest(packet, 0x28, 0x12);
             if (writes > 1)
                 packet.clear();
         });

@@ -47,6 +47,12 @@ UINT16 PortOf(int bound) {
     return ntohs(address.sin_port);
 }
 
+std::string Line(std::string words, const BYTES& bytes) {
+    for (const UINT8 byte : bytes)
+        words += " " + std::to_string(byte);
+    return words + "\n";
+}
+
 } // namespace
 
 UINT16 FreePort() {
@@ -57,11 +63,13 @@ UINT16 FreePort() {
 }
 
 std::string FruDevice(UINT8 address, UINT8 id, const BYTES& contents) {
-    std::string line = "mc_add_fru_data " + std::to_string(address) + " " + std::to_string(id) + " " +
-                       std::to_string(contents.size()) + " data";
-    for (const UINT8 byte : contents)
-        line += " " + std::to_string(byte);
-    return line + "\n";
+    return Line("mc_add_fru_data " + std::to_string(address) + " " + std::to_string(id) + " " +
+                    std::to_string(contents.size()) + " data",
+                contents);
+}
+
+std::string Sdr(const BYTES& record) {
+    return Line("main_sdr_add 0x20", record);
 }
 
 bool CIpmiSim::IsInstalled() {

@@ -23,6 +23,8 @@ constexpr const char* GUEST_PASSWORD = "Look-only";
 
 /// The line of ipmi_sim's language that gives the controller at `address` the FRU inventory device `id`.
 std::string FruDevice(UINT8 address, UINT8 id, const BYTES& contents);
+/// The line that adds a record to the BMC's repository.
+std::string Sdr(const BYTES& record);
 
 /**
  * ipmi_sim, until the object goes, which its files do, too. It has a BMC at 0x20 and a controller at 0x30; IPMI 1.5
