@@ -1,5 +1,6 @@
 #include "tools/fructl/options.h"
 
+#include "tools/fructl/bytes.h"
 #include "tools/fructl/languages.h"
 #include "tools/fructl/password.h"
 #include "tools/fructl/settings.h"

@@ -1,5 +1,6 @@
 #include "tools/fructl/commands/commands.h"
 
+#include "tools/fructl/titles.h"
 #include "tools/fructl/words/words.h"
 
 #include <CLI/CLI.hpp>
