@@ -27,8 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
         _EFI_FRU_INTERFACE* const table = EmptyLibrary();
         const UINT8 control = input.Byte();
         const auto selector = static_cast<FRU_AREA>(FRU_AREA_INTERNAL_USE + (control & AREA_MASK));
-        const std::size_t imageSize = input.Byte() | static_cast<std::size_t>(input.Byte()) << 8;
-        BYTES image = input.Take(imageSize);
+        BYTES image = input.Take(input.Word());
         if (control & REPAIR)
             RepairArea(image);
         if (image.empty())

@@ -1,17 +1,12 @@
 // FRU text files as lines: input is the file. What is read without a fault is the same after it was edited to the same
 // image, composed anew, and edited to an image with other bytes.
+#include "fuzz/input.h"
 #include "tools/fructl/text/frutext.h"
-
-#include <cstdlib>
 
 namespace {
 
 using namespace Fructl;
-
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
-}
+using Frudata_Fuzz::Require;
 
 /// Whether a text file can hold the image: its blocks stand for the areas, as far as the model sees them.
 bool HoldsAreas(const FruImage::FRU& fru) {

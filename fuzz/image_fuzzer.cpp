@@ -2,21 +2,12 @@
 // byte; a repair leaves no more damage than there was.
 #include "fruimage/description.h"
 #include "fruimage/repair.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include "fuzz/input.h"
 
 namespace {
 
 using namespace FruImage;
-
-void Require(bool condition, int line = __builtin_LINE()) {
-    if (condition)
-        return;
-    std::fprintf(stderr, "line %d does not hold\n", line);
-    std::abort();
-}
+using Frudata_Fuzz::Require;
 
 std::ptrdiff_t Damages(const FRU& fru) {
     return std::count_if(fru.findings.begin(), fru.findings.end(),

@@ -1,63 +1,23 @@
 // Edits on hostile images: input is a control byte, the size of the image in two bytes, the image, and the edits.
 #include "fruimage/edit.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include "fuzz/input.h"
 
 namespace {
 
 using namespace FruImage;
+using Frudata_Fuzz::CInput;
+using Frudata_Fuzz::Require;
 
 constexpr BYTE SUMS = 1;
 constexpr BYTE EXACT_SIZE = 2;
 
-void Require(bool condition, int line = __builtin_LINE()) {
-    if (condition)
-        return;
-    std::fprintf(stderr, "line %d does not hold\n", line);
-    std::abort();
-}
-
-/// The bytes of one run, taken from the front. Behind the end come zeroes.
-class CBytes {
-  public:
-    CBytes(const std::uint8_t* data, std::size_t size) : m_rest(data, size) {}
-
-    bool IsEmpty() const { return m_rest.empty(); }
-    BYTE Byte() {
-        const BYTES one = Take(1);
-        return one.empty() ? BYTE{0} : one[0];
-    }
-    BYTES Take(std::size_t count) {
-        const BYTE_VIEW bytes = m_rest.first(std::min(count, m_rest.size()));
-        m_rest = m_rest.subspan(bytes.size());
-        return {bytes.begin(), bytes.end()};
-    }
-
-  private:
-    BYTE_VIEW m_rest;
-};
-
-/// Few inputs would get past the checksums otherwise.
-void PutSumsRight(BYTES& image) {
-    if (image.size() < HEADER_SIZE)
-        return;
-    image[0] = 1;
-    image[7] = ZeroChecksum(BYTE_VIEW(image).first(7));
-    for (const AREA& area : Parse(image).areas)
-        if (area.IsInfo() && area.length > 0)
-            image[area.offset + area.length - 1] = static_cast<BYTE>(
-                image[area.offset + area.length - 1] + ZeroChecksum(Slice(image, area.offset, area.length)));
-}
-
-FIELD_NAME Name(CBytes& input) {
+FIELD_NAME Name(CInput& input) {
     const auto area = static_cast<AREA_ID>(input.Byte() % 7);
     const BYTE position = input.Byte();
     return position == 0xFF ? FIELD_NAME{area, FIELD_NAME::LANGUAGE, 0} : FieldAt(area, position % 16);
 }
 
-EDIT NextEdit(CBytes& input) {
+EDIT NextEdit(CInput& input) {
     const BYTE kind = input.Byte();
     const FIELD_NAME name = Name(input);
     const BYTES bytes = input.Take(input.Byte());
@@ -115,12 +75,11 @@ void Check(const FRU& before, const PLAN& plan, std::span<const EDIT> edits) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    CBytes input(data, size);
+    CInput input(data, size);
     const BYTE control = input.Byte();
-    const std::size_t imageSize = input.Byte() | static_cast<std::size_t>(input.Byte()) << 8;
-    BYTES image = input.Take(imageSize);
+    BYTES image = input.Take(input.Word());
     if ((control & SUMS) != 0)
-        PutSumsRight(image);
+        Frudata_Fuzz::RepairImage(image);
     std::vector<EDIT> edits;
     while (!input.IsEmpty() && edits.size() < 8)
         edits.push_back(NextEdit(input));

@@ -4,12 +4,14 @@
 #include "fuzz/support.h"
 #include "sim/samples.h"
 #include "sim/sdrrecords.h"
+#include "tools/fructl/jsonreport.h"
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -63,8 +65,40 @@ std::vector<BYTES> Images() {
             SamplePsuFru(1)};
 }
 
+BYTES Bytes(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+/// The image's report, its own text with other lines in it, and documents of what it has.
+void WriteToolSeeds(const BYTES& image) {
+    const Fructl::CONTENTS contents{{Fructl::SOURCE::IMAGE, "image", {}, {}}, image, FruImage::Parse(image)};
+    WriteSeed("json", BYTES{0} + image);
+    WriteSeed("json", Bytes(Fructl::JsonReport(contents).dump()));
+    for (const char* document : {R"({"board": {"serial-number": "AB1", "custom": ["one", "two"]}, "chassis.type": 23})",
+                                 R"({"areas": [{"name": "product", "fields": [{"value": "A"}], "language": 5}]})",
+                                 R"({"multirecord.1.type": "0x00", "multirecord.1.overall-capacity": 300})"})
+        WriteSeed("json", Bytes(document));
+    for (const char* line : {"board.serial-number:6-bit = NEW", "product.custom+ = \"a \\x41\"", "chassis.type = 23",
+                             "multirecord.1.type = 0x05", "internal.data = 01 02", "#! gone", "board.mfg-date = now"})
+        WriteSeed("edittext", BYTES{1, static_cast<UINT8>(image.size()), static_cast<UINT8>(image.size() >> 8)} +
+                                  image + BYTES{10, static_cast<UINT8>(std::strlen(line))} + Bytes(line) +
+                                  BYTES{14, 0});
+}
+
+/// A request, a bridged one and what it fetches, each with its answer.
+void WriteDriverSeeds() {
+    const BYTES bridged = {12, 0x40, 0x30, 0x28, 0, 0x20, 0x16, 0x11, 0, 0, 0, 8, 0}, answer = {3, 0, 1, 2};
+    const BYTES arrives = BYTES{0} + answer, room = {64, 50};
+    WriteSeed("kernel", BYTES{0x47} + arrives + BYTES{0x0A, 1, 0} + room + BYTES{0x44} + bridged + room + BYTES{0x86} +
+                            BYTES{3, 0} + arrives + room + BYTES{0x06} + room);
+    const BYTES session = BYTES{1, 'h', 0, 1, 'p', 0, 0, 1, 0, 0, 0x88, 0x13, 200, 0} + BYTES{1, 0} + BYTES(16, 2);
+    WriteSeed("lan", session + BYTES{0, 0, 0, 1} + bridged + room + BYTES{0, 0} + answer + BYTES{2, 0} + room +
+                         BYTES{0x10, 1, 1} + room + BYTES{0, 0} + answer);
+}
+
 void WriteImageSeeds(const BYTES& image) {
     WriteSeed("image", image);
+    WriteToolSeeds(image);
     // Set, add and remove a field, set the internal use area, append and replace a record.
     for (const UINT8 edit : BYTES{0x0A, 0x01, 0x02, 0x04, 0x05, 0x06})
         for (const UINT8 area : BYTES{2, 3, 4})
@@ -176,6 +210,7 @@ int main(int argumentCount, char** arguments) {
         WriteSessionSeeds(image);
     }
     WriteSdrSeeds();
+    WriteDriverSeeds();
     WriteRecordSeeds();
     // The library's own text of each image.
     for (const BYTES& image : Images()) {

@@ -6,17 +6,17 @@
 #include "frudata/bmclib.h"
 #include "frudata/debug.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <cwchar>
+#include <stdio_ext.h>
 #include <string_view>
 #include <unistd.h>
 
 namespace {
 
+std::FILE* const g_log = std::fopen("/dev/null", "a");
 std::span<const UINT8> g_inputFile;
 std::span<const UINT8> g_textsFile;
 char g_outputFile[1 << 16];
@@ -38,15 +38,31 @@ namespace Frudata_Private {
 SCOPED_FILE OpenOnDisk(const char* path, char mode, OPEN_ALSO also) __asm__("__real_" FRUDATA_OPEN_FILE);
 SCOPED_FILE OpenAnywhere(const char* path, char mode, OPEN_ALSO also) __asm__("__wrap_" FRUDATA_OPEN_FILE);
 
-/// Files that live as long as one run need no system call. Lines of the log are composed, and go nowhere.
+/// Files that live as long as one run need no system call. Lines of the log are composed, and go nowhere: to open and
+/// close a file for each would take most of a run's time.
 SCOPED_FILE OpenAnywhere(const char* path, char mode, OPEN_ALSO also) {
     const std::string_view name(path);
     if (name.starts_with("fuzz:"))
         return SCOPED_FILE(OpenInMemory(name.substr(5), mode));
-    return name == "DBGLOG.txt" ? SCOPED_FILE(std::fopen("/dev/null", "a")) : OpenOnDisk(path, mode, also);
+    return name == "DBGLOG.txt" ? SCOPED_FILE(g_log) : OpenOnDisk(path, mode, also);
 }
 
 } // namespace Frudata_Private
+
+extern "C" {
+
+int __real_fclose(std::FILE* stream);
+int __wrap_fclose(std::FILE* stream);
+
+/// The log stays open, without the buffer that its line has brought.
+int __wrap_fclose(std::FILE* stream) {
+    static char buffer[1024];
+    if (stream != g_log)
+        return __real_fclose(stream);
+    __fpurge(stream);
+    return std::setvbuf(stream, buffer, _IOFBF, sizeof buffer);
+}
+}
 
 // What stands in the place of the system's functions.
 extern "C" {
@@ -91,28 +107,7 @@ unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int
     return message && std::wcslen(message) > 1000 ? std::abort(), 0 : 0;
 }
 
-UINT8 ZeroChecksum(std::span<const UINT8> bytes) {
-    unsigned int sum = 0;
-    for (const UINT8 byte : bytes)
-        sum += byte;
-    return static_cast<UINT8>(0 - sum);
-}
-
 } // namespace
-
-UINT8 CInput::Byte() {
-    if (m_rest.empty())
-        return 0;
-    const UINT8 byte = m_rest.front();
-    m_rest = m_rest.subspan(1);
-    return byte;
-}
-
-BYTES CInput::Take(std::size_t count) {
-    const auto taken = m_rest.first(std::min(count, m_rest.size()));
-    m_rest = m_rest.subspan(taken.size());
-    return BYTES(taken.begin(), taken.end());
-}
 
 _EFI_FRU_INTERFACE* EmptyLibrary() {
     _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
@@ -150,32 +145,6 @@ void SetTextsFile(std::span<const UINT8> content) {
 
 std::span<const UINT8> OutputFile() {
     return {reinterpret_cast<const UINT8*>(g_outputFile), strnlen(g_outputFile, sizeof g_outputFile)};
-}
-
-void RepairArea(BYTES& area) {
-    area.resize(std::min<std::size_t>(area.size(), 2040) / 8 * 8);
-    if (area.empty())
-        return;
-    area[1] = static_cast<UINT8>(area.size() / 8);
-    area.back() = 0;
-    area.back() = ZeroChecksum(area);
-}
-
-void RepairImage(BYTES& image) {
-    if (image.size() < 8)
-        return;
-    image[0] = 1;
-    image[6] = image[7] = 0;
-    image[7] = ZeroChecksum(std::span(image).first(8));
-    for (std::size_t place = 2; place <= 4; ++place) {
-        const std::size_t start = image[place] * 8U;
-        const std::size_t size = start + 1 < image.size() ? image[start + 1] * 8U : 0;
-        if (start == 0 || size == 0 || start + size > image.size())
-            continue;
-        UINT8& checksum = image[start + size - 1];
-        checksum = 0;
-        checksum = ZeroChecksum(std::span(image).subspan(start, size));
-    }
 }
 
 } // namespace Frudata_Fuzz

@@ -1,33 +1,16 @@
-// Shared by the fuzzers: the input, the way a failed assertion ends a run, files in memory, a BMC whose faults
-// come from the input, and a host that uses everything an image offers.
+// Shared by the fuzzers of the library: the way a failed assertion ends a run, files in memory, a BMC whose faults come
+// from the input, and a host that uses everything an image offers.
 #pragma once
 
 #include "frudata/frudata.h"
 #include "frudata/frudatastate.h"
+#include "fuzz/input.h"
 #include "sim/fronts.h"
 
-#include <cstddef>
 #include <memory>
 #include <span>
 
 namespace Frudata_Fuzz {
-
-using Frudata_Sim::BYTES;
-
-/// The bytes of one run, taken from the front. Behind the end come zeros.
-class CInput {
-  public:
-    CInput(const UINT8* data, std::size_t size) : m_rest(data, size) {}
-
-    bool IsEmpty() const { return m_rest.empty(); }
-    UINT8 Byte();
-    /// At most `count` bytes, in a buffer of exactly their number: what is read behind them is found out.
-    BYTES Take(std::size_t count);
-    BYTES Rest() { return Take(m_rest.size()); }
-
-  private:
-    std::span<const UINT8> m_rest;
-};
 
 /// Thrown in the place of a failed assertion's abort().
 struct FailedAssertion {};
@@ -57,11 +40,6 @@ void SetInputFile(std::span<const UINT8> content);
 /// The string table of the language "fuzz:" and the country "texts".
 void SetTextsFile(std::span<const UINT8> content);
 std::span<const UINT8> OutputFile();
-
-/// Completes the checksums of a common header and of the info areas that it names.
-void RepairImage(BYTES& image);
-/// Sets the length byte and the checksum of one info area.
-void RepairArea(BYTES& area);
 
 /// The faults of a simulated BMC, from a stream of instructions; one or more an answer. At the stream's end
 /// answers are true ones, up to a number that ends every loop.

@@ -23,8 +23,10 @@ locale_t g_locales[std::size(LOCALES)];
 
 void LoadLocales() {
     setenv("LOCPATH", FRUDATA_LOCALES, 1);
+#if __has_feature(address_sanitizer)
     // The C library loses some of the memory that this takes.
     const __lsan::ScopedDisabler disabler;
+#endif
     for (std::size_t number = 0; number < std::size(LOCALES); ++number) {
         g_locales[number] = newlocale(LC_ALL_MASK, LOCALES[number], nullptr);
         Require(g_locales[number] != nullptr);

@@ -2,7 +2,6 @@
 #include "fuzz/tablemodel.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace Frudata_Fuzz {
 
@@ -41,11 +40,6 @@ struct CDigest {
 };
 
 } // namespace
-
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 std::uint64_t DigestFrus() {
     CDigest digest;

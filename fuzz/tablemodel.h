@@ -7,9 +7,6 @@
 
 namespace Frudata_Fuzz {
 
-/// Ends the process with a finding unless `holds`.
-void Require(bool holds);
-
 /// A FRU's address, and the device there.
 struct FRU_PLACE {
     FRU_TYPE type;

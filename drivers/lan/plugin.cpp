@@ -112,9 +112,11 @@ bool IsValid(const _IMBPREQUESTDATA* request, const UINT8* responseData, const i
 
 int Send(LAN_SESSION* session, const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
          UINT8* completionCode) {
-    if (!session || !IsValid(request, responseData, responseLength, completionCode))
+    if (!session)
         return LAN_ERR_OPTION;
     try {
+        if (!IsValid(request, responseData, responseLength, completionCode))
+            return session->session.RefuseRequest();
         return session->session.Send(*request, timeout, responseData, *responseLength, *completionCode);
     } catch (...) {
         return LAN_ERR_RESOURCES;

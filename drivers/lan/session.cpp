@@ -88,6 +88,11 @@ int CLanSession::Send(const _IMBPREQUESTDATA& request, int timeout, UINT8* respo
     return LAN_OK;
 }
 
+int CLanSession::RefuseRequest() {
+    m_message = m_name + ": not a request to a BMC";
+    return LAN_ERR_OPTION;
+}
+
 EXCHANGE CLanSession::Exchange(const _IMBPREQUESTDATA& request, int timeout) {
     if (!IsOurs())
         return {.result = LAN_ERR_SESSION, .message = m_name + ": the session belongs to another process"};

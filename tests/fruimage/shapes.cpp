@@ -154,6 +154,7 @@ std::vector<SHAPE> Shapes() {
     AREA_DESCRIPTION early{
         .id = AREA_ID::BOARD, .fields = {{ENCODING::BINARY, {0, 0, 0}}, "Maker", "Name"}, .endsEarly = true};
     const BYTES server = *Build(Server());
+    const BYTES empty = Made({Product(), Records({{.type = 0xC0}, Supply()})}, 256);
     const std::size_t board = 8;
     return {{"server", server, {}, {}, sound},
             {"internal behind product", Made({Product(), Internal(64)}), {}, {}, sound},
@@ -170,6 +171,11 @@ std::vector<SHAPE> Shapes() {
             {"list that never ends", Endless(), {"no-end-marker"}, REFUSAL::DAMAGED, sound},
             {"closing record", Made({Product(), Records({Supply(), closing})}, 256), {}, {}, sound},
             {"wrong record checksum", Made({Product(), Records({wrong})}, 256), {"record-checksum"}, {}, missing},
+            {"empty record, wrong header checksum",
+             With(empty, empty[5] * UNIT + 4, {0x55}),
+             {"record-header-checksum"},
+             {},
+             sound}, // put right, it would end the list
             {"records on top of board",
              With(server, 5, {2, 0, static_cast<BYTE>(server[7] + server[5] - 2)}),
              {"record-header-checksum", "record-checksum", "areas-overlap", "areas-overlap"},

@@ -10,7 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 
 namespace Fructl {
 
@@ -19,11 +19,10 @@ namespace {
 constexpr std::string_view MARK = "#! ";
 constexpr std::string_view BLANKS = " \t\r";
 
-std::string Trimmed(std::string_view text) {
+std::string_view Trimmed(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(BLANKS);
-    if (begin == std::string_view::npos)
-        return {};
-    return std::string(text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1));
+    return begin == std::string_view::npos ? std::string_view()
+                                           : text.substr(begin, text.find_last_not_of(BLANKS) - begin + 1);
 }
 
 /// The value for people: in quotes if the line would not keep it.
@@ -142,14 +141,14 @@ std::string MissingAreas(const FRU& fru) {
 
 CEditedText::LINE ReadLine(std::string text) {
     CEditedText::LINE line{std::move(text)};
-    const std::string trimmed = Trimmed(line.text);
+    const std::string_view trimmed = Trimmed(line.text);
     if (trimmed.empty() || trimmed.starts_with('#'))
         return line;
     const std::size_t equals = trimmed.find('=');
-    const auto value = equals == std::string::npos ? std::nullopt : Unquoted(Trimmed(trimmed.substr(equals + 1)));
+    const auto value = equals == std::string_view::npos ? std::nullopt : Unquoted(Trimmed(trimmed.substr(equals + 1)));
     if (!IsUtf8(line.text))
         line.problem = "is not valid UTF-8";
-    else if (equals == std::string::npos)
+    else if (equals == std::string_view::npos)
         line.problem = "is no NAME = VALUE; a comment begins with #";
     else if (!value)
         line.problem = "the quotes do not end with the line, or a backslash in them stands before none of \" \\ xNN";
@@ -161,7 +160,14 @@ CEditedText::LINE ReadLine(std::string text) {
 }
 
 std::string BareName(const std::string& name) {
-    return Trimmed(name.substr(0, name.find(':')));
+    return std::string(Trimmed(std::string_view(name).substr(0, name.find(':'))));
+}
+
+/// "multirecord.N" of the name of a record's field; empty for any other.
+std::string RecordOf(const std::string& name) {
+    constexpr std::string_view AREA = "multirecord.";
+    const std::size_t dot = name.starts_with(AREA) ? name.find('.', AREA.size()) : std::string::npos;
+    return dot == std::string::npos ? std::string() : name.substr(0, dot);
 }
 
 } // namespace
@@ -180,8 +186,17 @@ std::string EditText(const CONTENTS& contents) {
     return text + MissingAreas(fru);
 }
 
-CEditedText::CEditedText(const std::string& text) {
-    std::set<std::string> seen;
+CEditedText::CEditedText(const std::string& text, const CONTENTS& contents) {
+    m_present["header.data"] = Hex(contents.fru.header, " ");
+    for (const ENTRY& entry : Entries(contents.fru)) {
+        const auto field = FruImage::ParseFieldName(entry.name);
+        if (field && field->part == FIELD_NAME::CUSTOM)
+            m_removable.push_back(entry.name);
+        else if (entry.type == "record-type")
+            m_removable.push_back(RecordOf(entry.name));
+        m_present.emplace(entry.name, Value(entry));
+    }
+    std::unordered_set<std::string> seen;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find('\n', begin), text.size());
         LINE line = ReadLine(text.substr(begin, end - begin));
@@ -200,28 +215,22 @@ bool CEditedText::IsEmpty() const {
                        [](const LINE& line) { return line.name.empty() && line.problem.empty(); });
 }
 
-bool CEditedText::HasName(const std::string& name) const {
-    return std::any_of(m_lines.begin(), m_lines.end(), [&](const LINE& line) { return BareName(line.name) == name; });
+std::string CEditedText::Word(const LINE& line) const {
+    const auto present = m_present.find(line.name);
+    const bool says = line.name.empty() || (present != m_present.end() && present->second == line.value);
+    return says ? std::string() : line.name + "=" + line.value;
 }
 
-std::string CEditedText::Word(const LINE& line, const CONTENTS& contents) const {
-    if (line.name.empty())
-        return {};
-    const auto entry = FindEntry(contents.fru, line.name);
-    return entry && Value(*entry) == line.value ? std::string() : line.name + "=" + line.value;
-}
-
-std::vector<std::string> CEditedText::Removals(const CONTENTS& contents) const {
-    std::vector<std::string> removals;
-    for (const ENTRY& entry : Entries(contents.fru)) {
-        const auto field = FruImage::ParseFieldName(entry.name);
-        const std::string record = entry.name.substr(0, entry.name.rfind('.'));
-        const auto isOfRecord = [&](const LINE& line) { return line.name.starts_with(record + "."); };
-        if (field && field->part == FIELD_NAME::CUSTOM && !HasName(entry.name))
-            removals.push_back(entry.name + "-");
-        else if (entry.type == "record-type" && std::none_of(m_lines.begin(), m_lines.end(), isOfRecord))
-            removals.push_back(record + "-");
+std::vector<std::string> CEditedText::Removals() const {
+    std::unordered_set<std::string> kept;
+    for (const LINE& line : m_lines) {
+        kept.insert(BareName(line.name));
+        kept.insert(RecordOf(line.name));
     }
+    std::vector<std::string> removals;
+    for (const std::string& name : m_removable)
+        if (!kept.contains(name))
+            removals.push_back(name + "-");
     return removals;
 }
 

@@ -4,6 +4,7 @@
 #include "tools/fructl/contents.h"
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Fructl {
@@ -21,16 +22,16 @@ class CEditedText {
         std::string value = {};
         std::string problem = {};
     };
-    /// Leaves out the comments about problems of an earlier round.
-    explicit CEditedText(const std::string& text);
+    /// The text of `contents`, without the comments about problems of an earlier round.
+    CEditedText(const std::string& text, const CONTENTS& contents);
 
     std::vector<LINE>& Lines() { return m_lines; }
     /// Whether there is no line with a value: emptying the text means giving up.
     bool IsEmpty() const;
     /// The word for `set`; empty for a line without a change.
-    std::string Word(const LINE& line, const CONTENTS& contents) const;
+    std::string Word(const LINE& line) const;
     /// The words that remove what lost its lines: custom fields, and records without any line left.
-    std::vector<std::string> Removals(const CONTENTS& contents) const;
+    std::vector<std::string> Removals() const;
     /// The text without the problems.
     std::string Text() const;
     /// The text with each problem below its line; `problem` concerns the whole.
@@ -39,9 +40,10 @@ class CEditedText {
     std::string Problems() const;
 
   private:
-    bool HasName(const std::string& name) const;
-
     std::vector<LINE> m_lines;
+    // By name: an image has up to ten thousands of them.
+    std::unordered_map<std::string, std::string> m_present; ///< the contents' names and values
+    std::vector<std::string> m_removable; ///< custom fields, and "multirecord.N" of records, in their order
 };
 
 } // namespace Fructl

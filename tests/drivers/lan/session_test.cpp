@@ -173,6 +173,8 @@ TEST_F(CSessionTest, WhatDoesNotFitIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(session.Ask(0x06, 0x34, {0x40, 0x30}).completionCode, 0xC7);
     EXPECT_EQ(session.Ask(0x06, 0x01).result, LAN_OK);
     EXPECT_EQ(session.Message(), "");
+    EXPECT_EQ(session.Ask(0x40, 0x01).result, LAN_ERR_OPTION);
+    EXPECT_NE(session.Message().find("not a request"), std::string::npos) << session.Message();
 }
 
 TEST_F(CSessionTest, SilentOwnersKeepTheirSession) {

@@ -36,9 +36,9 @@ PLAN PlanOf(const CONTENTS& contents, const WORDS& words, const EDIT_OPTIONS& op
 /// Puts the reason behind each line whose change conflicts with earlier ones.
 void Blame(CEditedText& text, const CONTENTS& contents, const EDIT_OPTIONS& options) {
     // Removals make room for additions.
-    WORDS accepted = text.Removals(contents);
+    WORDS accepted = text.Removals();
     for (CEditedText::LINE& line : text.Lines()) {
-        const std::string word = text.Word(line, contents);
+        const std::string word = text.Word(line);
         if (word.empty())
             continue;
         accepted.push_back(word);
@@ -58,9 +58,9 @@ std::optional<PLAN> Understood(CEditedText& text, const CONTENTS& contents, cons
         return std::nullopt;
     WORDS words;
     for (const CEditedText::LINE& line : text.Lines())
-        if (std::string word = text.Word(line, contents); !word.empty())
+        if (std::string word = text.Word(line); !word.empty())
             words.push_back(std::move(word));
-    const WORDS removals = text.Removals(contents);
+    const WORDS removals = text.Removals();
     words.insert(words.end(), removals.begin(), removals.end());
     try {
         return PlanOf(contents, words, options);
@@ -89,7 +89,7 @@ PLAN EditedPlan(const CONTENTS& contents, const EDIT_OPTIONS& options) {
     std::string shown = EditText(contents);
     std::string before;
     for (;;) {
-        CEditedText text(editor.Edit(shown));
+        CEditedText text(editor.Edit(shown), contents);
         std::string problem;
         if (text.IsEmpty() && !contents.fru.areas.empty())
             throw CToolError(EXIT_REFUSED, "edit", "the text is empty: nothing was written");
