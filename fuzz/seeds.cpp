@@ -138,19 +138,10 @@ void WriteSdrSeeds() {
     }
 }
 
-/// Tables in which all texts are the same one, which keeps them short.
-void WriteTableSeeds(UINT8 count) {
-    const auto start = static_cast<UINT16>(4 + 8 * count);
-    for (const char* text : {"text", "%u %u", "%5ls", "%ls %s", "%u %u %u %u", "%n"}) {
-        BYTES seed = {3, count, 0, 0, 0};
-        for (unsigned int id = 0; id < count; ++id)
-            Append(seed, BYTES{static_cast<UINT8>(start), static_cast<UINT8>(start >> 8), 0, 0});
-        for (unsigned int id = 0; id < count; ++id)
-            Append(seed, BYTES{static_cast<UINT8>(std::strlen(text) + 1), 0, 0, 0});
-        for (const char* character = text; *character; ++character)
-            Append(seed, BYTES{static_cast<UINT8>(*character), 0});
-        WriteSeed("stringtable", seed + BYTES{0, 0});
-    }
+/// The control byte has the sum completed, or cut off and completed.
+void WriteTableSeeds(std::size_t count) {
+    for (const char* text : {"text", "%u %u", "%5ls", "%ls %s", "%u %u %u %u", "%n"})
+        WriteSeed("stringtable", BYTES{2} + StringTable(count, Bytes(text)));
 }
 
 /// A host's way from the device to a file and back, as operations by their place in the table, with their arguments.
@@ -199,7 +190,7 @@ int main(int argumentCount, char** arguments) {
         return 2;
     }
     g_directory = arguments[1];
-    for (const UINT8 count : {UINT8{1}, UINT8{139}})
+    for (const std::size_t count : {1U, 139U})
         WriteTableSeeds(count);
     WriteSeed("stringtable", BYTES{0} + ReadFile(arguments[2]));
     for (int index = 3; index < argumentCount; ++index)

@@ -38,16 +38,6 @@ void RecordAll() {
 #undef FRU_RECORD
 }
 
-/// A word behind the others that completes the sum of the file.
-void Repair(Frudata_Fuzz::BYTES& file) {
-    unsigned int sum = 0;
-    file.resize(file.size() / 2 * 2);
-    for (std::size_t index = 0; index < file.size(); index += 2)
-        sum += file[index] | static_cast<unsigned int>(file[index + 1]) << 8;
-    file.push_back(static_cast<UINT8>(0 - sum));
-    file.push_back(static_cast<UINT8>((0 - sum) >> 8));
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
@@ -57,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     const UINT8 control = input.Byte();
     BYTES file = input.Rest();
     if (control & REPAIR)
-        Repair(file);
+        CompleteSum(file);
     SetInputFile(file);
     auto strings = std::make_unique<CStringResource>();
     if (strings->Initialize(INPUT_PATH, 0) != 0 || ((control & CACHE) && strings->CacheAll() != 0))

@@ -147,4 +147,30 @@ std::span<const UINT8> OutputFile() {
     return {reinterpret_cast<const UINT8*>(g_outputFile), strnlen(g_outputFile, sizeof g_outputFile)};
 }
 
+BYTES StringTable(std::size_t count, const BYTES& text) {
+    BYTES table;
+    const auto put = [&table](std::size_t value) {
+        table.insert(table.end(), {static_cast<UINT8>(value), static_cast<UINT8>(value >> 8)});
+    };
+    put(count);
+    put(0);
+    for (std::size_t word = 0; word < 2 * count; ++word) {
+        put(word < count ? 4 + 8 * count : text.size() + 1);
+        put(0);
+    }
+    for (const UINT8 character : text)
+        put(character);
+    put(0);
+    CompleteSum(table);
+    return table;
+}
+
+void CompleteSum(BYTES& table) {
+    std::size_t sum = 0;
+    table.resize(table.size() / 2 * 2);
+    for (std::size_t index = 0; index < table.size(); index += 2)
+        sum += table[index] + table[index + 1] * 256U;
+    table.insert(table.end(), {static_cast<UINT8>(0 - sum), static_cast<UINT8>((0 - sum) >> 8)});
+}
+
 } // namespace Frudata_Fuzz

@@ -40,6 +40,10 @@ void SetInputFile(std::span<const UINT8> content);
 /// The string table of the language "fuzz:" and the country "texts".
 void SetTextsFile(std::span<const UINT8> content);
 std::span<const UINT8> OutputFile();
+/// A string table of `count` texts that are all `text`, which keeps it short.
+BYTES StringTable(std::size_t count, const BYTES& text);
+/// Appends the word that completes the sum of a string table.
+void CompleteSum(BYTES& table);
 
 /// The faults of a simulated BMC, from a stream of instructions; one or more an answer. At the stream's end
 /// answers are true ones, up to a number that ends every loop.

@@ -49,8 +49,8 @@ void RunOperations(CInput& input) {
     bmc.Bmc().AddController(0, PLACES[1].address).AddFruDevice(0, image);
     for (const FRU_PLACE& place : {PLACES[2], PLACES[3]})
         bmc.Bmc().AddEeprom(place.bus, place.address, static_cast<Frudata_Sim::EEPROM_KIND>(place.type), image);
-    CHost host(EmptyLibrary(), input, std::move(text));
-    for (unsigned int count = 0; !input.IsEmpty() && count < MOST_OPERATIONS && host.Loads() < MOST_LOADS; ++count)
+    HOST host(EmptyLibrary(), input, std::move(text));
+    for (unsigned int count = 0; !input.IsEmpty() && count < MOST_OPERATIONS && host.loads < MOST_LOADS; ++count)
         host.CallNext();
 }
 
@@ -76,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
         RunOperations(input);
     });
     SetLibDebugLevel(0);
-    CHost::Restore();
+    HOST::Restore();
     Require(LowestDescriptor() == descriptor);
     return 0;
 }

@@ -7,6 +7,8 @@
 
 namespace Frudata_Fuzz {
 
+using TABLE = _EFI_FRU_INTERFACE;
+
 /// A FRU's address, and the device there.
 struct FRU_PLACE {
     FRU_TYPE type;
@@ -15,6 +17,8 @@ struct FRU_PLACE {
     UINT8 bus;
     UINT8 controller;
     UINT8 id;
+
+    bool operator==(const FRU_PLACE&) const = default;
 };
 inline constexpr FRU_PLACE PLACES[] = {
     {FRU_TYPE_IMBDEVICE, 0, 0x20, 0xFF, 0x20, 0}, {FRU_TYPE_IMBDEVICE, 0, 0xC0, 0, 0x20, 0},
@@ -55,14 +59,17 @@ struct CURSOR {
 
     /// The status that an operation stops with before it does anything, or 0.
     EFI_STATUS Check(FUZZ_NEED need) const;
-    void ClearArea();
-    void ClearFru();
+    void SelectArea(int newArea) {
+        area = newArea;
+        field = Frudata_Private::CURSOR_NONE;
+    }
+    void SelectFru(UINT32 newFru) {
+        fru = newFru;
+        SelectArea(FRU_AREA_NONE);
+    }
     bool IsInfoArea() const { return area >= FRU_AREA_CHASSIS && area <= FRU_AREA_PRODUCT; }
     bool HasFields() const { return area >= FRU_AREA_INTERNAL_USE && area <= FRU_AREA_PRODUCT; }
 };
-
-/// A number for everything in all loaded FRUs.
-std::uint64_t DigestFrus();
 
 /// What came back, and whether it may where the checks let the operation pass.
 struct ANSWER {
@@ -71,79 +78,58 @@ struct ANSWER {
 };
 
 /// A host that calls the operations that `input` names.
-class CHost {
-  public:
-    /// `text` is what every text of the string table is that the host may load.
-    CHost(_EFI_FRU_INTERFACE* table, CInput& input, BYTES text)
-        : m_table(table), m_input(input), m_text(std::move(text)) {}
-    CHost(const CHost&) = delete;
-    CHost& operator=(const CHost&) = delete;
+struct HOST {
+    TABLE* table;
+    CInput& input;
+    BYTES text; ///< every text of the string table that the host may load
+    CURSOR cursor = {};
+    EFI_STATUS required = 0; ///< of the operation that is being called
+    unsigned int loads = 0;
+    std::uint64_t digest; ///< of everything in all loaded FRUs
+    BYTES strings = {};   ///< the table made from `text`, once it is needed
 
+    HOST(TABLE* hostTable, CInput& hostInput, BYTES hostText);
     /// Calls one operation and checks all that it left.
     void CallNext();
-    unsigned int Loads() const { return m_loads; }
     /// Brings back what EmptyLibrary starts with, where a host has replaced it.
     static void Restore();
 
-    template <auto OPERATION> ANSWER Text();
-    template <auto OPERATION> ANSWER Flag();
-    ANSWER Start();
-    ANSWER End();
-    ANSWER LoadSystem();
-    ANSWER LoadFile();
-    ANSWER LoadDevice();
-    ANSWER FindDevice();
-    ANSWER Commit();
-    ANSWER Save();
-    ANSWER IsModified();
-    ANSWER LastError();
-    ANSWER Language();
-    ANSWER Callback();
-    ANSWER Interval();
-    ANSWER DebugLevel();
-    ANSWER DisplayCallback();
-    ANSWER Password();
-    ANSWER SelectList();
-    ANSWER CountFrus();
-    ANSWER SelectFru();
-    ANSWER SelectFruByAddress();
-    ANSWER Address();
-    ANSWER CountAreas();
-    ANSWER SelectArea();
-    ANSWER SelectAreaInteger();
-    ANSWER AreaName();
-    ANSWER CountFields();
-    ANSWER SelectField();
-    ANSWER SelectFieldInteger();
-    ANSWER Room();
-    ANSWER AssetTagRoom();
-    ANSWER FieldData();
-    ANSWER SetFieldData();
-    ANSWER AreaSize();
-    ANSWER AreaData();
-    ANSWER SetAreaData();
-    ANSWER LoadProperties();
-    ANSWER CountProperties();
-    ANSWER SelectProperty();
-    ANSWER AddFru();
-
-  private:
-    bool IsReady() const { return m_required == 0; }
-    bool HasArea(int area) const;
-    unsigned int AreasPresent() const;
-    FRU_PLACE NextPlace();
-    ANSWER FieldSelected(EFI_STATUS status);
-    void MakeTexts();
+    template <typename... PARAMETERS> EFI_STATUS Call(EFI_STATUS (*TABLE::*operation)(TABLE*, PARAMETERS...),
+                                                      std::type_identity_t<PARAMETERS>... arguments) {
+        return (table->*operation)(table, static_cast<PARAMETERS>(arguments)...);
+    }
+    bool IsReady() const { return required == 0; }
     void CheckCursor() const;
-
-    _EFI_FRU_INTERFACE* m_table;
-    CInput& m_input;
-    CURSOR m_cursor;
-    EFI_STATUS m_required = 0; ///< of the operation that is being called
-    unsigned int m_loads = 0;
-    std::uint64_t m_digest = DigestFrus();
-    BYTES m_text;
-    BYTES m_strings; ///< the table made from it, once it is needed
 };
+
+/// An operation, by its place in the table.
+struct ROW {
+    unsigned int number;
+    FUZZ_NEED need;
+    ANSWER (*call)(HOST& host);
+    bool changesFrus = false;      ///< where it succeeds
+    bool changesOnFailure = false; ///< as far as it has come
+};
+std::span<const ROW> WholeRows();
+std::span<const ROW> CursorRows();
+std::span<const ROW> ValueRows();
+
+FRU_PLACE NextPlace(CInput& input);
+/// Reads a text to its end.
+inline void Read(const WCHAR* text) {
+    Require(!text || std::char_traits<WCHAR>::length(text) < 10000);
+}
+
+template <auto OPERATION> ANSWER Text(HOST& host) {
+    const WCHAR* text = nullptr;
+    const EFI_STATUS status = host.Call(OPERATION, text);
+    Read(text);
+    return {status, status == 0};
+}
+template <auto OPERATION> ANSWER Flag(HOST& host) {
+    bool flag = false;
+    const EFI_STATUS status = host.Call(OPERATION, flag);
+    return {status, status == 0};
+}
 
 } // namespace Frudata_Fuzz

@@ -1,7 +1,6 @@
 // The operations on values: a value that fits is taken and comes back, one that does not changes nothing.
 #include "fuzz/tablemodel.h"
 
-#include <algorithm>
 #include <optional>
 
 namespace Frudata_Fuzz {
@@ -52,77 +51,76 @@ bool SumsToZero(const CInfoArea& area) {
     return (sum & 0xFF) == 0;
 }
 
-} // namespace
-
-ANSWER CHost::Room() {
+ANSWER Room(HOST& host) {
     unsigned int size = 99;
-    const EFI_STATUS status = m_table->GetMaxFieldSize(m_table, size);
-    if (m_cursor.area == FRU_AREA_COMMON_HEADER)
+    const EFI_STATUS status = host.Call(&TABLE::GetMaxFieldSize, size);
+    if (host.cursor.area == FRU_AREA_COMMON_HEADER)
         return {status, status == 0 && size == 0};
-    return {status, status == (m_cursor.IsInfoArea() ? 0 : FRU_STATUS_UNSUPPORTED)};
+    return {status, status == (host.cursor.IsInfoArea() ? 0 : FRU_STATUS_UNSUPPORTED)};
 }
 
-ANSWER CHost::AssetTagRoom() {
+ANSWER AssetTagRoom(HOST& host) {
     unsigned int length = 0;
-    const EFI_STATUS status = m_table->GetAssetTagLength(m_table, length);
+    const EFI_STATUS status = host.Call(&TABLE::GetAssetTagLength, length);
     return {status, status == 0};
 }
 
-ANSWER CHost::FieldData() {
+ANSWER FieldData(HOST& host) {
     const UINT8* data = nullptr;
     unsigned int length = 99;
-    const EFI_STATUS status = m_table->GetFieldDataValue(m_table, data, length);
-    if (!IsReady() || status != 0)
-        return {status, status == (m_cursor.IsInfoArea() ? FRU_STATUS_GET_FIELD_FAILED : FRU_STATUS_UNSUPPORTED) &&
+    const EFI_STATUS status = host.Call(&TABLE::GetFieldDataValue, data, length);
+    if (!host.IsReady() || status != 0)
+        return {status, status == (host.cursor.IsInfoArea() ? FRU_STATUS_GET_FIELD_FAILED : FRU_STATUS_UNSUPPORTED) &&
                             length == 0 && !data};
     Require(length <= MAX_FIELD_LENGTH);
     const BYTES copy(data, data + length);
-    return {status, m_cursor.IsInfoArea()};
+    return {status, host.cursor.IsInfoArea()};
 }
 
-ANSWER CHost::SetFieldData() {
-    const UINT8 control = m_input.Byte();
-    BYTES value = m_input.Take(control & 0x7F);
+ANSWER SetFieldData(HOST& host) {
+    const UINT8 control = host.input.Byte();
+    BYTES value = host.input.Take(control & 0x7F);
     const auto length = static_cast<unsigned int>(value.size());
     value.push_back(0); // what behind the value must not be taken for it
-    if (!IsReady() || !m_cursor.IsInfoArea()) {
-        const EFI_STATUS status = m_table->SetFieldDataValue(m_table, value.data(), length);
+    if (!host.IsReady() || !host.cursor.IsInfoArea()) {
+        const EFI_STATUS status = host.Call(&TABLE::SetFieldDataValue, value.data(), length);
         return {status, status == FRU_STATUS_UNSUPPORTED};
     }
     const CInfoArea& area = *g_FruData->SelectedFru().GetInfoArea(g_FruData->m_area);
-    const bool fits = Fits(area, m_cursor.area, StoredField(area, m_cursor.area, m_cursor.field), value.data(), length);
-    const EFI_STATUS status = m_table->SetFieldDataValue(m_table, value.data(), length);
+    const bool fits =
+        Fits(area, host.cursor.area, StoredField(area, host.cursor.area, host.cursor.field), value.data(), length);
+    const EFI_STATUS status = host.Call(&TABLE::SetFieldDataValue, value.data(), length);
     value.pop_back();
     if (!fits)
         return {status, status == FRU_STATUS_SET_FIELD_FAILED};
     Require(status == 0 && SumsToZero(area));
-    const std::optional<STORED> stored = StoredField(area, m_cursor.area, m_cursor.field);
+    const std::optional<STORED> stored = StoredField(area, host.cursor.area, host.cursor.field);
     Require(!stored || (stored->typeLength == (FRU_FIELD_TYPE_TEXT | length) && stored->data == value));
     const UINT8* data = nullptr;
     unsigned int got = 0;
-    if (m_cursor.field < FIXED[m_cursor.area])
-        Require(m_table->GetFieldDataValue(m_table, data, got) == 0 && BYTES(data, data + got) == value);
+    if (host.cursor.field < FIXED[host.cursor.area])
+        Require(host.Call(&TABLE::GetFieldDataValue, data, got) == 0 && BYTES(data, data + got) == value);
     return {status, true};
 }
 
-ANSWER CHost::AreaSize() {
+ANSWER AreaSize(HOST& host) {
     unsigned int size = 99;
-    Require(m_table->GetAreaSize(nullptr, size) == FRU_STATUS_NOT_INITIALIZED && size == 0);
-    const EFI_STATUS status = m_table->GetAreaSize(m_table, size);
-    const bool isWhole = m_cursor.area == FRU_AREA_INTERNAL_USE || m_cursor.area == FRU_AREA_MULTIRECORD;
+    Require(host.table->GetAreaSize(nullptr, size) == FRU_STATUS_NOT_INITIALIZED && size == 0);
+    const EFI_STATUS status = host.Call(&TABLE::GetAreaSize, size);
+    const bool isWhole = host.cursor.area == FRU_AREA_INTERNAL_USE || host.cursor.area == FRU_AREA_MULTIRECORD;
     return {status, isWhole ? status == 0 : status == FRU_STATUS_UNSUPPORTED && size == 0};
 }
 
-ANSWER CHost::AreaData() {
-    const unsigned int capacity = m_input.Byte() % 32 * 8U;
+ANSWER AreaData(HOST& host) {
+    const unsigned int capacity = host.input.Byte() % 32 * 8U;
     const std::unique_ptr<UINT8[]> buffer(new UINT8[capacity]);
     unsigned int size = 0, length = capacity;
-    Require(m_table->GetAreaData(m_table, nullptr, length) == FRU_STATUS_NOT_INITIALIZED && length == 0);
-    m_table->GetAreaSize(m_table, size);
+    Require(host.Call(&TABLE::GetAreaData, nullptr, length) == FRU_STATUS_NOT_INITIALIZED && length == 0);
+    host.Call(&TABLE::GetAreaSize, size);
     length = capacity;
-    const EFI_STATUS status = m_table->GetAreaData(m_table, buffer.get(), length);
+    const EFI_STATUS status = host.Call(&TABLE::GetAreaData, buffer.get(), length);
     Require(status == 0 || length == 0);
-    switch (m_cursor.area) {
+    switch (host.cursor.area) {
     case FRU_AREA_COMMON_HEADER:
         return {status, capacity == 8 ? status == 0 && length == 8 : status == FRU_STATUS_BUFFER_TOO_SMALL};
     case FRU_AREA_INTERNAL_USE:
@@ -134,25 +132,40 @@ ANSWER CHost::AreaData() {
     }
 }
 
-ANSWER CHost::SetAreaData() {
+ANSWER SetAreaData(HOST& host) {
     unsigned int size = 0;
-    m_table->GetAreaSize(m_table, size);
-    const UINT8 control = m_input.Byte();
-    BYTES value = m_input.Take(control & 0x80 ? size : control);
+    host.Call(&TABLE::GetAreaSize, size);
+    const UINT8 control = host.input.Byte();
+    BYTES value = host.input.Take(control & 0x80 ? size : control);
     const auto length = static_cast<unsigned int>(value.size());
-    Require(m_table->SetAreaData(m_table, nullptr, length) == FRU_STATUS_NOT_INITIALIZED);
+    Require(host.Call(&TABLE::SetAreaData, nullptr, length) == FRU_STATUS_NOT_INITIALIZED);
     value.reserve(1);
-    const EFI_STATUS status = m_table->SetAreaData(m_table, value.data(), length);
+    const EFI_STATUS status = host.Call(&TABLE::SetAreaData, value.data(), length);
     const bool isTaken =
-        m_cursor.area == FRU_AREA_MULTIRECORD || (m_cursor.area == FRU_AREA_INTERNAL_USE && length == size);
-    if (!IsReady() || !isTaken)
+        host.cursor.area == FRU_AREA_MULTIRECORD || (host.cursor.area == FRU_AREA_INTERNAL_USE && length == size);
+    if (!host.IsReady() || !isTaken)
         return {status, status == FRU_STATUS_UNSUPPORTED};
     // The last record's data is completed with zeroes.
     BYTES got(length + 260);
     unsigned int gotLength = static_cast<unsigned int>(got.size());
-    Require(m_table->GetAreaSize(m_table, size) == 0 && size == length);
-    Require(m_table->GetAreaData(m_table, got.data(), gotLength) == 0 && gotLength >= length);
+    Require(host.Call(&TABLE::GetAreaSize, size) == 0 && size == length);
+    Require(host.Call(&TABLE::GetAreaData, got.data(), gotLength) == 0 && gotLength >= length);
     return {status, status == 0 && std::equal(value.begin(), value.end(), got.begin())};
+}
+
+} // namespace
+
+std::span<const ROW> ValueRows() {
+    static constexpr ROW ROWS[] = {{33, NEEDS_FIELD, Text<&TABLE::GetFieldTitle>},
+                                   {34, NEEDS_AREA, Room},
+                                   {35, NEEDS_FIELD, Text<&TABLE::GetFieldStringValue>},
+                                   {36, NEEDS_FIELD, FieldData},
+                                   {37, NEEDS_FIELD, SetFieldData, true},
+                                   {44, NEEDS_AREA, AreaData},
+                                   {45, NEEDS_AREA, SetAreaData, true},
+                                   {47, NEEDS_AREA, AreaSize},
+                                   {49, NEEDS_LOAD, AssetTagRoom}};
+    return ROWS;
 }
 
 } // namespace Frudata_Fuzz
