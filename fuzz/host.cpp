@@ -2,22 +2,10 @@
 #include "fuzz/support.h"
 
 #include <algorithm>
-#include <cwchar>
-#include <numeric>
 
 namespace Frudata_Fuzz {
 
 namespace {
-
-volatile std::size_t g_sink;
-
-void Read(const WCHAR* text) {
-    g_sink = text ? std::wcslen(text) : 0;
-}
-
-void Read(const UINT8* data, std::size_t length) {
-    g_sink = std::accumulate(data, data + length, std::size_t{0});
-}
 
 void ReadField(_EFI_FRU_INTERFACE* table) {
     const WCHAR* text = nullptr;

@@ -59,6 +59,26 @@ void RepairImage(BYTES& image);
 /// Sets the length byte and the checksum of one info area.
 void RepairArea(BYTES& area);
 
+/// Room of exactly `size` bytes for the answer of an IMB driver.
+struct CRoom {
+    explicit CRoom(std::size_t size) : bytes(size, UNTOUCHED), length(static_cast<int>(size)) {}
+
+    static constexpr UINT8 UNTOUCHED = 0xA5;
+    BYTES bytes;
+    int length;
+    UINT8 completionCode = UNTOUCHED;
+
+    UINT8* Data() { return bytes.data(); }
+    bool IsUntouched() const {
+        return completionCode == UNTOUCHED && length == static_cast<int>(bytes.size()) &&
+               bytes == BYTES(bytes.size(), UNTOUCHED);
+    }
+    std::span<const UINT8> Answer() const {
+        Require(length >= 0 && length <= static_cast<int>(bytes.size()));
+        return std::span(bytes).first(static_cast<std::size_t>(length));
+    }
+};
+
 /// The data of a Send Message (IPMI 2.0, section 22.7): up to 62 bytes of the input, nearly always with checksums
 /// that are right.
 BYTES SendMessageData(CInput& input);

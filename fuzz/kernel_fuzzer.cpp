@@ -12,7 +12,6 @@ using namespace Frudata_Fuzz;
 
 constexpr UINT8 APPLICATION = 6, GET_MESSAGE = 0x33, SEND_MESSAGE = 0x34, NO_MESSAGE = 0x80;
 constexpr int ERRORS[] = {0, 0, 0, ENOENT, EACCES, EINVAL, EMSGSIZE, EAGAIN};
-constexpr UINT8 UNTOUCHED = 0xA5;
 
 /// The two low bits of a completion code say to which request an answer belongs.
 STEP NextStep(CInput& input) {
@@ -20,7 +19,7 @@ STEP NextStep(CInput& input) {
     STEP step{.what = static_cast<ARRIVAL>((control & 0x0F) % (DEVICE_GONE + 1)), .isEndless = control >= 0xF0};
     step.bytes = input.Take(input.Byte());
     // Up to the most that the driver takes, and more.
-    step.bytes.resize(step.bytes.size() + (control & 0x40 ? 900 : 0), UNTOUCHED);
+    step.bytes.resize(step.bytes.size() + (control & 0x40 ? 900 : 0), 0);
     if (!step.bytes.empty())
         step.bytes[0] = static_cast<UINT8>((step.bytes[0] & 0xFC) | std::min<int>(step.what, ARRIVES_AS_EVENT));
     return step;
@@ -52,45 +51,38 @@ class CHost {
             break;
         case 4:
         case 5:
-            Send({SEND_MESSAGE, 0x20, 0, APPLICATION, 0, nullptr, 0}, SendMessageData(m_input));
+            Send(SEND_MESSAGE, APPLICATION, SendMessageData(m_input));
             break;
         case 6:
-            Send({GET_MESSAGE, 0x20, 0, APPLICATION, 0, nullptr, 0}, {});
+            Send(GET_MESSAGE, APPLICATION, {});
             break;
         default:
             const UINT8 netFn = m_input.Byte();
-            Send({static_cast<UINT8>(netFn & 0x0F), 0x20, 0, netFn, 0, nullptr, 0}, m_input.Take(m_input.Byte()));
+            Send(netFn & 0x0F, netFn, m_input.Take(m_input.Byte()));
         }
     }
 
   private:
-    void Send(_IMBPREQUESTDATA request, const BYTES& data) {
-        request.data = data.data();
-        request.dataLength = static_cast<int>(data.size());
-        BYTES room(m_input.Byte() * 4U, UNTOUCHED);
-        int length = static_cast<int>(room.size());
-        UINT8 code = UNTOUCHED;
+    void Send(UINT8 command, UINT8 netFn, const BYTES& data) {
+        CRoom room(m_input.Byte() * 4U);
+        const _IMBPREQUESTDATA request{command, 0x20, 0, netFn, 0, data.data(), static_cast<int>(data.size())};
         const int timeout = static_cast<int>(m_input.Byte()) * 100 - 100;
-        if (OpenIpmiSend(&request, timeout, room.data(), &length, &code) != OPENIPMI_OK) {
-            Require(*OpenIpmiFailure() != 0 && code == UNTOUCHED && length == static_cast<int>(room.size()));
-            Require(std::all_of(room.begin(), room.end(), [](UINT8 byte) { return byte == UNTOUCHED; }));
-            return;
-        }
-        Require(length >= 0 && length <= static_cast<int>(room.size()));
-        room.resize(static_cast<std::size_t>(length));
-        if (request.cmdType == SEND_MESSAGE)
+        if (OpenIpmiSend(&request, timeout, room.Data(), &room.length, &room.completionCode) != OPENIPMI_OK)
+            return Require(*OpenIpmiFailure() != 0 && room.IsUntouched());
+        const UINT8 code = room.completionCode;
+        if (command == SEND_MESSAGE)
             m_sent = code == 0 ? data : BYTES();
-        else if (request.cmdType != GET_MESSAGE)
-            RequireArrived(code, room, ARRIVES);
+        else if (command != GET_MESSAGE)
+            RequireArrived(code, room.Answer(), ARRIVES);
         else if (code == 0)
-            TakeMessage(room);
+            TakeMessage(room.Answer());
         else
-            Require(code == NO_MESSAGE && room.empty());
+            Require(code == NO_MESSAGE && room.Answer().empty());
     }
 
-    void TakeMessage(const BYTES& frame) {
+    void TakeMessage(std::span<const UINT8> frame) {
         RequireBridgedAnswer(m_sent, frame);
-        RequireArrived(frame[6], std::span(frame).subspan(7, frame.size() - 8), ARRIVES_FOR_PREVIOUS);
+        RequireArrived(frame[6], frame.subspan(7, frame.size() - 8), ARRIVES_FOR_PREVIOUS);
         m_sent.clear();
     }
 

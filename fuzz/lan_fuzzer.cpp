@@ -15,23 +15,9 @@ namespace {
 using namespace Frudata_Fuzz;
 using namespace Frudata_Driver;
 
-constexpr UINT8 UNTOUCHED = 0xA5;
-
 CInput* gp_input = nullptr;
 /// What the session last answered.
 EXCHANGE g_answer;
-
-void Answer(EXCHANGE& exchange) {
-    const UINT8 control = gp_input->Byte();
-    exchange = {.result = control % 4 == 3 ? LAN_ERR_ANSWER : LAN_OK, .message = {}};
-    if (exchange.result != LAN_OK)
-        exchange.message = "no answer";
-    exchange.sendMessageCode = control & 0x80 ? gp_input->Byte() : UINT8{0};
-    exchange.completionCode = control & 0x40 ? gp_input->Byte() : UINT8{0};
-    exchange.data = gp_input->Take(gp_input->Byte());
-    exchange.data.resize(exchange.data.size() + (control & 0x20 ? 4000 : 0), control);
-    g_answer = exchange;
-}
 
 } // namespace
 
@@ -40,15 +26,20 @@ namespace Frudata_Driver {
 CIpmiContext::~CIpmiContext() = default;
 int CIpmiContext::Open(const SESSION_PARAMETERS& parameters, std::string& message) {
     m_name = parameters.name;
-    m_cipherSuite = parameters.cipherSuite;
     message = "refused";
     return gp_input->Byte() % 4 == 3 ? LAN_ERR_USER : LAN_OK;
 }
 void CIpmiContext::Ask(UINT8, UINT8, UINT8, const std::vector<UINT8>&, EXCHANGE& exchange) {
-    Answer(exchange);
+    const UINT8 control = gp_input->Byte();
+    exchange = {.result = control % 4 == 3 ? LAN_ERR_ANSWER : LAN_OK, .message = control % 4 == 3 ? "none" : ""};
+    exchange.sendMessageCode = control & 0x80 ? gp_input->Byte() : UINT8{0};
+    exchange.completionCode = control & 0x40 ? gp_input->Byte() : UINT8{0};
+    exchange.data = gp_input->Take(gp_input->Byte());
+    exchange.data.resize(exchange.data.size() + (control & 0x20 ? 4000 : 0), control);
+    g_answer = exchange;
 }
 void CIpmiContext::AskOnIpmb(const BRIDGED_REQUEST&, EXCHANGE& exchange) {
-    Answer(exchange);
+    Ask(0, 0, 0, {}, exchange);
 }
 void CIpmiContext::KeepAlive() {}
 
@@ -69,21 +60,19 @@ bool CWorker::Run(std::function<void()> job, std::chrono::milliseconds) {
 
 extern "C" {
 
-/// Addresses of the input's choice, as getaddrinfo lists them; some of no family that anybody knows.
+/// Up to three addresses, as getaddrinfo lists them; some of no family that anybody knows.
 int getaddrinfo(const char*, const char*, const addrinfo*, addrinfo** list) {
     *list = nullptr;
     const UINT8 control = gp_input->Byte();
     for (unsigned count = control % 4; count > 0; --count) {
         auto* const one = static_cast<addrinfo*>(std::calloc(1, sizeof(addrinfo) + sizeof(sockaddr_storage)));
-        const bool isIpv6 = gp_input->Byte() % 2 != 0;
-        const BYTES address = gp_input->Take(isIpv6 ? 28 : 16);
-        one->ai_family = isIpv6 ? AF_INET6 : AF_INET;
-        one->ai_addrlen = isIpv6 ? 28 : 16;
+        const BYTES address = gp_input->Take(gp_input->Byte() % 2 != 0 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in));
+        one->ai_addrlen = static_cast<socklen_t>(address.size());
         one->ai_addr = reinterpret_cast<sockaddr*>(one + 1);
-        std::copy(address.begin(), address.end(), reinterpret_cast<UINT8*>(one->ai_addr));
+        std::memcpy(one->ai_addr, address.data(), address.size());
+        one->ai_family = address.size() == sizeof(sockaddr_in) ? AF_INET : AF_INET6;
         one->ai_addr->sa_family = static_cast<sa_family_t>(control & 0x80 ? control : one->ai_family);
-        one->ai_next = *list;
-        *list = one;
+        one->ai_next = std::exchange(*list, one);
     }
     return control & 0x40 ? EAI_NONAME : 0;
 }
@@ -96,94 +85,70 @@ void freeaddrinfo(addrinfo* list) {
 
 namespace {
 
-class CHost {
-  public:
-    explicit CHost(CInput& input) : m_input(input) {}
+LAN_SESSION* Open(CInput& input) {
+    const std::string host = input.Text(input.Byte() % 64), user = input.Text(input.Byte() % 24);
+    std::string password = input.Text(input.Byte() % 24);
+    const std::size_t length = std::strlen(password.c_str());
+    LAN_SESSION_OPTIONS options{.host = host.c_str(), .port = static_cast<UINT16>(input.Word()), .user = user.c_str()};
+    options.password = password.data();
+    options.cipherSuite = input.Byte() % 4 == 0 ? UINT8{17} : UINT8{0};
+    options.ipmi15 = input.Byte() % 4 == 3;
+    options.privilege = input.Byte() % 8;
+    options.timeout = static_cast<UINT32>(input.Word());
+    std::string message(input.Byte(), '?');
+    LAN_SESSION* session = nullptr;
+    const int result = FrudataLan()->Open(&options, &session, message.data(), static_cast<UINT32>(message.size()));
+    Require((result == LAN_OK) == (session != nullptr) && password.substr(0, length) == std::string(length, '\0'));
+    Require(message.empty() || message.find('\0') != std::string::npos);
+    Require(result == LAN_OK || message.size() < 2 || message[0] != '\0');
+    return session;
+}
 
-    LAN_SESSION* Open() {
-        const std::string host = m_input.Text(m_input.Byte() % 64), user = m_input.Text(m_input.Byte() % 24);
-        std::string password = m_input.Text(m_input.Byte() % 24);
-        LAN_SESSION_OPTIONS options{
-            .host = host.c_str(), .port = static_cast<UINT16>(m_input.Word()), .user = user.c_str()};
-        options.password = password.data();
-        options.cipherSuite = m_input.Byte() % 4 == 0 ? UINT8{17} : UINT8{0};
-        options.ipmi15 = m_input.Byte() % 4 == 3;
-        options.privilege = m_input.Byte() % 8;
-        options.timeout = static_cast<UINT32>(m_input.Word());
-        BYTES message(m_input.Byte(), UNTOUCHED);
-        LAN_SESSION* session = nullptr;
-        const int result = m_lan->Open(&options, &session, reinterpret_cast<char*>(message.data()),
-                                       static_cast<UINT32>(message.size()));
-        Require((result == LAN_OK) == (session != nullptr));
-        Require(message.empty() || std::memchr(message.data(), 0, message.size()));
-        Require(result == LAN_OK || message.size() < 2 || message[0] != 0);
-        Require(std::all_of(password.begin(), password.begin() + static_cast<int>(std::strlen(password.c_str())),
-                            [](char character) { return character == 0; }));
-        return session;
-    }
-
-    void Next(LAN_SESSION* session) {
-        const UINT8 control = m_input.Byte();
-        const bool isSend = control % 4 == 1, isGet = control % 4 == 2;
-        const BYTES data = isSend ? SendMessageData(m_input) : m_input.Take(m_input.Byte());
-        const _IMBPREQUESTDATA request{static_cast<UINT8>(isSend  ? COMMAND_SEND_MESSAGE
-                                                          : isGet ? COMMAND_GET_MESSAGE
-                                                                  : control >> 4),
-                                       0x20,
-                                       0,
-                                       NETFN_APPLICATION,
-                                       0,
-                                       data.data(),
-                                       static_cast<int>(data.size())};
-        BYTES room(m_input.Byte() * 4U, UNTOUCHED);
-        int length = static_cast<int>(room.size());
-        UINT8 code = UNTOUCHED;
-        const int result = m_lan->Send(session, &request, m_input.Byte(), room.data(), &length, &code);
+/// One request. @param sent, queued a Send Message that was carried out, and its answer
+void Ask(CInput& input, LAN_SESSION* session, BYTES& sent, EXCHANGE& queued) {
+    const UINT8 control = input.Byte();
+    const bool isSend = control % 4 == 1, isGet = control % 4 == 2;
+    const BYTES data = isSend ? SendMessageData(input) : input.Take(input.Byte());
+    const UINT8 command = isSend ? COMMAND_SEND_MESSAGE : isGet ? COMMAND_GET_MESSAGE : UINT8(control >> 4);
+    CRoom room(input.Byte() * 4U);
+    const _IMBPREQUESTDATA request{command, 0x20, 0, NETFN_APPLICATION, 0, data.data(), static_cast<int>(data.size())};
+    const int result =
+        FrudataLan()->Send(session, &request, input.Byte(), room.Data(), &room.length, &room.completionCode);
+    if (result != LAN_OK) {
+        Require(*FrudataLan()->Message(session) != 0 && room.IsUntouched());
         // The frame is lost where it finds no room.
-        const BYTES sent = isGet && result != LAN_ERR_OPTION ? std::exchange(m_sent, {}) : BYTES();
-        if (isSend && result == LAN_OK && code == COMPLETION_SUCCESS) {
-            m_sent = data;
-            m_queued = g_answer;
-        }
-        if (result != LAN_OK) {
-            Require(*m_lan->Message(session) != 0 && code == UNTOUCHED && length == static_cast<int>(room.size()));
-            Require(std::all_of(room.begin(), room.end(), [](UINT8 byte) { return byte == UNTOUCHED; }));
-            return;
-        }
-        Require(length >= 0 && length <= static_cast<int>(room.size()));
-        const auto answer = std::span<const UINT8>(room).first(static_cast<std::size_t>(length));
-        if (!isSend && !isGet)
-            Require(code == g_answer.completionCode && IsSame(answer, g_answer.data));
-        else if (isSend || sent.empty())
-            Require(answer.empty() && (isSend || code == COMPLETION_NO_MESSAGE));
-        else
-            CheckFrame(sent, answer);
+        if (isGet && result != LAN_ERR_OPTION)
+            sent.clear();
+        return;
     }
-
-  private:
-    static bool IsSame(std::span<const UINT8> left, const BYTES& right) {
-        return std::equal(left.begin(), left.end(), right.begin(), right.end());
+    const std::span<const UINT8> answer = room.Answer();
+    const auto isSame = [](std::span<const UINT8> got, const BYTES& given) {
+        return std::equal(got.begin(), got.end(), given.begin(), given.end());
+    };
+    if (isGet && !sent.empty()) {
+        RequireBridgedAnswer(std::exchange(sent, {}), answer);
+        Require(answer[6] == queued.completionCode && isSame(answer.subspan(7, answer.size() - 8), queued.data));
+    } else if (isGet || isSend) {
+        Require(answer.empty() && (isSend || room.completionCode == COMPLETION_NO_MESSAGE));
+    } else {
+        Require(room.completionCode == g_answer.completionCode && isSame(answer, g_answer.data));
     }
-    void CheckFrame(const BYTES& sent, std::span<const UINT8> frame) const {
-        RequireBridgedAnswer(sent, frame);
-        Require(frame[6] == m_queued.completionCode && IsSame(frame.subspan(7, frame.size() - 8), m_queued.data));
+    if (isSend && room.completionCode == COMPLETION_SUCCESS) {
+        sent = data;
+        queued = g_answer;
     }
-
-    const LAN_INTERFACE* const m_lan = FrudataLan();
-    CInput& m_input;
-    BYTES m_sent; ///< what the queued answer is for
-    EXCHANGE m_queued;
-};
+}
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     CInput input(data, size);
     gp_input = &input;
-    CHost host(input);
-    LAN_SESSION* const session = host.Open();
+    LAN_SESSION* const session = Open(input);
+    BYTES sent;
+    EXCHANGE queued;
     while (session && !input.IsEmpty())
-        host.Next(session);
+        Ask(input, session, sent, queued);
     FrudataLan()->Close(session);
     return 0;
 }

@@ -104,7 +104,8 @@ using namespace Frudata_Private;
 namespace {
 
 unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int, unsigned int) {
-    return message && std::wcslen(message) > 1000 ? std::abort(), 0 : 0;
+    Read(message);
+    return 0;
 }
 
 } // namespace

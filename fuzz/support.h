@@ -66,6 +66,14 @@ class CFaultyBmc {
     unsigned int m_answers = 0;
 };
 
+/// Reads a text, or bytes, to the end.
+inline void Read(const WCHAR* text) {
+    Require(!text || std::char_traits<WCHAR>::length(text) < 10000);
+}
+inline void Read(const UINT8* data, std::size_t length) {
+    for (std::size_t index = 0; index < length; ++index)
+        static_cast<void>(*static_cast<const volatile UINT8*>(data + index));
+}
 /// Reads everything at the cursor's FRU and changes what `input` says.
 void UseSelectedFru(_EFI_FRU_INTERFACE* table, CInput& input);
 /// Saves the cursor's FRU and, where `input` says so, loads what was saved.

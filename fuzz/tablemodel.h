@@ -115,10 +115,6 @@ std::span<const ROW> CursorRows();
 std::span<const ROW> ValueRows();
 
 FRU_PLACE NextPlace(CInput& input);
-/// Reads a text to its end.
-inline void Read(const WCHAR* text) {
-    Require(!text || std::char_traits<WCHAR>::length(text) < 10000);
-}
 
 template <auto OPERATION> ANSWER Text(HOST& host) {
     const WCHAR* text = nullptr;

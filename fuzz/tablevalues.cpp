@@ -73,7 +73,7 @@ ANSWER FieldData(HOST& host) {
         return {status, status == (host.cursor.IsInfoArea() ? FRU_STATUS_GET_FIELD_FAILED : FRU_STATUS_UNSUPPORTED) &&
                             length == 0 && !data};
     Require(length <= MAX_FIELD_LENGTH);
-    const BYTES copy(data, data + length);
+    Read(data, length);
     return {status, host.cursor.IsInfoArea()};
 }
 
