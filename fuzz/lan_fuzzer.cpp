@@ -69,7 +69,7 @@ int getaddrinfo(const char*, const char*, const addrinfo*, addrinfo** list) {
         const BYTES address = gp_input->Take(gp_input->Byte() % 2 != 0 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in));
         one->ai_addrlen = static_cast<socklen_t>(address.size());
         one->ai_addr = reinterpret_cast<sockaddr*>(one + 1);
-        std::memcpy(one->ai_addr, address.data(), address.size());
+        std::copy(address.begin(), address.end(), reinterpret_cast<UINT8*>(one->ai_addr));
         one->ai_family = address.size() == sizeof(sockaddr_in) ? AF_INET : AF_INET6;
         one->ai_addr->sa_family = static_cast<sa_family_t>(control & 0x80 ? control : one->ai_family);
         one->ai_next = std::exchange(*list, one);
