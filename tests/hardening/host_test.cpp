@@ -2,13 +2,12 @@
 #include "frudata/frudata.h"
 #include "sim/fronts.h"
 #include "sim/samples.h"
+#include "tests/support/directory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <dlfcn.h>
-#include <filesystem>
-#include <fstream>
 #include <malloc.h>
 #include <mutex>
 #include <sys/wait.h>
@@ -68,21 +67,14 @@ bool CLoadedLibrary::WorkOnce(const WCHAR* name) const {
 
 class CHostTest : public testing::Test {
   protected:
-    CHostTest() : m_before(fs::current_path()) {
-        std::string name = (fs::temp_directory_path() / "frudata-XXXXXX").string();
-        fs::current_path(mkdtemp(name.data()));
+    CHostTest() {
         fs::create_directory_symlink(FRUDATA_TEXTS "/enus", "enus");
         m_bmc.AddFruDevice(0, SampleBmcFru());
         SetCurrentBmc(&m_bmc);
     }
-    ~CHostTest() override {
-        SetCurrentBmc(nullptr);
-        const fs::path used = fs::current_path();
-        fs::current_path(m_before);
-        fs::remove_all(used);
-    }
+    ~CHostTest() override { SetCurrentBmc(nullptr); }
 
-    fs::path m_before;
+    Frudata_Tests::CFreshDirectory m_directory;
     CSimulatedBmc m_bmc;
 };
 

@@ -9,9 +9,6 @@
 #include "frudata/system/fruproperties.h"
 #include "frudata/system/sdrrecords.h"
 
-#include <dlfcn.h>
-#include <malloc.h>
-
 namespace Frudata_Tests {
 namespace {
 
@@ -76,22 +73,6 @@ TEST_F(CPiecesTest, SizesThatNoArrayCanHaveAreRefused) {
     for (const std::uint64_t count :
          {std::uint64_t{PTRDIFF_MAX} / 4 + 1, std::uint64_t{SIZE_MAX} / 4, std::uint64_t{SIZE_MAX} / 4 + 2, UINT64_MAX})
         EXPECT_EQ(AllocateArray<UINT32>(count), nullptr) << count;
-}
-
-TEST_F(CPiecesTest, LoadingAndUnloadingTheLibraryLeavesNoMemoryBehind) {
-    if (FRUDATA_TEST_SANITIZED)
-        GTEST_SKIP() << "the sanitizers' memory is their own, and they do not outlive an unloaded library";
-    const auto load = [](int times) {
-        while (times-- > 0) {
-            void* library = dlopen(FRUDATA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-            ASSERT_NE(library, nullptr) << dlerror();
-            dlclose(library);
-        }
-    };
-    load(10);
-    const std::size_t before = mallinfo2().uordblks;
-    load(1000);
-    EXPECT_LT(mallinfo2().uordblks, before + 64 * 1000) << "the loader itself keeps a few bytes each time";
 }
 
 TEST_F(CPiecesTest, TextsAreUsedWhereTheyTakeWhatTheirCallersGive) {

@@ -175,6 +175,19 @@ TEST_F(CReaderTest, WhatEndsABlockAndAFile) {
     EXPECT_EQ(Value(0), L"61 29 62 5F 53 45 45 5F");
 }
 
+// A megabyte of one character. The rest of the damage is the fuzzers' work.
+TEST_F(CReaderTest, LongLinesAreReadOrRefused) {
+    for (const char byte : {'\0', '\n', '0', '\'', '#', '\t'})
+        for (const std::string start : {"", "_SEE_COMMON\n'", "_SEE_COMMON\n", "_FRU_TITLE '"}) {
+            // In a block, digits and quoted text count, of which there is too much.
+            const bool counts = byte == '0' || (start.ends_with('\'') && byte != '\'');
+            const bool isRead = start.starts_with("_SEE_COMMON") && !counts;
+            EXPECT_EQ(Load(WithLine(FruText(BoardFru()), "_SEE_COMMON", start + std::string(1 << 20, byte))),
+                      isRead ? 0U : FRU_STATUS_FILE_READ_ERROR)
+                << start << int{byte};
+        }
+}
+
 // Half a gigabyte, of which an array with a number for each byte would be more than a 32-bit process can have.
 TEST_F(CReaderTest, AHugeFileIsRefused) {
     if (sizeof(void*) > 4 || FRUDATA_TEST_SANITIZED)

@@ -3,19 +3,16 @@
 
 #include "sim/directory.h"
 #include "sim/samples.h"
-
-#include <fstream>
+#include "tests/support/directory.h"
 
 namespace Frudata_Sim {
 
 namespace {
 
-void Put(const std::filesystem::path& file, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-}
+using namespace Frudata_Tests;
 
 TEST(Directory, WritesReachTheFiles) {
-    const CTemporaryDirectory directory;
+    const CFreshDirectory directory;
     WriteSmallServer(directory.Path());
     {
         const auto bmc = LoadBmcDirectory(directory.Path());
@@ -40,7 +37,7 @@ TEST(Directory, WritesReachTheFiles) {
 }
 
 TEST(Directory, LargeServerWithDamage) {
-    const CTemporaryDirectory directory;
+    const CFreshDirectory directory;
     WriteLargeServer(directory.Path(), 40, {FRU_DAMAGE::NONE, FRU_DAMAGE::NOT_FRU}, {2});
     const auto bmc = LoadBmcDirectory(directory.Path());
     EXPECT_EQ(bmc->FruDevices().size(), 40U);
@@ -50,10 +47,10 @@ TEST(Directory, LargeServerWithDamage) {
 }
 
 TEST(Directory, EveryKeyCounts) {
-    const CTemporaryDirectory directory;
-    Put(directory.Path() / "f", "0123456789");
-    Put(directory.Path() / "s", std::string("\0\0\x51\xC0\x01z\0\0\x51\xC0\x09y", 12));
-    Put(directory.Path() / "bmc.json", R"({
+    const CFreshDirectory directory;
+    WriteFile("f", "0123456789");
+    WriteFile("s", std::string("\0\0\x51\xC0\x01z\0\0\x51\xC0\x09y", 12));
+    WriteFile("bmc.json", R"({
         "identity": {"deviceId": 1, "deviceRevision": 2, "firmwareMajor": 3, "firmwareMinor": 4, "ipmiVersion": 5,
                      "additionalSupport": 6, "manufacturer": "0x090807", "product": "0x0B0A"},
         "fruDevices": [{"id": 3, "image": "f", "maxRead": 2, "readRefusal": "0xC8", "maxWrite": 1,
@@ -80,8 +77,8 @@ TEST(Directory, EveryKeyCounts) {
 }
 
 TEST(Directory, ErrorsNameFileAndKey) {
-    const CTemporaryDirectory directory;
-    Put(directory.Path() / "f", "01");
+    const CFreshDirectory directory;
+    WriteFile("f", "01");
     const std::pair<const char*, const char*> rows[] = {
         {"{", "parse error"},
         {"[]", "bmc.json: must be an object"},
@@ -103,7 +100,7 @@ TEST(Directory, ErrorsNameFileAndKey) {
         {R"({"faults": [{"action": "explode"}]})", "faults[0].action: \"explode\" is not a known action"},
     };
     for (const auto& [json, expected] : rows) {
-        Put(directory.Path() / "bmc.json", json);
+        WriteFile("bmc.json", json);
         try {
             LoadBmcDirectory(directory.Path());
             ADD_FAILURE() << json;

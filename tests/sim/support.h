@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace Frudata_Sim {
 
 /// Bytes counting up from `first`.
@@ -27,21 +25,5 @@ inline BYTES Flat(const IpmiAnswer& answer) {
 inline BYTES Ask(CSimulatedBmc& bmc, UINT8 netFn, UINT8 cmd, BYTES data = {}) {
     return Flat(bmc.Execute({.netFn = netFn, .cmd = cmd, .data = std::move(data)}));
 }
-
-/// A fresh directory that goes with the test.
-class CTemporaryDirectory {
-  public:
-    CTemporaryDirectory() {
-        std::string name = (std::filesystem::temp_directory_path() / "simtestXXXXXX").string();
-        m_path = mkdtemp(name.data());
-    }
-    CTemporaryDirectory(const CTemporaryDirectory&) = delete;
-    CTemporaryDirectory& operator=(const CTemporaryDirectory&) = delete;
-    ~CTemporaryDirectory() { std::filesystem::remove_all(m_path); }
-    const std::filesystem::path& Path() const { return m_path; }
-
-  private:
-    std::filesystem::path m_path;
-};
 
 } // namespace Frudata_Sim
