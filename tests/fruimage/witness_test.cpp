@@ -1,28 +1,13 @@
 // A reader that is not ours: FreeIPMI's ipmi-fru reads what edits and growth make.
 #include "tests/fruimage/shapes.h"
-
-#include <array>
-#include <cstdio>
-#include <fstream>
+#include "tests/fruimage/witness.h"
 
 namespace FruImage {
 
 namespace {
 
-/// What the command prints; nothing where it is not there.
-std::string Output(const std::string& command) {
-    std::string text;
-    std::array<char, 512> buffer{};
-    if (FILE* pipe = popen(command.c_str(), "r")) { // NOLINT(cert-env33-c): a fixed command of the tests
-        while (fgets(buffer.data(), static_cast<int>(buffer.size()), pipe))
-            text += buffer.data();
-        pclose(pipe); // a closing record makes it fail behind the fields
-    }
-    return text;
-}
-
 TEST(Witness, FreeIpmiReadsEditedImages) {
-    if (Output("ipmi-fru --version 2>/dev/null").empty())
+    if (!HasWitness())
         GTEST_SKIP() << "ipmi-fru (package freeipmi-tools) is not installed";
     const std::string tag = "Tag of thirty characters, abcd";
     const std::pair<std::string, std::string> fields[] = {
@@ -39,10 +24,7 @@ TEST(Witness, FreeIpmiReadsEditedImages) {
         // Of two-byte text and of what stays damaged it shows nothing.
         if (!plan || !shape.damages.empty() || shape.name == "two-byte text")
             continue;
-        const std::string path = testing::TempDir() + "witness.bin";
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(plan->bytes.data()), static_cast<std::streamsize>(plan->bytes.size()));
-        const std::string text = Output("ipmi-fru --fru-file=" + path + " 2>&1");
+        const std::string text = Witness(plan->bytes);
         const FRU after = Parse(plan->bytes);
         for (const auto& [name, line] : fields)
             if (const FIELD* field = after.Find(Name(name)); field && line.ends_with(": " + field->text)) {

@@ -1,74 +1,39 @@
 // The same bytes read by a program that is not ours: FreeIPMI's ipmi-fru, where it is installed.
+#include "fruimage/imagebuilder.h"
 #include "tests/fruimage/records/support.h"
-
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <numeric>
-#include <unistd.h>
+#include "tests/fruimage/witness.h"
 
 namespace {
 
 using namespace FruRecords;
 
-constexpr const char* PROGRAM = "PATH=$PATH:/usr/sbin:/sbin ipmi-fru ";
-
-struct WITNESS_LINE {
-    std::uint8_t type;
-    const char* key;
-    const char* label;
-};
-
-const WITNESS_LINE LINES[] = {
-    {0x00, "rated-capacity", "Power Supply Overall Capacity"},
-    {0x00, "peak-va", "Power Supply Peak VA"},
-    {0x00, "inrush-current", "Power Supply Max Inrush Current"},
-    {0x00, "inrush-interval", "Power Supply Inrush Interval"},
-    {0x00, "voltage-1-low", "Power Supply Low End Input Voltage 1"},
-    {0x00, "voltage-1-high", "Power Supply High End Input Voltage 1"},
-    {0x00, "voltage-2-low", "Power Supply Low End Input Voltage 2"},
-    {0x00, "voltage-2-high", "Power Supply High End Input Voltage 2"},
-    {0x00, "frequency-low", "Power Supply Low End Acceptable Frequency"},
-    {0x00, "frequency-high", "Power Supply High End Acceptable Frequency"},
-    {0x00, "dropout-tolerance", "Power Supply A/C Dropout Tolerance"},
-    {0x00, "predictive-fail", "Power Supply Predictive Fail Support"},
-    {0x00, "power-factor-correction", "Power Supply Power Factor Correction Supported"},
-    {0x00, "autoswitch", "Power Supply AutoSwitch Supprt"},
-    {0x00, "hot-swap", "Power Supply Hot Swap Support"},
-    {0x00, "peak-wattage", "Power Supply Peak Capacity"},
-    {0x00, "hold-up-time", "Power Supply Hold Up Time"},
-    {0x00, "combined-voltage-1", "Power Supply Voltage 1"},
-    {0x00, "combined-voltage-2", "Power Supply Voltage 2"},
-    {0x00, "combined-wattage", "Power Supply Total Combined Wattage"},
-    {0x01, "output-number", "DC Output Output Number"},
-    {0x01, "standby", "DC Output Output on Standy"},
-    {0x01, "nominal-voltage", "DC Output Nominal Voltage"},
-    {0x01, "negative-deviation", "DC Output Maximum Negative Voltage Deviation"},
-    {0x01, "positive-deviation", "DC Output Maximum Positive Voltage Deviation"},
-    {0x01, "ripple", "DC Output Ripple and Noise pk-pk"},
-    {0x01, "minimum-current", "DC Output Minimum Current Draw"},
-    {0x01, "maximum-current", "DC Output Maximum Current Draw"},
-    {0x02, "output-number", "DC Load Output Number"},
-    {0x02, "nominal-voltage", "DC Load Nominal Voltage"},
-    {0x02, "minimum-voltage", "DC Load Spec'd Minimum Voltage"},
-    {0x02, "maximum-voltage", "DC Load Spec'd Maximum Voltage"},
-    {0x02, "ripple", "DC Load Spec'd Ripple and Noise pk-pk"},
-    {0x02, "minimum-current", "DC Load Minimum Current Load"},
-    {0x02, "maximum-current", "DC Load Maximum Current Load"},
-    {0x03, "system-url", "Management Access System Management URL"},
-    {0x03, "system-name", "Management Access System Name"},
-    {0x03, "system-ping-address", "Management Access System Ping Address"},
-    {0x03, "component-url", "Management Access Component Management URL"},
-    {0x03, "component-name", "Management Access Component Name"},
-    {0x03, "component-ping-address", "Management Access Component Ping Address"},
-    {0x09, "output-number", "DC Output Output Number"},
-    {0x09, "standby", "DC Output Output on Standy"},
-    {0x09, "minimum-current", "DC Output Minimum Current Draw"},
-    {0x09, "maximum-current", "DC Output Maximum Current Draw"},
-    {0x0A, "output-number", "DC Load Output Number"},
-    {0x0A, "minimum-current", "DC Load Minimum Current Load"},
-    {0x0A, "maximum-current", "DC Load Maximum Current Load"},
+/// What the witness calls the fields of a type: "key=label; key=label".
+const std::pair<std::uint8_t, std::string> LABELS[] = {
+    {0x00,
+     "rated-capacity=Power Supply Overall Capacity; peak-va=Power Supply Peak VA; inrush-current=Power Supply Max "
+     "Inrush Current; inrush-interval=Power Supply Inrush Interval; voltage-1-low=Power Supply Low End Input Voltage "
+     "1; voltage-1-high=Power Supply High End Input Voltage 1; voltage-2-low=Power Supply Low End Input Voltage 2; "
+     "voltage-2-high=Power Supply High End Input Voltage 2; frequency-low=Power Supply Low End Acceptable Frequency; "
+     "frequency-high=Power Supply High End Acceptable Frequency; dropout-tolerance=Power Supply A/C Dropout Tolerance; "
+     "predictive-fail=Power Supply Predictive Fail Support; power-factor-correction=Power Supply Power Factor "
+     "Correction Supported; autoswitch=Power Supply AutoSwitch Supprt; hot-swap=Power Supply Hot Swap Support; "
+     "peak-wattage=Power Supply Peak Capacity; hold-up-time=Power Supply Hold Up Time; combined-voltage-1=Power Supply "
+     "Voltage 1; combined-voltage-2=Power Supply Voltage 2; combined-wattage=Power Supply Total Combined Wattage"},
+    {0x01, "output-number=DC Output Output Number; standby=DC Output Output on Standy; nominal-voltage=DC Output "
+           "Nominal Voltage; negative-deviation=DC Output Maximum Negative Voltage Deviation; positive-deviation=DC "
+           "Output Maximum Positive Voltage Deviation; ripple=DC Output Ripple and Noise pk-pk; minimum-current=DC "
+           "Output Minimum Current Draw; maximum-current=DC Output Maximum Current Draw"},
+    {0x02, "output-number=DC Load Output Number; nominal-voltage=DC Load Nominal Voltage; minimum-voltage=DC Load "
+           "Spec'd Minimum Voltage; maximum-voltage=DC Load Spec'd Maximum Voltage; ripple=DC Load Spec'd Ripple and "
+           "Noise pk-pk; minimum-current=DC Load Minimum Current Load; maximum-current=DC Load Maximum Current Load"},
+    {0x03, "system-url=Management Access System Management URL; system-name=Management Access System Name; "
+           "system-ping-address=Management Access System Ping Address; component-url=Management Access Component "
+           "Management URL; component-name=Management Access Component Name; component-ping-address=Management Access "
+           "Component Ping Address"},
+    {0x09, "output-number=DC Output Output Number; standby=DC Output Output on Standy; minimum-current=DC Output "
+           "Minimum Current Draw; maximum-current=DC Output Maximum Current Draw"},
+    {0x0A, "output-number=DC Load Output Number; minimum-current=DC Load Minimum Current Load; maximum-current=DC Load "
+           "Maximum Current Load"},
 };
 
 struct WITNESS_RECORD {
@@ -92,28 +57,14 @@ const WITNESS_RECORD RECORDS[] = {
     {0x0A, "03 B0 04 74 04 EC 04 78 00 0A 00 24 F4"},
 };
 
-std::uint8_t Checksum(std::span<const std::uint8_t> bytes) {
-    return static_cast<std::uint8_t>(-std::accumulate(bytes.begin(), bytes.end(), 0));
-}
-
-/// An image with one record.
-BYTES ImageAround(const WITNESS_RECORD& record) {
-    const BYTES data = FromHex(record.bytes);
-    BYTES image = {1, 0, 0, 0, 0, 1, 0, 0xFE};
-    BYTES header = {record.type, 0x82, static_cast<std::uint8_t>(data.size()), Checksum(data)};
-    header.push_back(Checksum(header));
-    image.insert(image.end(), header.begin(), header.end());
-    image.insert(image.end(), data.begin(), data.end());
-    return image;
-}
-
-std::string Output(const std::string& arguments) {
-    std::string text;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen((PROGRAM + arguments).c_str(), "r"), pclose);
-    std::array<char, 4096> buffer{};
-    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()))
-        text += buffer.data();
-    return text;
+/// How the witness begins the line of a field; nothing where it has none.
+std::string Label(std::uint8_t type, const std::string& key) {
+    for (const auto& [of, labels] : LABELS) {
+        const std::size_t at = ("; " + labels).find("; " + key + "=");
+        if (of == type && at != std::string::npos)
+            return "FRU " + labels.substr(at + key.size() + 1, labels.find(';', at) - at - key.size() - 1) + ": ";
+    }
+    return "";
 }
 
 /// As the witness prints it: voltages and currents in thousandths, names without spaces.
@@ -131,29 +82,23 @@ std::string AsWitness(const RECORD_FIELD& field) {
 }
 
 TEST(Witness, ReadsTheSame) {
-    if (Output("--version 2>/dev/null").empty())
+    if (!FruImage::HasWitness())
         GTEST_SKIP() << "ipmi-fru is not installed (Debian package freeipmi-tools)";
-    const auto path = std::filesystem::temp_directory_path() / ("records-" + std::to_string(getpid()) + ".bin");
     std::size_t compared = 0;
     for (const WITNESS_RECORD& record : RECORDS) {
-        const BYTES image = ImageAround(record);
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(image.data()), static_cast<std::streamsize>(image.size()));
-        const std::string output = Output("--fru-file=" + path.string() + " 2>&1");
-        for (const RECORD_FIELD& field : DecodeRecord(record.type, FromHex(record.bytes)).fields)
-            for (const WITNESS_LINE& line : LINES)
-                if (line.type == record.type && line.key == field.key) {
-                    const std::string label = std::string("FRU ") + line.label + ": ";
-                    const std::size_t found = output.find(label);
-                    ASSERT_NE(found, std::string::npos) << label << "in\n" << output;
-                    const std::string said = output.substr(found + label.size(), AsWitness(field).size() + 1);
-                    EXPECT_TRUE(said == AsWitness(field) + " " || said == AsWitness(field) + "\n")
-                        << label << said << " and " << AsWitness(field);
-                    ++compared;
-                }
+        const BYTES data = FromHex(record.bytes);
+        const std::string output = FruImage::Witness(FruImage::CImageBuilder().MultiRecord(record.type, data).Build());
+        for (const RECORD_FIELD& field : DecodeRecord(record.type, data).fields)
+            if (const std::string label = Label(record.type, field.key); !label.empty()) {
+                const std::size_t found = output.find(label);
+                ASSERT_NE(found, std::string::npos) << label << "in\n" << output;
+                const std::string said = output.substr(found + label.size(), AsWitness(field).size() + 1);
+                EXPECT_TRUE(said == AsWitness(field) + " " || said == AsWitness(field) + "\n")
+                    << label << said << " and " << AsWitness(field);
+                ++compared;
+            }
     }
-    std::filesystem::remove(path);
-    EXPECT_EQ(compared, std::size(LINES) + 20); // two power supplies
+    EXPECT_EQ(compared, 48U + 20U) << "every label, and those of the second power supply";
 }
 
 } // namespace
