@@ -102,8 +102,7 @@ class CAllocationTest : public CHardeningTest, public testing::WithParamInterfac
     void LoadAgain() {
         m_table->DeInitialize(m_table);
         Require(m_table->Initialize(m_table, 0) == 0 && Load(BMC_DEVICE) == 0, "no start");
-        m_table->SetProgressCallback(
-            m_table, [](PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) { return 0U; });
+        m_table->SetProgressCallback(m_table, IgnoreProgress);
         Select(0);
     }
 };

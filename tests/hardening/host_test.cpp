@@ -2,7 +2,7 @@
 #include "frudata/frudata.h"
 #include "sim/fronts.h"
 #include "sim/samples.h"
-#include "tests/support/directory.h"
+#include "tests/support/tablehost.h"
 
 #include <gtest/gtest.h>
 
@@ -28,8 +28,7 @@ class CLoadedLibrary {
         m_table = Function<_EFI_FRU_INTERFACE* (*)()>("GetFruDataInterface")();
         if (m_table->Initialize(m_table, 0) != 0)
             throw std::runtime_error("not started");
-        m_table->SetProgressCallback(
-            m_table, [](PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) { return 0U; });
+        m_table->SetProgressCallback(m_table, Frudata_Tests::IgnoreProgress);
     }
     ~CLoadedLibrary() {
         m_table->DeInitialize(m_table);

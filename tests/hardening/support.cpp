@@ -72,10 +72,6 @@ std::string ChildError() {
     return line;
 }
 
-unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
-    return 0;
-}
-
 BYTES BoardImage() {
     return FruImage::CImageBuilder()
         .Board({.manufacturer = "Maker", .serialNumber = "S1", .customFields = {"c1"}}, 8)
@@ -182,17 +178,12 @@ void CHardeningTest::Select(unsigned int fru, FRU_AREA area) {
         m_table->SelectAreaEnum(m_table, area);
 }
 
-EFI_STATUS CHardeningTest::Set(unsigned int field, const std::string& value) {
-    m_table->SelectFieldInteger(m_table, field);
-    return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
-                                      static_cast<unsigned int>(value.size()));
-}
-
 void CHardeningTest::EditAll() {
     const UINT8 internalUse[] = {1, 9, 9, 9, 9, 9, 9, 9}, records[] = {0xC0, 0x82, 0x01, 0xF6, 0xC7, 0x0A};
     for (const FRU_AREA area : {FRU_AREA_CHASSIS, FRU_AREA_BOARD, FRU_AREA_PRODUCT}) {
         m_table->SelectAreaEnum(m_table, area);
-        Set(1, "longer");
+        m_table->SelectFieldInteger(m_table, 1);
+        SetSelected("longer");
     }
     m_table->SelectAreaEnum(m_table, FRU_AREA_INTERNAL_USE);
     m_table->SetAreaData(m_table, internalUse, sizeof internalUse);

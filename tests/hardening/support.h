@@ -2,13 +2,10 @@
 // required assertion may end any of them.
 #pragma once
 
-#include "frudata/frudata.h"
 #include "fruimage/imagebuilder.h"
 #include "sim/fronts.h"
 #include "sim/sdrrecords.h"
-#include "tests/support/directory.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/tablehost.h"
 
 #include <functional>
 #include <string>
@@ -34,7 +31,7 @@ std::unique_ptr<CSimulatedBmc> MakeServer();
 BYTES FullImage();
 
 /// A started library in a fresh directory that has the texts.
-class CHardeningTest : public testing::Test {
+class CHardeningTest : public CTableHost {
   protected:
     CHardeningTest();
     ~CHardeningTest() override;
@@ -44,15 +41,12 @@ class CHardeningTest : public testing::Test {
     EFI_STATUS Load(const DEVICE& device);
     unsigned int SystemFrus();
     void Select(unsigned int fru, FRU_AREA area = FRU_AREA_NONE);
-    EFI_STATUS Set(unsigned int field, const std::string& value);
     /// A longer value in every field that the selected FRU has, and another chain of records.
     void EditAll();
     /// All that the selected FRU holds.
     std::string Snapshot();
 
-    CFreshDirectory m_directory;
     std::unique_ptr<CSimulatedBmc> m_bmc;
-    _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 };
 
 /// Carries out runs 0 to `count` - 1 in children, a new one after each assertion. `run` returns the outcome to

@@ -72,10 +72,6 @@ const ROW g_operations[] = {
     ROW("5BBBBBB", L"", CALL(GetNumberOfProperties, g_number), CALL(SelectProperty, 0), CALL(GetPropertyTitle, g_text),
         CALL(GetPropertyValue, g_text))};
 
-unsigned int IgnoreProgress(PROGRESS_CALLBACK_TYPE, const WCHAR*, unsigned int, unsigned int) {
-    return 0;
-}
-
 EFI_STATUS StatusOf(char digit) {
     if (digit == '0' || digit == 'U' || digit == '8')
         return digit == '0' ? 0 : digit == 'U' ? FRU_STATUS_UNSUPPORTED : FRU_STATUS_READ_FRU_ERROR;

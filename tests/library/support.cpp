@@ -159,18 +159,6 @@ std::string CLibraryTest::Saved() {
     return ReadFile("out.fru");
 }
 
-std::string CLibraryTest::TakeLog() {
-    const std::string log = ReadFile("DBGLOG.txt");
-    std::filesystem::remove("DBGLOG.txt");
-    return log;
-}
-
-EFI_STATUS CLibraryTest::Set(unsigned int field, const std::string& value) {
-    EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
-    return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
-                                      static_cast<unsigned int>(value.size()));
-}
-
 std::wstring CLibraryTest::Value(unsigned int field) {
     EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
     const wchar_t* value = Told(m_table->GetFieldStringValue);
@@ -183,12 +171,6 @@ BYTES CLibraryTest::Data(unsigned int field) {
     EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
     EXPECT_EQ(m_table->GetFieldDataValue(m_table, data, length), 0U);
     return BYTES(data, data + length);
-}
-
-std::wstring CLibraryTest::LastError() {
-    const wchar_t* message = nullptr;
-    m_table->GetLastErrorMessage(m_table, message);
-    return message ? message : L"";
 }
 
 } // namespace Frudata_Tests

@@ -3,11 +3,9 @@
 #pragma once
 
 #include "frudata/debug.h"
-#include "frudata/frudata.h"
-#include "tests/support/directory.h"
+#include "tests/support/tablehost.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <map>
@@ -48,7 +46,7 @@ void WriteTexts(const std::string& directory, const std::wstring& prefix,
                 const std::map<UINT32, std::wstring>& others = {});
 
 /// A started library in a fresh current directory, with texts "T1", "T2 ARGUMENTS" and so on.
-class CLibraryTest : public testing::Test {
+class CLibraryTest : public CTableHost {
   protected:
     CLibraryTest();
     ~CLibraryTest() override;
@@ -58,7 +56,6 @@ class CLibraryTest : public testing::Test {
     void LoadAndSelect(const FRU_BYTES& fru, FRU_AREA area);
     /// Saves the selected FRU as out.fru and returns what that holds.
     std::string Saved();
-    EFI_STATUS Set(unsigned int field, const std::string& value);
     std::wstring Value(unsigned int field);
     BYTES Data(unsigned int field);
     /// The value that `operation` tells, which must succeed, and write it whatever was there.
@@ -78,13 +75,6 @@ class CLibraryTest : public testing::Test {
         }
         return value;
     }
-    /// The last error, "" where there is none.
-    std::wstring LastError();
-    /// What was logged since the last call.
-    static std::string TakeLog();
-
-    CFreshDirectory m_directory;
-    _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
 };
 
 /// The process ends with this line on standard error.

@@ -147,8 +147,7 @@ CSystemTest::~CSystemTest() {
 EFI_STATUS CSystemTest::Set(FRU_AREA area, FRU_FIELD field, const std::string& value) {
     EXPECT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
     EXPECT_EQ(m_table->SelectFieldEnum(m_table, field), 0U);
-    return m_table->SetFieldDataValue(m_table, reinterpret_cast<const UINT8*>(value.data()),
-                                      static_cast<unsigned int>(value.size()));
+    return SetSelected(value);
 }
 
 unsigned int CSystemTest::NumberOfFrus() {
@@ -172,12 +171,6 @@ REQUESTS CSystemTest::Requests(FRONT front) {
     }
     m_bmc.ClearExchanges();
     return requests;
-}
-
-std::string CSystemTest::TakeLog() {
-    std::string log = ReadFile("DBGLOG.txt");
-    std::ofstream("DBGLOG.txt");
-    return log;
 }
 
 void CSystemTest::Answer(UINT8 cmd, std::vector<int> codes) {

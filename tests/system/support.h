@@ -2,14 +2,12 @@
 // requests that it should send, written down from IPMI 2.0 (sections 22.11, 33, 34).
 #pragma once
 
-#include "frudata/frudata.h"
 #include "fruimage/imagebuilder.h"
 #include "sim/kcsmodel.h"
 #include "sim/samples.h"
-#include "tests/support/directory.h"
+#include "tests/support/tablehost.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cwchar>
 #include <optional>
@@ -79,7 +77,7 @@ inline constexpr int OWN_ANSWER = -1;
 inline constexpr int NOTHING_MOVED = -2;
 
 /// A started library in a fresh directory.
-class CSystemTest : public testing::Test {
+class CSystemTest : public CTableHost {
   protected:
     CSystemTest();
     ~CSystemTest() override;
@@ -104,16 +102,8 @@ class CSystemTest : public testing::Test {
     }
     EFI_STATUS Set(FRU_AREA area, FRU_FIELD field, const std::string& value);
     unsigned int NumberOfFrus();
-    /// The last error, "" where there is none.
-    std::wstring LastError() {
-        const wchar_t* message = nullptr;
-        m_table->GetLastErrorMessage(m_table, message);
-        return message ? message : L"";
-    }
     /// The requests since the last call, of this executable's front or those that reached other controllers.
     REQUESTS Requests(FRONT front = g_front);
-    /// The trace log since the last call.
-    std::string TakeLog();
     /// Answers the requests `cmd` in turn with these completion codes, then as the BMC does.
     void Answer(UINT8 cmd, std::vector<int> codes);
     /// The status that the front makes of an IMB driver's.
@@ -121,10 +111,6 @@ class CSystemTest : public testing::Test {
 
     CSimulatedBmc m_bmc;
     CKcsModel m_kcs{m_bmc};
-    _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();
-
-  private:
-    CFreshDirectory m_directory;
 };
 
 /// The calls of the progress callback, as type, text and the two numbers.
