@@ -67,6 +67,8 @@ TEST_F(CStringsTest, RefusesFaultySources) {
         {"\"Board Info Area\"", "\"Board %u\"", "text 5 AREA_BOARD has the wrong placeholders; it takes none"},
         {"\"Board Info Area\"", "\"100 %\"", "text 5 AREA_BOARD has the wrong placeholders"},
         {"\"Writing %ls\"", "\"Writing %s\"", "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
+        {"\"Writing %ls\"", "\"Writing %.9ls\"",
+         "text 64 PROGRESS_WRITING_FRU has the wrong placeholders; it takes %ls"},
         {"%02u/%02u/%04u %02u:%02u:%02u", "%2$02u.%1$02u.%3$04u %4$02u:%5$02u",
          "text 35 DATE_TIME_FORMAT has the wrong placeholders; it takes %u, %u, %u, %u, %u, %u"},
         {"%02X, bus 0x%02X", "%02X, bus",
