@@ -37,7 +37,7 @@ bool MayBeAt(const FRU& fru, const AREA_ROW& row, std::size_t offset) {
 }
 
 GUESS Guess(const FRU& fru) {
-    GUESS guess{fru.header, true, false};
+    GUESS guess{.header = fru.header};
     if (Version(guess.header[0]) != FORMAT_VERSION)
         guess.header[0] = FORMAT_VERSION;
     for (const AREA_ROW& row : Areas()) {

@@ -100,6 +100,7 @@ TEST(Value, NamesOfTheStandard) {
     EXPECT_EQ(*ParseChassisType("rackmount chassis"), BYTES{23});
     EXPECT_EQ(*ParseChassisType("0x24"), BYTES{36});
     EXPECT_EQ(ChassisTypeText(29), "Blade enclosure (29)");
+    EXPECT_EQ(ChassisTypeText(37), "type 37") << "the standard names none";
     for (const char* text : {"", "0", "37", "0x", "256", "23x", "sofa"})
         EXPECT_FALSE(ParseChassisType(text)) << text;
     EXPECT_EQ(LanguageFromName("japanese"), 53);

@@ -170,6 +170,7 @@ TEST_F(CSessionTest, WhatDoesNotFitIsRefusedAndTheSessionGoesOn) {
     EXPECT_EQ(session.Ask(0x0A, 0x11, {0, 0, 0, 8}, 0, 8).result, LAN_ERR_SIZE);
     EXPECT_NE(session.Message().find("9 bytes, room is for 8"), std::string::npos) << session.Message();
     EXPECT_EQ(session.Ask(0x07, 0x01).result, LAN_ERR_OPTION);
+    EXPECT_EQ(session.Ask(0x40, 0x01).result, LAN_ERR_OPTION);
     EXPECT_EQ(session.Ask(0x06, 0x34, {0x40, 0x30}).completionCode, 0xC7);
     EXPECT_EQ(session.Ask(0x06, 0x01).result, LAN_OK);
     EXPECT_EQ(session.Message(), "");
