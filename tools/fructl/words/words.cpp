@@ -103,8 +103,8 @@ void ChooseWords(std::string_view language) {
 }
 
 std::string_view Word(std::string_view english) {
-    const PHRASE_ROW* row = FindRow(g_phrases, english);
-    return row ? row->words : english;
+    const std::size_t row = FindRow(g_phrases, english);
+    return row < g_phrases.size() ? g_phrases[row].words : english;
 }
 
 std::string SayCount(std::size_t count, std::string_view unit) {
@@ -114,8 +114,8 @@ std::string SayCount(std::size_t count, std::string_view unit) {
 std::string Spoken(std::string_view english) {
     if (g_phrases.empty())
         return std::string(english);
-    if (const PHRASE_ROW* row = FindRow(g_phrases, english))
-        return std::string(row->words);
+    if (const std::size_t row = FindRow(g_phrases, english); row < g_phrases.size())
+        return std::string(g_phrases[row].words);
     const auto split = [&](std::string_view head, std::string_view separator) {
         return Spoken(head) + std::string(separator) + Spoken(english.substr(head.size() + separator.size()));
     };

@@ -18,8 +18,8 @@ inline constexpr struct {
     PHRASES phrases;
 } TRANSLATIONS[] = {{"de-de", DE_DE}};
 
-/// The row of an English phrase; null where there is none.
-constexpr const PHRASE_ROW* FindRow(PHRASES phrases, std::string_view english) {
+/// The number of the row of an English phrase; that behind the last row where there is none.
+constexpr std::size_t FindRow(PHRASES phrases, std::string_view english) {
     std::size_t first = 0;
     std::size_t end = phrases.size();
     while (first < end) {
@@ -29,7 +29,7 @@ constexpr const PHRASE_ROW* FindRow(PHRASES phrases, std::string_view english) {
         else
             end = middle;
     }
-    return first < phrases.size() && phrases[first].english == english ? &phrases[first] : nullptr;
+    return first < phrases.size() && phrases[first].english == english ? first : phrases.size();
 }
 
 /// From here on the words are those of this language; English where it has none.
@@ -41,7 +41,7 @@ std::string_view Word(std::string_view english);
 template <class... ARGUMENTS> struct PHRASE {
     template <std::size_t LENGTH> consteval PHRASE(const char (&english)[LENGTH]) : format(english) {
         for (const auto& translation : TRANSLATIONS)
-            if (!FindRow(translation.phrases, std::string_view(english, LENGTH - 1)))
+            if (FindRow(translation.phrases, std::string_view(english, LENGTH - 1)) == translation.phrases.size())
                 throw "a language lacks this phrase";
     }
 
