@@ -10,9 +10,9 @@ using BYTES = std::span<const UINT8>;
 
 constexpr UINT8 ANCHOR[] = {'_', 'S', 'M', '_'};
 constexpr size_t ANCHOR_ALIGNMENT = 16;
-constexpr size_t ENTRY_TABLE_ADDRESS = 0x18;
-constexpr size_t ENTRY_STRUCTURE_COUNT = 0x1C;
-constexpr size_t ENTRY_SIZE = ENTRY_STRUCTURE_COUNT + 2; // as far as it is read
+constexpr size_t ENTRY_POINT_TABLE_ADDRESS = 0x18;
+constexpr size_t ENTRY_POINT_STRUCTURE_COUNT = 0x1C;
+constexpr size_t ENTRY_POINT_SIZE = ENTRY_POINT_STRUCTURE_COUNT + 2; // as far as it is read
 
 constexpr UINT8 TYPE_IPMI_DEVICE = 38;
 constexpr size_t STRUCTURE_HEADER_SIZE = 2; // as far as it is read: type and length
@@ -39,10 +39,10 @@ BYTES SkipStructure(BYTES table) {
 } // namespace
 
 std::optional<SMBIOS_TABLE> FindSmbiosTable(BYTES firmware) {
-    for (; firmware.size() >= ENTRY_SIZE; firmware = firmware.subspan(ANCHOR_ALIGNMENT)) {
+    for (; firmware.size() >= ENTRY_POINT_SIZE; firmware = firmware.subspan(ANCHOR_ALIGNMENT)) {
         if (std::equal(std::begin(ANCHOR), std::end(ANCHOR), firmware.begin()))
-            return SMBIOS_TABLE{ReadNumber(firmware, ENTRY_TABLE_ADDRESS, 4),
-                                static_cast<UINT16>(ReadNumber(firmware, ENTRY_STRUCTURE_COUNT, 2))};
+            return SMBIOS_TABLE{ReadNumber(firmware, ENTRY_POINT_TABLE_ADDRESS, 4),
+                                static_cast<UINT16>(ReadNumber(firmware, ENTRY_POINT_STRUCTURE_COUNT, 2))};
     }
     return std::nullopt;
 }

@@ -13,7 +13,7 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "frudata.cpp";
+constexpr char TABLE_SOURCE[] = "frudata.cpp";
 constexpr std::size_t LOADED_TEXT_SIZE = 256;
 
 /// A file name in the current locale's multibyte form.
@@ -106,7 +106,7 @@ EFI_STATUS LoadConfigurationFromSystem(_EFI_FRU_INTERFACE*) {
 
 EFI_STATUS LoadConfigurationFromFile(_EFI_FRU_INTERFACE* This, const WCHAR* fileName, const WCHAR*) {
     return RunConfigurationOperation(L"LoadConfigurationFromFile", NEED_INITIALIZED, [&](const COperation& operation) {
-        Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
+        Assert(fileName != nullptr, TABLE_SOURCE, "pFileName");
         std::unique_ptr<CFru> fru(new (std::nothrow) CFru);
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!fru || !name.text)
@@ -171,8 +171,8 @@ EFI_STATUS FindFruAtAddressAndChecksumHeader(_EFI_FRU_INTERFACE*, FRU_TYPE type,
 
 EFI_STATUS SaveConfigurationToFile(_EFI_FRU_INTERFACE*, const WCHAR* fileName, const WCHAR* auxFileName) {
     return RunConfigurationOperation(L"SaveConfigurationToFile", NEED_FRU, [&](const COperation& operation) {
-        Assert(fileName != nullptr, SOURCE_FILE, "pFileName");
-        Assert(!auxFileName, SOURCE_FILE, "!pAuxFileName");
+        Assert(fileName != nullptr, TABLE_SOURCE, "pFileName");
+        Assert(!auxFileName, TABLE_SOURCE, "!pAuxFileName");
         const NARROW_NAME name = ToNarrowName(fileName);
         if (!name.text)
             return FailAllocation(operation, FRU_STATUS_OUT_OF_MEMORY);
@@ -202,7 +202,7 @@ EFI_STATUS CommitConfigurationToSystem(_EFI_FRU_INTERFACE*) {
 
 EFI_STATUS AddFruToSystemList(_EFI_FRU_INTERFACE*) {
     const COperation operation(L"AddFruToSystemList");
-    FailAssertion(SOURCE_FILE, "0");
+    FailAssertion(TABLE_SOURCE, "0");
 }
 
 } // namespace Frudata_Public

@@ -15,6 +15,12 @@ BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length) {
     return bytes.subspan(offset, std::min(length, bytes.size() - offset));
 }
 
+void Copy(BYTES& image, std::size_t offset, BYTE_VIEW bytes) {
+    if (image.size() < offset + bytes.size())
+        image.resize(offset + bytes.size());
+    std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
 bool IsFilledWith(BYTE_VIEW bytes, BYTE value) {
     return std::all_of(bytes.begin(), bytes.end(), [=](BYTE byte) { return byte == value; });
 }

@@ -14,14 +14,7 @@ using namespace std::chrono;
 /// Date 0 (FRU Information Storage Definition, section 11).
 constexpr sys_days ORIGIN = year{1996} / January / 1;
 constexpr unsigned UNSPECIFIED = 0;
-constexpr unsigned ERASED = 0xFFFFFF;
-
-ERROR BadValue(std::string text, std::string hint) {
-    ERROR error;
-    error.text = std::move(text);
-    error.hint = std::move(hint);
-    return error;
-}
+constexpr unsigned ERASED_DATE = 0xFFFFFF;
 
 BYTES DateBytes(unsigned minutes) {
     return {static_cast<BYTE>(minutes), static_cast<BYTE>(minutes >> 8), static_cast<BYTE>(minutes >> 16)};
@@ -72,7 +65,7 @@ std::optional<long> ReadDate(std::string_view text) {
 
 std::string DateText(BYTE_VIEW bytes) {
     const unsigned count = bytes.size() < 3 ? UNSPECIFIED : bytes[0] + bytes[1] * 0x100U + bytes[2] * 0x10000U;
-    if (count == UNSPECIFIED || count == ERASED)
+    if (count == UNSPECIFIED || count == ERASED_DATE)
         return "unspecified";
     const year_month_day date(floor<days>(ORIGIN + minutes(count)));
     const unsigned inDay = count % (24U * 60U);
@@ -88,9 +81,9 @@ Result<BYTES> ParseDate(std::string_view text) {
     if (!count)
         return BadValue(Text("'", text, "' is no date"),
                         "write it as 2026-05-31, 2026-05-31T14:30Z (UTC, whole minutes) or unspecified");
-    if (*count <= static_cast<long>(UNSPECIFIED) || *count >= static_cast<long>(ERASED))
+    if (*count <= static_cast<long>(UNSPECIFIED) || *count >= static_cast<long>(ERASED_DATE))
         return BadValue(Text("'", text, "' is outside what the field holds"),
-                        "after 1996-01-01T00:00Z, up to " + DateText(DateBytes(ERASED - 1)));
+                        "after 1996-01-01T00:00Z, up to " + DateText(DateBytes(ERASED_DATE - 1)));
     return DateBytes(static_cast<unsigned>(*count));
 }
 

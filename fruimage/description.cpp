@@ -80,10 +80,6 @@ std::size_t NeededBytes(const DESCRIPTION& description, const PLACES& places) {
     return needed;
 }
 
-void Copy(BYTES& image, std::size_t offset, BYTE_VIEW bytes) {
-    std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(offset));
-}
-
 /// Bytes that are not `fill`, from the first to the last.
 void DescribeGap(const FRU& fru, const GAP& gap, DESCRIPTION& description) {
     const BYTE_VIEW bytes = fru.View({gap.offset, gap.length});

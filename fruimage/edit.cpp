@@ -114,12 +114,6 @@ BYTES NewHeader(const DRAFT& draft) {
     return header;
 }
 
-void Copy(BYTES& image, std::size_t offset, BYTE_VIEW bytes) {
-    if (image.size() < offset + bytes.size())
-        image.resize(offset + bytes.size());
-    std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(offset));
-}
-
 PLAN MakePlan(const DRAFT& draft) {
     PLAN plan;
     plan.bytes = draft.fru.bytes;

@@ -9,13 +9,6 @@ namespace {
 
 using CHARACTERS = std::vector<std::uint32_t>;
 
-ERROR BadValue(std::string text, std::string hint = {}) {
-    ERROR error;
-    error.text = std::move(text);
-    error.hint = std::move(hint);
-    return error;
-}
-
 /// Reads one character of several bytes at `position` and moves behind it; nothing if it is no UTF-8.
 std::optional<std::uint32_t> ReadLongCharacter(std::string_view text, std::size_t& position) {
     const auto first = static_cast<BYTE>(text[position++]);

@@ -34,6 +34,14 @@ struct ERROR {
     std::size_t available = 0; ///< NO_ROOM: bytes that the device has
 };
 
+/// A refusal of a value.
+inline ERROR BadValue(std::string text, std::string hint = {}) {
+    ERROR error;
+    error.text = std::move(text);
+    error.hint = std::move(hint);
+    return error;
+}
+
 /// A value or an ERROR. Reading the absent one gives an empty one: no content can abort.
 template <class VALUE> class Result {
   public:

@@ -16,18 +16,18 @@ namespace {
 constexpr std::int32_t MFG_DATE_TIME_ORIGIN = 820368000;
 constexpr std::size_t DATE_TIME_TEXT_SIZE = 256;
 
-constexpr INFO_AREA_FIELD FIELDS[] = {
+constexpr INFO_AREA_FIELD BOARD_FIELDS[] = {
     {STRING_BOARD_MFG_DATE_TIME, L"SetMfgDateTime"}, {STRING_BOARD_MANUFACTURER, L"SetManufacturer"},
     {STRING_BOARD_PRODUCT_NAME, L"SetProductName"},  {STRING_BOARD_SERIAL_NUMBER, L"SetSerialNumber"},
     {STRING_BOARD_PART_NUMBER, L"SetPartNumber"},    {STRING_BOARD_FILE_ID, L"SetFileId"},
 };
-static_assert(std::size(FIELDS) == CBoardInfoArea::NUMBER_OF_FIELDS);
+static_assert(std::size(BOARD_FIELDS) == CBoardInfoArea::NUMBER_OF_FIELDS);
 
-constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
+constexpr INFO_AREA_DESCRIPTION BOARD_DESCRIPTION = {
     .className = L"CBoardInfoArea",
     .sourceFile = "boardinfoarea.cpp",
     .firstField = FRU_FIELD_BOARD_MFG_DATE_TIME,
-    .fields = FIELDS,
+    .fields = BOARD_FIELDS,
     .customTitle = STRING_BOARD_CUSTOM_FIELD,
     .headerSize = BOARD_HEADER_SIZE,
     .headerFieldOffset = HEADER_MFG_DATE_TIME,
@@ -43,11 +43,11 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .valueNoMemory = L"FRU Error allocation",
     .customValueNoMemory = nullptr,
 };
-static_assert(IsWithinCapacity(DESCRIPTION));
+static_assert(IsWithinCapacity(BOARD_DESCRIPTION));
 
 } // namespace
 
-CBoardInfoArea::CBoardInfoArea() : CInfoArea(DESCRIPTION) {}
+CBoardInfoArea::CBoardInfoArea() : CInfoArea(BOARD_DESCRIPTION) {}
 
 const UINT8* CBoardInfoArea::GetMfgDateTime() const {
     return Trace(L"GetMfgDateTime").Exit(&m_header[HEADER_MFG_DATE_TIME]);

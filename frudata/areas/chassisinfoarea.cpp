@@ -14,18 +14,18 @@ constexpr UINT8 LAST_CHASSIS_TYPE = 23;
 /// Distance from a type to the number of its name in the string table.
 constexpr UINT32 TYPE_NAME_DISTANCE = STRING_CHASSIS_TYPE_1 - 1;
 
-constexpr INFO_AREA_FIELD FIELDS[] = {
+constexpr INFO_AREA_FIELD CHASSIS_FIELDS[] = {
     {STRING_CHASSIS_TYPE, L"SetType"},
     {STRING_CHASSIS_PART_NUMBER, L"SetPartNumber"},
     {STRING_CHASSIS_SERIAL_NUMBER, L"SetSerialNumber"},
 };
-static_assert(std::size(FIELDS) == CChassisInfoArea::NUMBER_OF_FIELDS);
+static_assert(std::size(CHASSIS_FIELDS) == CChassisInfoArea::NUMBER_OF_FIELDS);
 
-constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
+constexpr INFO_AREA_DESCRIPTION CHASSIS_DESCRIPTION = {
     .className = L"CChassisInfoArea",
     .sourceFile = "chassisinfoarea.cpp",
     .firstField = FRU_FIELD_CHASSIS_TYPE,
-    .fields = FIELDS,
+    .fields = CHASSIS_FIELDS,
     .customTitle = STRING_CHASSIS_CUSTOM_FIELD,
     .headerSize = OTHER_HEADER_SIZE,
     .headerFieldOffset = HEADER_LANGUAGE_OR_TYPE,
@@ -41,11 +41,11 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .valueNoMemory = nullptr,
     .customValueNoMemory = L"FRU Error Allocation",
 };
-static_assert(IsWithinCapacity(DESCRIPTION));
+static_assert(IsWithinCapacity(CHASSIS_DESCRIPTION));
 
 } // namespace
 
-CChassisInfoArea::CChassisInfoArea() : CInfoArea(DESCRIPTION) {}
+CChassisInfoArea::CChassisInfoArea() : CInfoArea(CHASSIS_DESCRIPTION) {}
 
 bool CChassisInfoArea::SetType(UINT8 type) {
     const CTrace trace = Trace(L"SetType");
@@ -61,7 +61,7 @@ const WCHAR* CChassisInfoArea::GetChassisString() const {
     const UINT8 type = m_header[HEADER_LANGUAGE_OR_TYPE];
     // Compatibility: types 10 to 15 and 23 can be stored but have no name.
     const bool isNamed = (type >= 1 && type <= 9) || (type >= 16 && type < LAST_CHASSIS_TYPE);
-    Assert(isNamed, DESCRIPTION.sourceFile, "0");
+    Assert(isNamed, CHASSIS_DESCRIPTION.sourceFile, "0");
     return trace.Exit(GetText(type + TYPE_NAME_DISTANCE));
 }
 

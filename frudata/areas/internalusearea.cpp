@@ -13,7 +13,7 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "internalusearea.cpp";
 
-constexpr CTraceSource Trace(L"CInternalUseArea");
+constexpr CTraceSource TraceInternalUse(L"CInternalUseArea");
 
 /// Writes bytes as two hexadecimal digits each, with a blank between two bytes.
 void WriteHexadecimal(const UINT8* data, UINTN length, WCHAR* text) {
@@ -28,7 +28,7 @@ void WriteHexadecimal(const UINT8* data, UINTN length, WCHAR* text) {
 } // namespace
 
 bool CInternalUseArea::SetData(const UINT8* data, UINTN length, bool setModified) {
-    const CTrace trace = Trace(L"SetData");
+    const CTrace trace = TraceInternalUse(L"SetData");
     Assert(length <= SIZE, SOURCE_FILE, "0");
     // The new content may come from the area's own buffer.
     std::memmove(m_data, data, length);
@@ -39,45 +39,45 @@ bool CInternalUseArea::SetData(const UINT8* data, UINTN length, bool setModified
 }
 
 const UINT8* CInternalUseArea::GetData() const {
-    return Trace(L"GetData").Exit(m_data);
+    return TraceInternalUse(L"GetData").Exit(m_data);
 }
 
 UINTN CInternalUseArea::GetLength() const {
-    return Trace(L"GetLength").Exit(m_length);
+    return TraceInternalUse(L"GetLength").Exit(m_length);
 }
 
 bool CInternalUseArea::IsValid() const {
-    return Trace(L"IsValid").Exit(true);
+    return TraceInternalUse(L"IsValid").Exit(true);
 }
 
 bool CInternalUseArea::IsModified() const {
-    return Trace(L"IsModified").Exit(m_modified);
+    return TraceInternalUse(L"IsModified").Exit(m_modified);
 }
 
 void CInternalUseArea::ResetIsModified() {
-    const CTrace trace = Trace(L"ResetIsModified");
+    const CTrace trace = TraceInternalUse(L"ResetIsModified");
     m_modified = false;
     trace.Exit();
 }
 
 UINTN CInternalUseArea::GetNumberOfFields() const {
-    return Trace(L"GetNumberOfFields").Exit(m_length > 0 ? NUMBER_OF_FIELDS : 0);
+    return TraceInternalUse(L"GetNumberOfFields").Exit(m_length > 0 ? NUMBER_OF_FIELDS : 0);
 }
 
 UINTN CInternalUseArea::GetFieldIndexFromEnum(FRU_FIELD field) const {
-    const CTrace trace = Trace(L"GetFieldIndexFromEnum");
+    const CTrace trace = TraceInternalUse(L"GetFieldIndexFromEnum");
     Assert(field == FRU_FIELD_INTERNAL_USE_DATA, SOURCE_FILE, "0");
     return trace.Exit(UINTN{0});
 }
 
 const WCHAR* CInternalUseArea::GetFieldTitleFromIndex(UINTN index) const {
-    const CTrace trace = Trace(L"GetFieldTitleFromIndex");
+    const CTrace trace = TraceInternalUse(L"GetFieldTitleFromIndex");
     Assert(index == 0, SOURCE_FILE, "0");
     return trace.Exit(GetText(STRING_INTERNAL_USE_DATA));
 }
 
 const WCHAR* CInternalUseArea::GetFieldValueFromIndex(UINTN index) {
-    const CTrace trace = Trace(L"GetFieldValueFromIndex");
+    const CTrace trace = TraceInternalUse(L"GetFieldValueFromIndex");
     m_pValue.reset();
     if (index == 0) {
         m_pValue = AllocateArray<WCHAR>(3 * m_length + 1);

@@ -6,7 +6,7 @@ UINTN nTotalAssetTagLength = 0;
 
 namespace {
 
-constexpr INFO_AREA_FIELD FIELDS[] = {
+constexpr INFO_AREA_FIELD PRODUCT_FIELDS[] = {
     {STRING_PRODUCT_MANUFACTURER_NAME, L"SetManufacturerName"},
     {STRING_PRODUCT_NAME, L"SetProductName"},
     {STRING_PRODUCT_PART_NUMBER, L"SetPartNumber"},
@@ -15,13 +15,13 @@ constexpr INFO_AREA_FIELD FIELDS[] = {
     {STRING_PRODUCT_ASSET_TAG, L"SetAssetTag"},
     {STRING_PRODUCT_FILE_ID, L"SetFileId"},
 };
-static_assert(std::size(FIELDS) == CProductInfoArea::NUMBER_OF_FIELDS);
+static_assert(std::size(PRODUCT_FIELDS) == CProductInfoArea::NUMBER_OF_FIELDS);
 
-constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
+constexpr INFO_AREA_DESCRIPTION PRODUCT_DESCRIPTION = {
     .className = L"CProductInfoArea",
     .sourceFile = "productinfoarea.cpp",
     .firstField = FRU_FIELD_PRODUCT_MANUFACTURER_NAME,
-    .fields = FIELDS,
+    .fields = PRODUCT_FIELDS,
     .customTitle = STRING_PRODUCT_CUSTOM_FIELD,
     .headerSize = OTHER_HEADER_SIZE,
     .headerFieldOffset = 0,
@@ -38,11 +38,11 @@ constexpr INFO_AREA_DESCRIPTION DESCRIPTION = {
     .valueNoMemory = L"FRU Error Allocation",
     .customValueNoMemory = L"FRU Error Allocation",
 };
-static_assert(IsWithinCapacity(DESCRIPTION));
+static_assert(IsWithinCapacity(PRODUCT_DESCRIPTION));
 
 } // namespace
 
-CProductInfoArea::CProductInfoArea() : CInfoArea(DESCRIPTION) {}
+CProductInfoArea::CProductInfoArea() : CInfoArea(PRODUCT_DESCRIPTION) {}
 
 void CProductInfoArea::EndOfFieldsFound(UINTN end) const {
     nTotalAssetTagLength = m_header[HEADER_LENGTH] * 8U - end + DecodeLength(m_fields[ASSET_TAG].GetTypeLength()) - 1;

@@ -13,7 +13,6 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "fru.cpp";
 /// Below this a buffer could not hold a useful identifier.
 constexpr int SMALLEST_IDENTIFIER_BYTES = 100;
 
@@ -67,7 +66,7 @@ EFI_STATUS CFru::CreateFruList() {
 
 EFI_STATUS CFru::LoadFromFile(std::FILE*) {
     TraceOf(L"LoadFromFile");
-    FailAssertion(SOURCE_FILE, "0");
+    FailAssertion(FRU_SOURCE, "0");
 }
 
 bool CFru::HasInternalArea() const {
@@ -106,7 +105,7 @@ EFI_STATUS CFru::DecodeHeader(const UINT8* data) {
 
 EFI_STATUS CFru::SerializeCommonHeader(UINT8* data) {
     const CTrace trace = TraceOf(L"SerializeCommonHeader");
-    Assert(data != nullptr, SOURCE_FILE, "data");
+    Assert(data != nullptr, FRU_SOURCE, "data");
     std::memcpy(data, m_header.GetData(), CFruHeader::FRU_HEADER_LENGTH);
     return trace.Exit(FRU_STATUS_SUCCESS);
 }

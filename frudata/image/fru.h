@@ -17,6 +17,9 @@ class CFile;
 /// Bytes of the buffers for a FRU's identifier.
 constexpr int FRU_IDENTIFIER_BYTES = 400;
 
+/// The source file by which hosts know assertions of a FRU and its areas.
+inline constexpr char FRU_SOURCE[] = "fru.cpp";
+
 /// Common header, the four areas, the multi-record chain and the address of one FRU. References to the areas and the
 /// locator are valid as long as the CFru.
 class CFru {

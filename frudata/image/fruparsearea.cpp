@@ -11,8 +11,6 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "frureadfile.cpp";
-
 /// Kinds of characters in a hexadecimal line: below 0x10 a digit's value, to be skipped, or out of place.
 constexpr UINT8 NO_DIGIT = 0x10;
 constexpr UINT8 OUT_OF_PLACE = 0x20;
@@ -62,7 +60,7 @@ class CAreaBlock {
     HEXADECIMAL_LINE ReadHexadecimal(const char* line);
     EFI_STATUS AddHexadecimal(const HEXADECIMAL_LINE& line);
     /// Both digits of a byte must be on one line.
-    void AssertWholeByte() const { Assert(!m_isHalf, SOURCE_FILE, "position == FIRST"); }
+    void AssertWholeByte() const { Assert(!m_isHalf, TEXT_FILE_SOURCE, "position == FIRST"); }
 
   private:
     UINT8 m_data[SIZE];
@@ -150,7 +148,7 @@ EFI_STATUS ParseArea(const char* tag, const CFile& file, UINTN line, UINT8*& dat
     }
     g_areaBlock.AssertWholeByte();
     // A full buffer may mean truncation: the limit is SIZE - 1.
-    Assert(!g_areaBlock.IsFull(), SOURCE_FILE, "index != 512");
+    Assert(!g_areaBlock.IsFull(), TEXT_FILE_SOURCE, "index != 512");
     data = g_areaBlock.GetData();
     length = g_areaBlock.GetLength();
     return trace.Exit(FRU_STATUS_SUCCESS);
@@ -168,7 +166,7 @@ void SetParseAreaErrorMessage(EFI_STATUS status, const WCHAR* areaName, const ch
         {FRU_STATUS_SUCCESS, L"Area Parse Error", STRING_FILE_AREA_INVALID}, // every other failure
     };
     const CTrace trace = CFru::TraceOf(L"SetParseAreaErrorMessage");
-    Assert(status != FRU_STATUS_SUCCESS, SOURCE_FILE, "status");
+    Assert(status != FRU_STATUS_SUCCESS, TEXT_FILE_SOURCE, "status");
     const auto* row = MESSAGES;
     while (row->status != FRU_STATUS_SUCCESS && row->status != status)
         ++row;

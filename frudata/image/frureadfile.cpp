@@ -14,8 +14,6 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "frureadfile.cpp";
-
 enum READ_STATE : unsigned {
     READ_START = 0,
     READ_LF_NAME = 1,
@@ -135,7 +133,7 @@ template <auto STORE> constexpr READ_STEP AreaStep(const char* tag, STRING_ID na
 }
 
 bool StoreCommonHeader(CFru& fru, const UINT8* data, UINTN length) {
-    Assert(length == CFruHeader::FRU_HEADER_LENGTH, SOURCE_FILE, "length == 8");
+    Assert(length == CFruHeader::FRU_HEADER_LENGTH, TEXT_FILE_SOURCE, "length == 8");
     return fru.DecodeHeader(data) == FRU_STATUS_SUCCESS;
 }
 
@@ -148,7 +146,7 @@ template <FRU_AREA AREA> bool StoreInfoArea(CFru& fru, const UINT8* data, UINTN 
 }
 
 bool StoreMultiRecords(CFru& fru, const UINT8* data, UINTN length) {
-    Assert(length >= MULTIRECORD_HEADER_LENGTH, SOURCE_FILE, "length >= 5");
+    Assert(length >= MULTIRECORD_HEADER_LENGTH, TEXT_FILE_SOURCE, "length >= 5");
     fru.MultiRecords().length = static_cast<UINT16>(length);
     return fru.DecodeMultiRecArea(data) == FRU_STATUS_SUCCESS;
 }
@@ -319,7 +317,7 @@ READ_STATE CFruFileReader::NextArea(READ_STATE areaRead) const {
 
 EFI_STATUS ReadFRUFromFile(CFru& fru, const char* filename) {
     const CTrace trace = CFru::TraceOf(L"ReadFRUFromFile");
-    Assert(filename != nullptr, SOURCE_FILE, "filename");
+    Assert(filename != nullptr, TEXT_FILE_SOURCE, "filename");
     CFile file;
     if (!file.Open(filename)) {
         trace.Fail(L"Unexpected");

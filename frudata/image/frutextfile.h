@@ -6,6 +6,9 @@
 
 namespace Frudata_Private {
 
+/// The source file by which hosts know assertions of reading a text file.
+inline constexpr char TEXT_FILE_SOURCE[] = "frureadfile.cpp";
+
 /// Fills `fru` from a file; what was read before a failure stays. A null name is a fatal assertion.
 /// @return 0, FILE_READ_ERROR
 EFI_STATUS ReadFRUFromFile(CFru& fru, const char* filename);

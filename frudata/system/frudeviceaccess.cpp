@@ -13,7 +13,7 @@ UINT32 g_BMCType = BMC_TYPE_UNKNOWN;
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "frureadsystem.cpp";
+constexpr char DEVICE_SOURCE[] = "frureadsystem.cpp";
 /// Bytes of the first request, and the step to a smaller one after a refusal.
 constexpr int FIRST_CHUNK = 8;
 constexpr int CHUNK_STEP = 4;
@@ -145,8 +145,8 @@ EFI_STATUS ReadFruDataFromBmc(const FRU_LOCATOR& locator, UINT16 offset, UINT8* 
 
 EFI_STATUS ReadDataFromFRU(const FRU_LOCATOR* locator, UINT16 offset, UINT16 length, UINT8* data) {
     const CTrace trace = CFru::TraceOf(L"ReadDataFromFRU");
-    Assert(locator != nullptr, SOURCE_FILE, "locator");
-    Assert(data != nullptr, SOURCE_FILE, "data");
+    Assert(locator != nullptr, DEVICE_SOURCE, "locator");
+    Assert(data != nullptr, DEVICE_SOURCE, "data");
     const EFI_STATUS status = ReadFruDataFromBmc(*locator, offset, data, length);
     return trace.End(status);
 }

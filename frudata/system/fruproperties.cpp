@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t COUNT_TEXT_SIZE = 8;
 
-constexpr CTraceSource Trace(L"CFruProperties");
+constexpr CTraceSource TraceProperties(L"CFruProperties");
 
 std::unique_ptr<WCHAR[]> CountText(int count) {
     std::unique_ptr<WCHAR[]> text = AllocateArray<WCHAR>(COUNT_TEXT_SIZE);
@@ -25,63 +25,63 @@ std::unique_ptr<WCHAR[]> CountText(int count) {
 } // namespace
 
 UINT8 CFruProperties::GetIpmiVersion() const {
-    return Trace(L"GetIpmiVersion").Exit(m_ipmiVersion);
+    return TraceProperties(L"GetIpmiVersion").Exit(m_ipmiVersion);
 }
 
 void CFruProperties::SetIpmiVersion(UINT8 version) {
-    const CTrace trace = Trace(L"SetIpmiVersion");
+    const CTrace trace = TraceProperties(L"SetIpmiVersion");
     m_ipmiVersion = version;
     trace.Exit();
 }
 
 UINT8 CFruProperties::GetNumberOfFrus() const {
-    return Trace(L"GetNumberOfFrus").Exit(m_numberOfFrus);
+    return TraceProperties(L"GetNumberOfFrus").Exit(m_numberOfFrus);
 }
 
 UINT8 CFruProperties::GetNumberOfIpmiFrus() const {
-    return Trace(L"GetNumberOfIpmiFrus").Exit(m_numberOfFrus);
+    return TraceProperties(L"GetNumberOfIpmiFrus").Exit(m_numberOfFrus);
 }
 
 void CFruProperties::SetNumberOfFrus(UINT8 count) {
-    const CTrace trace = Trace(L"SetNumberOfFrus");
+    const CTrace trace = TraceProperties(L"SetNumberOfFrus");
     m_numberOfFrus = count;
     m_numberOfFrusString = CountText(m_numberOfFrus);
     trace.Exit();
 }
 
 void CFruProperties::SetNumberOfIpmiFrus(UINT8 count) {
-    const CTrace trace = Trace(L"SetNumberOfIpmiFrus");
+    const CTrace trace = TraceProperties(L"SetNumberOfIpmiFrus");
     m_numberOfIpmiFrus = count;
     m_numberOfIpmiFrusString = CountText(m_numberOfFrus);
     trace.Exit();
 }
 
 void CFruProperties::IncrementNumberOfFrus() {
-    const CTrace trace = Trace(L"IncrementNumberOfFrus");
+    const CTrace trace = TraceProperties(L"IncrementNumberOfFrus");
     SetNumberOfFrus(static_cast<UINT8>(m_numberOfFrus + 1));
     trace.Exit();
 }
 
 void CFruProperties::IncrementNumberOfIpmiFrus() {
-    const CTrace trace = Trace(L"IncrementNumberOfIpmiFrus");
+    const CTrace trace = TraceProperties(L"IncrementNumberOfIpmiFrus");
     SetNumberOfIpmiFrus(static_cast<UINT8>(m_numberOfFrus + 1));
     trace.Exit();
 }
 
 const WCHAR* CFruProperties::GetIpmiVersionString() const {
-    return Trace(L"GetIpmiVersionString").Exit(m_ipmiVersionString.get());
+    return TraceProperties(L"GetIpmiVersionString").Exit(m_ipmiVersionString.get());
 }
 
 const WCHAR* CFruProperties::GetNumberOfFrusString() const {
-    return Trace(L"GetNumberOfFrusString").Exit(m_numberOfFrusString.get());
+    return TraceProperties(L"GetNumberOfFrusString").Exit(m_numberOfFrusString.get());
 }
 
 const WCHAR* CFruProperties::GetNumberOfIpmiFrusString() const {
-    return Trace(L"GetNumberOfIpmiFrusString").Exit(m_numberOfIpmiFrusString.get());
+    return TraceProperties(L"GetNumberOfIpmiFrusString").Exit(m_numberOfIpmiFrusString.get());
 }
 
 void CFruProperties::SetIpmiVersionString(const WCHAR* text) {
-    const CTrace trace = Trace(L"SetIpmiVersionString");
+    const CTrace trace = TraceProperties(L"SetIpmiVersionString");
     if (!text)
         return trace.Exit();
     const std::size_t size = std::wcslen(text) + 1;

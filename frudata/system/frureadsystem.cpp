@@ -9,8 +9,6 @@ namespace Frudata_Private {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "fru.cpp";
-
 /// Room for each kind of area, in bytes. A larger area is refused.
 constexpr UINT16 PRODUCT_BUFFER = 512;
 constexpr UINT16 AREA_BUFFER = 912;
@@ -19,13 +17,13 @@ constexpr UINT16 MULTIRECORD_BUFFER = 915;
 constexpr UINTN LAST_OFFSET = 0xFFFF;
 
 void AssertLocator(const FRU_LOCATOR* locator) {
-    Assert(locator != nullptr, SOURCE_FILE, "locator");
+    Assert(locator != nullptr, FRU_SOURCE, "locator");
 }
 
 EFI_STATUS ReadFRUHeader(const FRU_LOCATOR* locator, UINT8* data) {
     const CTrace trace = CFru::TraceOf(L"ReadFRUHeader");
     AssertLocator(locator);
-    Assert(data != nullptr, SOURCE_FILE, "data");
+    Assert(data != nullptr, FRU_SOURCE, "data");
     const EFI_STATUS status = ReadDataFromFRU(locator, 0, CFruHeader::FRU_HEADER_LENGTH, data);
     if (status == FRU_STATUS_SUCCESS)
         return trace.Exit(status);
@@ -135,7 +133,7 @@ EFI_STATUS GetInternalArea(CFru& fru, const FRU_LOCATOR* locator) {
     UINTN next = FRU_HEADER_CHASSIS;
     while (next <= FRU_HEADER_MULTIRECORD && header[next] == 0)
         ++next;
-    Assert(next <= FRU_HEADER_MULTIRECORD, SOURCE_FILE, "0");
+    Assert(next <= FRU_HEADER_MULTIRECORD, FRU_SOURCE, "0");
     const UINT8 offset = header[FRU_HEADER_INTERNAL_USE];
     const int length = (header[next] - offset) * 8;
     UINT8 buffer[AREA_BUFFER];

@@ -107,12 +107,12 @@ constexpr auto HUNDRED_MILLIAMPERES = Currents({"A", 1});
 constexpr FORM_MATCH IN_HUNDRED_MILLIAMPERES[] = {{Bits(0, 4), 1}};
 
 // Section 18.4.
-constexpr NUMBER_NAME SUB_TYPES[] = {
+constexpr NUMBER_NAME ACCESS_SUB_TYPES[] = {
     {1, "system management URL"}, {2, "system name"},    {3, "system ping address"},
     {4, "component URL"},         {5, "component name"}, {6, "component ping address"},
     {7, "system UUID"},
 };
-constexpr FIELD_ROW SUB_TYPE[] = {{"sub-type", "Sub-type", Byte(0), ENUMERATION, NO_UNIT, SUB_TYPES, 1}};
+constexpr FIELD_ROW SUB_TYPE[] = {{"sub-type", "Sub-type", Byte(0), ENUMERATION, NO_UNIT, ACCESS_SUB_TYPES, 1}};
 constexpr FIELD_ROW SYSTEM_URL[] = {{"system-url", "System management URL", Rest(1), TEXT}};
 constexpr FIELD_ROW SYSTEM_NAME[] = {{"system-name", "System name", Rest(1), TEXT}};
 constexpr FIELD_ROW SYSTEM_PING[] = {{"system-ping-address", "System ping address", Rest(1), TEXT}};

@@ -51,7 +51,7 @@ class CEditorProcess {
         sigaction(SIGINT, &ignore, &m_interrupt);
         sigaction(SIGQUIT, &ignore, &m_quit);
         std::fflush(stdout);
-        m_process = fork();
+        m_process = fork(); // NOLINT(cppcoreguidelines-prefer-member-initializer): after what stands above
         if (m_process == 0)
             Become(command + " \"$1\"", path);
     }

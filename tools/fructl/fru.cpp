@@ -44,7 +44,7 @@ std::string ProductText(const FRU& fru) {
         const std::string maker = FirstText(fru, {fmt::format("{}.manufacturer", area)});
         const std::string name =
             FirstText(fru, {fmt::format("{}.{}", area, area == "board" ? "product-name" : "name")});
-        text = maker + (maker.empty() || name.empty() ? "" : " ") + name;
+        text = fmt::format("{}{}{}", maker, maker.empty() || name.empty() ? "" : " ", name);
         if (!text.empty())
             break;
     }

@@ -160,7 +160,7 @@ void CheckStatus(const json& document, const std::string& source) {
     const std::string status = Word(document, "status");
     const json header = document.value("header", json::object());
     const json checksum = header.value("checksum", json::object());
-    if (status == "blank" || checksum.value("ok", true) == false)
+    if (status == "blank" || !checksum.value("ok", true))
         throw CToolError(EXIT_DAMAGED, source, fmt::format("it is the report of a FRU that is {}", status),
                          "'fructl repair' puts a damaged header right");
 }
@@ -198,7 +198,7 @@ std::vector<std::string> ShortWords(const json& document) {
             AddShort(name, value, words);
         else
             for (const auto& [field, text] : value.items())
-                AddShort(name + "." + field, text, words);
+                AddShort(fmt::format("{}.{}", name, field), text, words);
     }
     return words;
 }

@@ -132,7 +132,7 @@ bool IsSet(const char* variable) {
 } // namespace
 
 std::shared_ptr<GLOBAL_OPTIONS> AddGlobalOptions(CLI::App& app) {
-    const auto options = std::make_shared<GLOBAL_OPTIONS>();
+    auto options = std::make_shared<GLOBAL_OPTIONS>();
     SETTINGS& settings = Settings();
     settings.language = LanguageOfLocale();
     app.add_option("--sim", settings.simDirectory, "Use the simulated BMC of this directory")->type_name("DIR");

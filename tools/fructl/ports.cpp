@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 #include <string_view>
 
 #include <unistd.h>
@@ -46,9 +47,10 @@ std::string PortOwner(UINT16 port) {
     std::string owner;
     for (std::string line; std::getline(regions, line);) {
         unsigned first = 0;
+        char dash = 0;
         unsigned last = 0;
         const std::size_t colon = line.find(" : ");
-        if (colon == std::string::npos || std::sscanf(line.c_str(), "%x-%x", &first, &last) != 2)
+        if (colon == std::string::npos || !(std::istringstream(line) >> std::hex >> first >> dash >> last))
             continue;
         const std::string name = line.substr(colon + 3);
         if (first <= port + 1U && last >= port && !IsReservation(name))

@@ -31,11 +31,12 @@ constexpr struct {
     std::size_t title;
     std::size_t firstField;
     std::size_t custom;
-} NUMBERS[] = {{AREA_ID::INTERNAL_USE, STRING_AREA_INTERNAL_USE, 0, 0},
-               {AREA_ID::MULTIRECORD, STRING_AREA_MULTIRECORD, 0, 0},
-               {AREA_ID::CHASSIS, STRING_AREA_CHASSIS, STRING_CHASSIS_TYPE, STRING_CHASSIS_CUSTOM_FIELD},
-               {AREA_ID::BOARD, STRING_AREA_BOARD, STRING_BOARD_MFG_DATE_TIME, STRING_BOARD_CUSTOM_FIELD},
-               {AREA_ID::PRODUCT, STRING_AREA_PRODUCT, STRING_PRODUCT_MANUFACTURER_NAME, STRING_PRODUCT_CUSTOM_FIELD}};
+} FIELD_NUMBERS[] = {
+    {AREA_ID::INTERNAL_USE, STRING_AREA_INTERNAL_USE, 0, 0},
+    {AREA_ID::MULTIRECORD, STRING_AREA_MULTIRECORD, 0, 0},
+    {AREA_ID::CHASSIS, STRING_AREA_CHASSIS, STRING_CHASSIS_TYPE, STRING_CHASSIS_CUSTOM_FIELD},
+    {AREA_ID::BOARD, STRING_AREA_BOARD, STRING_BOARD_MFG_DATE_TIME, STRING_BOARD_CUSTOM_FIELD},
+    {AREA_ID::PRODUCT, STRING_AREA_PRODUCT, STRING_PRODUCT_MANUFACTURER_NAME, STRING_PRODUCT_CUSTOM_FIELD}};
 
 /// The texts of this run's language, or none. Reads them itself: asking the library would need a session.
 TEXT_TABLE ReadTexts() {
@@ -62,7 +63,8 @@ std::string Text(std::size_t number, const char* fallback) {
 }
 
 const auto& NumbersOf(AREA_ID area) {
-    return *std::find_if(std::begin(NUMBERS), std::end(NUMBERS) - 1, [&](const auto& row) { return row.area == area; });
+    return *std::find_if(std::begin(FIELD_NUMBERS), std::end(FIELD_NUMBERS) - 1,
+                         [&](const auto& row) { return row.area == area; });
 }
 
 } // namespace

@@ -157,7 +157,7 @@ void CompareWritten(const SOURCE& device, BYTE_VIEW expected, BYTE_VIEW before) 
 
 std::string KeepBackup(const SOURCE& source, BYTE_VIEW bytes, const std::string& given) {
     const CHold hold;
-    const std::string name = ClaimBackupName(source, given);
+    std::string name = ClaimBackupName(source, given);
     try {
         WriteFile(name, bytes);
     } catch (const CToolError&) {
