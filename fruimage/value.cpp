@@ -11,11 +11,11 @@ namespace {
 constexpr std::array<std::string_view, 5> ENCODING_NAMES = {"binary", "bcd+", "6-bit", "text", "two-byte"};
 
 std::string DecodeBcdPlus(BYTE_VIEW bytes) {
-    constexpr std::string_view CHARACTERS = "0123456789 -.???";
+    constexpr std::string_view BCD_PLUS = "0123456789 -.???";
     std::string text;
     for (const BYTE byte : bytes) {
-        text += CHARACTERS[byte >> 4];
-        text += CHARACTERS[byte & 0x0F];
+        text += BCD_PLUS[byte >> 4];
+        text += BCD_PLUS[byte & 0x0F];
     }
     return text;
 }

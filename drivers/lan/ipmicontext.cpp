@@ -22,7 +22,6 @@ constexpr std::size_t ANSWER_CAPACITY = 4096;
 constexpr int ANSWER_COMPLETION_CODE = 1;
 constexpr int ANSWER_DATA = 2;
 
-constexpr const char* NO_MEMORY = "out of memory";
 constexpr const char* SILENT = "no answer";
 constexpr const char* NO_USER = "unknown user";
 constexpr const char* NO_PASSWORD = "wrong password";

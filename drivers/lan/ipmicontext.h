@@ -13,6 +13,8 @@ struct ipmi_ctx;
 
 namespace Frudata_Driver {
 
+inline constexpr const char* NO_MEMORY = "out of memory";
+
 /// LAN_SESSION_OPTIONS with its defaults filled in.
 struct SESSION_PARAMETERS {
     explicit SESSION_PARAMETERS(const char* text) : password(text) {}
@@ -31,7 +33,7 @@ struct SESSION_PARAMETERS {
 /// The result of a request. A completion code is no failure.
 struct EXCHANGE {
     int result = LAN_ERR_RESOURCES;
-    std::string message{"out of memory"};
+    std::string message{NO_MEMORY};
     UINT8 completionCode = 0;
     std::vector<UINT8> data{};
     UINT8 sendMessageCode = 0; ///< of a bridged request: the completion code of Send Message, 0 for success

@@ -9,8 +9,6 @@ namespace Frudata_Driver {
 
 namespace {
 
-constexpr const char* NO_MEMORY = "out of memory";
-
 const char* PrivilegeName(UINT8 privilege) {
     switch (privilege) {
     case LAN_PRIVILEGE_USER:
