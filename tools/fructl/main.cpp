@@ -47,15 +47,6 @@ void AddCommands(CLI::App& app, std::string_view name) {
             add(app);
 }
 
-int Report(const CToolError& error) {
-    std::fflush(stdout);
-    const std::string message = fmt::format("{}: {}", error.m_what, error.m_why);
-    fmt::print(stderr, "fructl: {}\n", message);
-    if (!error.m_hint.empty())
-        fmt::print(stderr, "  {}\n", error.m_hint);
-    return error.m_status;
-}
-
 bool HasCommand(const CLI::App& app, const std::string& name) {
     const auto commands = app.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
     return !commands.empty();
@@ -77,17 +68,17 @@ int Run(int argc, char** argv) {
         if (error.get_exit_code() == 0) // --help, --version
             return app.exit(error);
         const bool unknown = argc > 1 && argv[1][0] != '-' && !HasCommand(app, argv[1]);
-        return Report({EXIT_USAGE, "command line",
-                       unknown ? fmt::format("there is no command '{}'", argv[1]) : std::string(error.what()),
-                       "'fructl --help' shows how it is used"});
+        return Complain({EXIT_USAGE, "command line",
+                         unknown ? fmt::format("there is no command '{}'", argv[1]) : std::string(error.what()),
+                         "'fructl --help' shows how it is used"});
     } catch (const CToolError& error) {
-        return Report(error);
+        return Complain(error);
     } catch (const CChildDied& error) {
-        return Report({EXIT_DAMAGED, "session", error.m_output});
+        return Complain({EXIT_DAMAGED, "session", error.m_output});
     } catch (const std::bad_alloc&) {
-        return Report({EXIT_DEVICE, "memory", "there is not enough of it"});
+        return Complain({EXIT_DEVICE, "memory", "there is not enough of it"});
     } catch (const std::exception& error) {
-        return Report({EXIT_DEVICE, "internal error", error.what()});
+        return Complain({EXIT_DEVICE, "internal error", error.what()});
     }
     return EXIT_DONE;
 }

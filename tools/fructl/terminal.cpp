@@ -105,9 +105,12 @@ void Note(const std::string& text) {
     std::fflush(NoteStream());
 }
 
-void Complain(const CToolError& error) {
+EXIT_STATUS Complain(const CToolError& error) {
     std::fflush(stdout);
     fmt::print(stderr, "fructl: {}: {}\n", error.m_what, error.m_why);
+    if (!error.m_hint.empty())
+        fmt::print(stderr, "  {}\n", error.m_hint);
+    return error.m_status;
 }
 
 namespace {

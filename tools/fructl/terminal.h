@@ -40,8 +40,8 @@ std::string Padded(std::string_view text, std::size_t width);
 void Note(const std::string& text);
 /// Where it goes, where that is not standard error.
 std::FILE*& NoteStream();
-/// Prints a failure that does not end the command to standard error, behind what was printed until then.
-void Complain(const CToolError& error);
+/// Prints a failure to standard error, behind what was printed until then. @return its exit status
+EXIT_STATUS Complain(const CToolError& error);
 /// Rows with aligned columns, two blanks between them and in front.
 std::string Table(const std::vector<std::vector<std::string>>& rows);
 /// Shortens texts of the `columns`, the longest first, until a table of `rows` has lines of at most `width`.
