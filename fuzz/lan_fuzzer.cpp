@@ -1,6 +1,8 @@
-// A session over LAN without libfreeipmi: input is the host, what its name leads to, the options, and a sequence of
-// requests with their answers. What waits on a thread does so here: a job is done at once, or too late.
+// A session over LAN without libfreeipmi: input is the host with or without a port, what its name leads to, the
+// options, and a sequence of requests with their answers. What waits on a thread does so here: a job is done at once,
+// or too late.
 #include "drivers/lan/address.h"
+#include "drivers/lan/host.h"
 #include "drivers/lan/session.h"
 #include "fuzz/input.h"
 
@@ -85,8 +87,23 @@ void freeaddrinfo(addrinfo* list) {
 
 namespace {
 
+/// A host that is accepted is within its limits and the same when it is written and read again.
+void CheckHost(const std::string& text) {
+    std::string message;
+    const auto host = ParseHost(text, message);
+    Require(host.has_value() == message.empty());
+    if (!host)
+        return;
+    Require(!host->name.empty() && host->name.size() <= LARGEST_HOST_SIZE);
+    Require(std::none_of(host->name.begin(), host->name.end(), [](unsigned char c) { return c <= ' ' || c == 0x7F; }));
+    const UINT16 port = host->port ? host->port : LAN_DEFAULT_PORT;
+    const auto again = ParseHost(WithPort(host->name, port), message);
+    Require(again && again->name == host->name && again->port == port);
+}
+
 LAN_SESSION* Open(CInput& input) {
-    const std::string host = input.Text(input.Byte() % 64), user = input.Text(input.Byte() % 24);
+    const std::string host = input.Text(input.Byte()), user = input.Text(input.Byte() % 24);
+    CheckHost(host);
     std::string password = input.Text(input.Byte() % 24);
     const std::size_t length = std::strlen(password.c_str());
     LAN_SESSION_OPTIONS options{.host = host.c_str(), .port = static_cast<UINT16>(input.Word()), .user = user.c_str()};

@@ -94,6 +94,8 @@ void WriteDriverSeeds() {
     const BYTES session = BYTES{1, 'h', 0, 1, 'p', 0, 0, 1, 0, 0, 0x88, 0x13, 200, 0} + BYTES{1, 0} + BYTES(16, 2);
     WriteSeed("lan", session + BYTES{0, 0, 0, 1} + bridged + room + BYTES{0, 0} + answer + BYTES{2, 0} + room +
                          BYTES{0x10, 1, 1} + room + BYTES{0, 0} + answer);
+    for (const char* host : {"bmc-7.example:623", "[fe80::1%eth0]:65535", "::ffff:192.0.2.7", "[::1]", "x:0", "[::1]x"})
+        WriteSeed("lan", BYTES{static_cast<UINT8>(std::strlen(host))} + Bytes(host));
 }
 
 void WriteImageSeeds(const BYTES& image) {

@@ -42,11 +42,6 @@ void Look(const std::string& host, LOOKUP& lookup) {
 
 } // namespace
 
-std::string WithPort(const std::string& host, UINT16 port) {
-    const bool bare = host.find(':') == std::string::npos;
-    return (bare ? host : "[" + host + "]") + ":" + std::to_string(port);
-}
-
 std::string Resolve(const std::string& host, std::chrono::milliseconds limit, std::string& message) {
     const auto lookup = std::make_shared<LOOKUP>();
     CWorker worker(limit, [] {});

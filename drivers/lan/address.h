@@ -1,15 +1,10 @@
 // The network address of a host.
 #pragma once
 
-#include "frudata/types.h"
-
 #include <chrono>
 #include <string>
 
 namespace Frudata_Driver {
-
-/// `host` with `port`, an IPv6 address in brackets: the form for people and for libfreeipmi.
-std::string WithPort(const std::string& host, UINT16 port);
 
 /**
  * The numeric address of `host`, a name or an address; its IPv4 address if it has one, since few BMCs listen on IPv6.

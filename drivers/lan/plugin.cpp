@@ -1,5 +1,6 @@
 // The module's one exported function, and the boundary that no exception crosses.
 #include "drivers/lan/address.h"
+#include "drivers/lan/host.h"
 #include "drivers/lan/lan.h"
 #include "drivers/lan/session.h"
 

@@ -9,6 +9,7 @@
 #include "tools/fructl/way.h"
 #include "tools/fructl/words/words.h"
 
+#include "drivers/lan/host.h"
 #include "drivers/lan/lan.h"
 
 #include <CLI/CLI.hpp>
@@ -61,20 +62,13 @@ void AddWord(CLI::App& app, const char* option, std::string& target, const std::
         ->type_name(type);
 }
 
-/// NAME[:PORT]; an IPv6 address with a port stands in brackets.
 void TakeHost(const std::string& value) {
-    LAN_SETTINGS& lan = Settings().lan;
-    std::size_t colon = value.rfind(':');
-    const bool isBracketed = value.starts_with('[');
-    if (isBracketed ? value.find("]:") == std::string::npos : value.find(':') != colon)
-        colon = std::string::npos;
-    lan.host = value.substr(0, colon);
-    if (isBracketed && lan.host.ends_with(']'))
-        lan.host = lan.host.substr(1, lan.host.size() - 2);
-    const auto port = colon == std::string::npos ? 0 : ParseNumber(value.substr(colon + 1), 0xFFFF);
-    if (!port || lan.host.empty())
-        RefuseValue("--host", value, "a name or address, with :PORT where it is not 623");
-    lan.port = static_cast<UINT16>(*port);
+    std::string message;
+    const auto host = Frudata_Driver::ParseHost(value, message);
+    if (!host)
+        throw CToolError(EXIT_USAGE, "--host " + Printable(value), message, "'fructl --help' shows all options");
+    Settings().lan.host = host->name;
+    Settings().lan.port = host->port;
 }
 
 void AddLanOptions(CLI::App& app) {

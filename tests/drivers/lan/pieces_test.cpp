@@ -1,5 +1,6 @@
-// What needs no BMC: the bytes of bridged messages, and a module that is not there.
+// What needs no BMC: the bytes of bridged messages, the texts of hosts, and a module that is not there.
 #include "drivers/bridgedmessage.h"
+#include "drivers/lan/host.h"
 #include "drivers/lan/lanloader.h"
 
 #include <gtest/gtest.h>
@@ -48,6 +49,44 @@ TEST(BridgedMessage, ShortOrSpoiledIsRefused) {
         BYTES spoiled = SEND;
         spoiled[index] ^= 0x04;
         EXPECT_EQ(ParseSendMessage(spoiled, request), 0xCC) << index;
+    }
+}
+
+TEST(Host, IsReadFromATextOrRefused) {
+    const std::string longest(253, 'n');
+    const struct {
+        std::string text;
+        std::string name; ///< empty: refused
+        UINT16 port;
+        std::string reason;
+    } rows[] = {{"bmc-7.example", "bmc-7.example", 0, ""},
+                {"192.0.2.7:1", "192.0.2.7", 1, ""},
+                {"::1", "::1", 0, ""},
+                {"[::1]", "::1", 0, ""},
+                {"[fe80::1%eth0]:65535", "fe80::1%eth0", 65535, ""},
+                {longest + ":623", longest, 623, ""},
+                {longest + "n", "", 0, "254 bytes, at most 253"},
+                {"", "", 0, "name is missing"},
+                {":623", "", 0, "name is missing"},
+                {"[]:623", "", 0, "name is missing"},
+                {"x:", "", 0, "from 1 to 65535"},
+                {"x:0", "", 0, "from 1 to 65535"},
+                {"x:65536", "", 0, "from 1 to 65535"},
+                {"x:99999999999", "", 0, "from 1 to 65535"},
+                {"x:-1", "", 0, "from 1 to 65535"},
+                {"x:6 ", "", 0, "from 1 to 65535"},
+                {std::string("x\0y", 3), "", 0, "control character"},
+                {"x\n:623", "", 0, "control character"},
+                {"a:b:623", "", 0, "no IPv6 address"},
+                {"[::1", "", 0, "[ADDRESS]:PORT"},
+                {"[::1]623", "", 0, "[ADDRESS]:PORT"},
+                {"x]:623", "", 0, "bracket"}};
+    for (const auto& row : rows) {
+        std::string message;
+        const NETWORK_HOST host = ParseHost(row.text, message).value_or(NETWORK_HOST{});
+        EXPECT_EQ(WithPort(host.name, host.port), WithPort(row.name, row.port)) << row.text;
+        EXPECT_NE(message.find(row.reason), std::string::npos) << row.text << ": " << message;
+        EXPECT_EQ(message.empty(), row.reason.empty()) << row.text << ": " << message;
     }
 }
 
