@@ -7,6 +7,7 @@
 #include "tools/fructl/settings.h"
 #include "tools/fructl/toolerror.h"
 
+#include "drivers/lan/host.h"
 #include "drivers/lan/lan.h"
 #include "frudata/openipmi.h"
 #include "sim/fronts.h"
@@ -123,7 +124,9 @@ std::vector<std::string> WayNames() {
 }
 
 std::string WayKey() {
-    return Settings().lan.host.empty() ? "bmc" : "lan-" + Settings().lan.host;
+    const LAN_SETTINGS& lan = Settings().lan;
+    return lan.host.empty() ? "bmc"
+                            : "lan-" + Frudata_Driver::WithPort(lan.host, lan.port ? lan.port : LAN_DEFAULT_PORT);
 }
 
 void ShareWay() {
