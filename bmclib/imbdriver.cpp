@@ -1,14 +1,11 @@
 #include "bmclib/imbdriver.h"
 
-// Supplied by the host process; null where it has no such driver.
-#pragma GCC visibility push(default)
-extern "C" {
-[[gnu::weak]] int open_imb(void);
-[[gnu::weak]] int close_imb(void);
-[[gnu::weak]] int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData,
-                                       int* responseLength, UINT8* completionCode);
-}
-#pragma GCC visibility pop
+#include "frudata/imbdriver.h"
+
+// Null where the host process has no such driver.
+#pragma weak open_imb
+#pragma weak close_imb
+#pragma weak SendTimedImbpRequest
 
 int startIPMI(void) {
     // A driver without a way to send is none.

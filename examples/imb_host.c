@@ -10,6 +10,7 @@
  */
 #include <frudata/bmclib.h>
 #include <frudata/frudata.h>
+#include <frudata/imbdriver.h>
 
 #include <stdio.h>
 #include <stdlib.h>

@@ -1,15 +1,9 @@
 // The host's IMB driver: three functions that the library looks up when it is loaded.
 #include "sim/fronts.h"
 
+#include "frudata/imbdriver.h"
+
 using namespace Frudata_Sim;
-
-extern "C" {
-
-[[gnu::visibility("default")]] int open_imb(void);
-[[gnu::visibility("default")]] int close_imb(void);
-[[gnu::visibility("default")]] int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout,
-                                                        UINT8* responseData, int* responseLength,
-                                                        UINT8* completionCode);
 
 int open_imb(void) {
     return CurrentBmc() ? 1 : 0;
@@ -22,5 +16,4 @@ int close_imb(void) {
 int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int /*timeout*/, UINT8* responseData, int* responseLength,
                          UINT8* completionCode) {
     return ServeImbRequest(request, responseData, responseLength, completionCode);
-}
 }

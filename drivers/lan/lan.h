@@ -97,7 +97,7 @@ typedef struct LAN_INTERFACE {
     int (*Open)(const LAN_SESSION_OPTIONS* options, LAN_SESSION** session, char* message, UINT32 messageSize);
 
     /**
-     * Sends one request as an IMB driver does (see bmclib.h): `*responseLength` holds the room in `responseData` on
+     * Sends one request as an IMB driver does (see imbdriver.h): `*responseLength` holds the room in `responseData` on
      * entry, the number of data bytes on return. A lost packet is sent again. Send Message is executed at once,
      * for the IPMB; the next Get Message returns its answer (IPMI 2.0, sections 22.6 and 22.7). If nobody on the bus
      * accepts it, the completion code says so. A controller that accepts it and never answers costs the session:

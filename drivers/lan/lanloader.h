@@ -19,7 +19,7 @@ const LAN_INTERFACE* LoadLan(const std::string& path, std::string& message);
 /// The session that the IMB functions below use, the caller's until it is replaced by null.
 void UseLanSession(const LAN_INTERFACE* lan, LAN_SESSION* session);
 
-/// A host defines open_imb, close_imb and SendTimedImbpRequest (see bmclib.h) with these.
+/// A host defines open_imb, close_imb and SendTimedImbpRequest (imbdriver.h) with these.
 int LanOpenImb();
 int LanCloseImb();
 int LanSendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,

@@ -1,4 +1,5 @@
 // The functions that the library looks up in its host. A host with several ways to the BMC defines them itself.
+#include "frudata/imbdriver.h"
 #include "frudata/openipmi.h"
 
 #include <dlfcn.h>
@@ -19,15 +20,6 @@ READ_PORT* gp_readPort = nullptr;
 WRITE_PORT* gp_writePort = nullptr;
 
 } // namespace
-
-#pragma GCC visibility push(default)
-extern "C" {
-int open_imb(void);
-int close_imb(void);
-int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
-                         UINT8* completionCode);
-}
-#pragma GCC visibility pop
 
 int open_imb(void) {
     return OpenIpmiOpen();

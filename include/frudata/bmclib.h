@@ -48,7 +48,7 @@ typedef struct BMC_MESSAGE {
     UINT8 completionCode;              /**< response only: IPMI completion code, 0 is success */
 } BMC_MESSAGE;
 
-/** The request record of an IMB driver; the library's own request path takes the same. */
+/** The request record of an IMB driver (imbdriver.h); the library's own request path takes the same. */
 typedef struct _IMBPREQUESTDATA {
     UINT8 cmdType;     /**< IPMI command */
     UINT8 rsSa;        /**< always 0x20 here */
@@ -194,21 +194,6 @@ int UsbCloseSession(void);
 /** Sends one request. @return 0; 1 the session library reported failure; 3 empty answer */
 int SendTimedUsbRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
                         UINT8* completionCode);
-
-/* --- Supplied by the host -------------------------------------------------------------------- */
-
-/*
- * An IMB driver: a host that defines these three functions gives the library its own way to the BMC.
- * They are looked up when the library is loaded; without them the library uses the ports.
- *
- *   int open_imb(void);                non-zero: the driver is there
- *   int close_imb(void);
- *   int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData,
- *                            int* responseLength, UINT8* completionCode);      0: success
- *
- * `*responseLength` holds the room in `responseData` on entry and the number of data bytes, without
- * the completion code, on return.
- */
 
 #ifdef __cplusplus
 } // extern "C"

@@ -3,14 +3,9 @@
 
 #include "sim/fronts.h"
 
-#include "frudata/bmclib.h"
+#include "frudata/imbdriver.h"
 
 #include <dlfcn.h>
-
-extern "C" {
-int open_imb(void);
-int SendTimedImbpRequest(const _IMBPREQUESTDATA*, int, UINT8*, int*, UINT8*);
-}
 
 namespace Frudata_Sim {
 

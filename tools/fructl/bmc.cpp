@@ -7,6 +7,7 @@
 
 #include "common/ipmi.h"
 #include "frudata/debug.h"
+#include "frudata/imbdriver.h"
 #include "sim/directory.h"
 #include "sim/fronts.h"
 

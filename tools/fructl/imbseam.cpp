@@ -1,5 +1,7 @@
 #include "tools/fructl/imbseam.h"
 
+#include "frudata/imbdriver.h"
+
 #include <dlfcn.h>
 
 namespace {

@@ -1,20 +1,11 @@
-// The functions in which the library finds its host's way to the BMC.
+// This program as a host with several IMB drivers: the one in use.
 #pragma once
 
 #include "frudata/bmclib.h"
 
-#pragma GCC visibility push(default)
-extern "C" {
-int open_imb(void);
-int close_imb(void);
-int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
-                         UINT8* completionCode);
-}
-#pragma GCC visibility pop
-
 namespace Fructl {
 
-/// A driver for the library (frudata/bmclib.h, "Supplied by the host").
+/// The functions of frudata/imbdriver.h.
 struct IMB_DRIVER {
     int (*Open)();
     int (*Close)();

@@ -3,6 +3,7 @@
 #include "tests/drivers/lan/support.h"
 
 #include "frudata/frudata.h"
+#include "frudata/imbdriver.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,10 +14,6 @@
 
 // This test is a host, too: the library's requests go the way of a session, and no test touches a real port.
 extern "C" {
-[[gnu::visibility("default")]] int open_imb(void);
-[[gnu::visibility("default")]] int close_imb(void);
-[[gnu::visibility("default")]] int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* data,
-                                                        int* length, UINT8* completionCode);
 int open_imb(void) {
     return Frudata_Driver::LanOpenImb();
 }

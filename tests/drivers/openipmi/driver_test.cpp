@@ -1,4 +1,5 @@
 // The kernel's IPMI device as the library's IMB driver.
+#include "frudata/imbdriver.h"
 #include "frudata/openipmi.h"
 #include "kernel.h"
 
@@ -7,13 +8,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/ipmi.h>
-
-extern "C" {
-int open_imb(void);
-int close_imb(void);
-int SendTimedImbpRequest(const _IMBPREQUESTDATA* request, int timeout, UINT8* responseData, int* responseLength,
-                         UINT8* completionCode);
-}
 
 namespace {
 
