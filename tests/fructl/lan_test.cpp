@@ -5,6 +5,7 @@
 #include "sim/sdrrecords.h"
 
 #include <chrono>
+#include <csignal>
 #include <optional>
 #include <set>
 
@@ -96,6 +97,23 @@ TEST_F(CLanTest, ALostSessionCostsOneDevice) {
     EXPECT_THAT(scan.output, HasSubstr("unreadable"));
     EXPECT_THAT(scan.output, HasSubstr("the session is lost"));
     EXPECT_THAT(scan.output, HasSubstr(",ok,"));
+}
+
+TEST_F(CLanTest, ASignalLeavesNoProcess) {
+    // A session that the BMC forgets, and one that nobody opens.
+    const CRelay relay(m_server->Port(), [](BYTES& packet, bool toServer, unsigned int number) {
+        if (toServer && number > 9)
+            packet.clear();
+    });
+    for (const UINT16 port : {relay.Port(), FreePort()}) {
+        const RESULT result =
+            Shell("export IPMI_PASSWORD=" + std::string(PASSWORD) +
+                  "; setsid -w sh -c 'echo $$ >group; exec timeout --foreground -s INT 0.4 \"$@\"' sh " FRUCTL_PROGRAM
+                  " show --system --cipher 3 --timeout 5000 --user " +
+                  USER + " --host 127.0.0.1:" + std::to_string(port));
+        EXPECT_EQ(result.status, 124) << result.errors;
+        EXPECT_EQ(kill(-std::stoi(ReadText("group")), 0), -1) << port;
+    }
 }
 
 TEST_F(CLanTest, WhatIsWrongIsSaid) {

@@ -15,10 +15,13 @@ constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t g_received = 0;
 volatile std::sig_atomic_t g_holds = 0;
+void (*volatile g_lastAct)() = nullptr;
 int g_finishing = 0;
 bool g_told = false;
 
 void EndBy(int signal) {
+    if (void (*const act)() = g_lastAct)
+        act();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -42,6 +45,10 @@ void CatchInterrupts() {
         if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
             sigaction(signal, &action, nullptr);
     }
+}
+
+void SetLastAct(void (*act)()) {
+    g_lastAct = act;
 }
 
 CHold::CHold() {

@@ -1,5 +1,6 @@
 #include "tools/fructl/lanway.h"
 
+#include "tools/fructl/interrupt.h"
 #include "tools/fructl/lankeeper.h"
 #include "tools/fructl/password.h"
 #include "tools/fructl/toolerror.h"
@@ -8,9 +9,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <memory>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +29,7 @@ class CKeeper {
     CKeeper(const CKeeper&) = delete;
     CKeeper& operator=(const CKeeper&) = delete;
     ~CKeeper() {
+        SetLastAct(nullptr);
         close(m_socket);
         if (m_process > 0 && getpid() == m_owner)
             waitpid(m_process, nullptr, 0);
@@ -45,7 +49,21 @@ class CKeeper {
         return true;
     }
 
+    /// Before a signal ends the run: nobody else would wait for the keeper, since pid 1 of a container need not. One
+    /// that cannot close its session in time is still opening it, or its BMC is silent: nothing is lost with it.
+    void End() const {
+        if (m_process <= 0 || getpid() != m_owner)
+            return;
+        shutdown(m_socket, SHUT_WR);
+        pollfd ended{m_socket, 0, 0};
+        if (poll(&ended, 1, PATIENCE) != 1)
+            kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+
   private:
+    static constexpr int PATIENCE = 1000; ///< milliseconds
+
     pid_t m_owner;
     pid_t m_process;
     int m_socket;
@@ -109,6 +127,7 @@ void ShareLan() {
     const int error = errno;
     close(ends[1]);
     gp_keeper = std::make_unique<CKeeper>(process, ends[0]);
+    SetLastAct([] { gp_keeper->End(); });
     if (process < 0)
         throw CToolError(EXIT_DEVICE, "LAN", std::strerror(error));
     // The keeper has it.
