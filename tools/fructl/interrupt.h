@@ -9,7 +9,7 @@ namespace Fructl {
 /// From here on SIGINT, SIGTERM and SIGHUP, unless ignored, end the process or wait for a CHold.
 void CatchInterrupts();
 
-/// Sets what runs before a signal ends the process; null: nothing. It may be in a signal handler, and calls only what
+/// Sets what runs before a signal ends the process; null: nothing. That may be in a signal handler, so it calls only what
 /// one may call.
 void SetLastAct(void (*act)());
 
