@@ -13,7 +13,7 @@ inline bool ReadsAsEnd(const FIELD_DESCRIPTION& field) {
 }
 /// The fewest bytes that the area needs: of an info area up to its checksum, not rounded up.
 std::size_t NeededSize(const AREA_DESCRIPTION& area);
-/// All bytes of the area. BAD_DESCRIPTION
+/// All bytes of the area. BAD_DESCRIPTION: the format cannot hold it.
 Result<BYTES> ComposeArea(const AREA_DESCRIPTION& area);
 /// The bytes of a record. `isLast` marks the last of its chain if its flags do not.
 void AppendRecord(BYTES& chain, const RECORD_DESCRIPTION& record, bool isLast);

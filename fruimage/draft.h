@@ -37,14 +37,14 @@ struct DRAFT {
     DRAFT_AREA* Find(AREA_ID id);
     /// The area, created if there is none. Refuses a damaged one.
     Result<DRAFT_AREA*> FindOrMake(AREA_ID id);
+    /// Records the change of what CHANGE calls `name`, and says it in words.
     void Say(const DRAFT_AREA& area, std::string name, std::string before, std::string after);
 };
 
-/// Why the area cannot be changed; nothing where it can.
-std::optional<ERROR> FaultOf(const FRU& fru, const DRAFT_AREA& area);
+/// Why the area cannot be changed.
+FAULT FaultOf(const FRU& fru, const DRAFT_AREA& area);
 
-using FAULT = std::optional<ERROR>;
-
+/// Make one edit each. After a fault the draft is of no use.
 FAULT Edit(DRAFT& draft, const SET_FIELD& edit);
 FAULT Edit(DRAFT& draft, const SET_BYTES& edit);
 FAULT Edit(DRAFT& draft, const ADD_FIELD& edit);

@@ -17,8 +17,6 @@ struct MENDING {
     void PutChecksum(AREA_ID area, const RANGE& range, std::size_t offset, const std::string& name);
 };
 
-using FAULT = std::optional<ERROR>;
-
 /// A header from the areas that were found behind the damaged one.
 FAULT MendHeader(MENDING& mending, const FRU& fru);
 /// An offset in a sound header that points into another area.

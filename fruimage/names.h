@@ -39,7 +39,7 @@ struct AREA_ROW {
     AREA_ID id;
     const char* name;         ///< "board"
     const char* title;        ///< "Board info area"
-    std::size_t headerLength; ///< bytes in front of the first type/length byte; 0: no info area
+    std::size_t headerLength; ///< bytes in front of the first type/length byte; 0: not an info area
     bool hasLanguage;         ///< whether its third byte is a language code
     std::span<const FIELD_ROW> fields;
 

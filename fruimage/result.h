@@ -42,6 +42,9 @@ inline ERROR BadValue(std::string text, std::string hint = {}) {
     return error;
 }
 
+/// Why something is refused; nothing where it is not.
+using FAULT = std::optional<ERROR>;
+
 /// A value or an ERROR. Reading the absent one gives an empty one: no content can abort.
 template <class VALUE> class Result {
   public:

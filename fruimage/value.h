@@ -59,7 +59,7 @@ Result<FIELD_VALUE> EncodeKeeping(std::string_view text, ENCODING before, BYTE l
 /// ISO 8601 UTC of the three bytes of a date, "2026-05-31T14:30Z"; "unspecified" for 000000h and FFFFFFh.
 std::string DateText(BYTE_VIEW bytes);
 /// The three bytes of "2026-05-31", "2026-05-31T14:30[:00][Z]" (UTC) or "unspecified". BAD_VALUE: no date of the
-/// calendar, seconds, or outside the 24 bits of minutes since 1996-01-01T00:00Z. Callers know what `now` is.
+/// calendar, seconds, or outside the 24 bits of minutes since 1996-01-01T00:00Z. Callers resolve `now`.
 Result<BYTES> ParseDate(std::string_view text);
 /// The byte of a number (decimal, or hexadecimal with 0x) or of a name; BAD_VALUE for a name the standard lacks.
 Result<BYTES> ParseChassisType(std::string_view text);

@@ -17,9 +17,10 @@ inline constexpr const char* NO_MEMORY = "out of memory";
 
 /// LAN_SESSION_OPTIONS with its defaults filled in.
 struct SESSION_PARAMETERS {
+    /// Copies the password. @param text not null
     explicit SESSION_PARAMETERS(const char* text) : password(text) {}
 
-    std::string name{};    ///< HOST:PORT in the words of the user
+    std::string name{};    ///< HOST:PORT as the user named it
     std::string address{}; ///< the same, numeric
     std::string user{};
     CSecret<LAN_PASSWORD_SIZE> password;
@@ -56,7 +57,7 @@ class CIpmiContext {
 
     /// @return a LAN_RESULT, with a `message` unless it is LAN_OK
     int Open(const SESSION_PARAMETERS& parameters, std::string& message);
-    /// One request to the BMC.
+    /// One request to the BMC; `exchange` takes its result.
     void Ask(UINT8 netFn, UINT8 lun, UINT8 cmd, const std::vector<UINT8>& data, EXCHANGE& exchange);
     /// One request to a controller on the IPMB.
     void AskOnIpmb(const BRIDGED_REQUEST& request, EXCHANGE& exchange);

@@ -35,7 +35,7 @@ extern "C" {
 #define LAN_PRIVILEGE_OPERATOR 3
 #define LAN_PRIVILEGE_ADMINISTRATOR 4
 
-/** Longest user name and passwords (IPMI 2.0, sections 13.20, 18.29 and 22.17), in bytes. */
+/** Longest user name and passwords (IPMI 2.0, sections 22.28 and 22.30), in bytes. */
 #define LAN_USER_SIZE 16
 #define LAN_PASSWORD_SIZE 20
 #define LAN_PASSWORD_SIZE_15 16

@@ -8,7 +8,7 @@
 
 namespace Frudata_Driver {
 
-/// A text of at most SIZE bytes, overwritten at its end. No copies.
+/// A text of at most SIZE bytes (of a longer one the first), overwritten when this object goes. No copies.
 template <std::size_t SIZE> class CSecret {
   public:
     explicit CSecret(const char* text) { std::memcpy(m_bytes, text, strnlen(text, SIZE)); }

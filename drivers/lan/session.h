@@ -24,7 +24,7 @@ class CLanSession {
     int Open(std::shared_ptr<const SESSION_PARAMETERS> parameters, std::string& message);
     int Send(const _IMBPREQUESTDATA& request, int timeout, UINT8* responseData, int& responseLength,
              UINT8& completionCode);
-    /// Of a request that is none. @return LAN_ERR_OPTION
+    /// Notes that the host sent something that is no request. @return LAN_ERR_OPTION
     int RefuseRequest();
     const std::string& Message() const { return m_message; }
     const std::string& Description() const { return m_description; }

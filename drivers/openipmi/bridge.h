@@ -8,6 +8,7 @@
 
 namespace Frudata_OpenIpmi {
 
+/// Keeps one request and its answer at a time; a newer request takes the place of both.
 class CBridge {
   public:
     /// `request` is pending as number `id`.
@@ -15,6 +16,7 @@ class CBridge {
     /// Forgets the request and its answer.
     void End() { Begin({}, 0); }
 
+    /// @return 0 without a request
     long Id() const { return m_id; }
     bool IsWaiting() const { return m_id != 0 && !m_isAnswered; }
     bool IsAnswered() const { return m_isAnswered; }

@@ -10,7 +10,7 @@
 
 namespace Frudata_OpenIpmi {
 
-/// A point in time on the clock that nobody sets.
+/// A point in time on the monotonic clock.
 class CDeadline {
   public:
     explicit CDeadline(int milliseconds);
@@ -33,21 +33,21 @@ struct REQUEST {
     UINT8 netFn = 0;
     UINT8 cmd = 0;
     std::span<const UINT8> data;
-    /// Milliseconds until the kernel gives a controller on the IPMB up.
+    /// Milliseconds after which the kernel stops waiting for a controller on the IPMB.
     int patience = 0;
 };
 
 /// An answer of the kernel: the completion code, then the data.
 struct ANSWER {
-    long id = 0; ///< of its request; 0 belongs to none
-    bool isCut = false;
-    UINT16 length = 0;
+    long id = 0;            ///< of its request; 0 belongs to none
+    bool isCut = false;     ///< it was longer than `bytes`
+    UINT16 length = 0;      ///< of `bytes`
     UINT8 bytes[1024] = {}; // the kernel's own limit is 272
 };
 
 enum class TRANSFER {
     DONE,
-    NOTHING, ///< in time
+    NOTHING, ///< no answer in time
     REFUSED, ///< the kernel does not accept this request
     FAILED   ///< the device is unusable
 };
@@ -59,6 +59,7 @@ class CDevice {
     CDevice& operator=(const CDevice&) = delete;
     ~CDevice() { Close(); }
 
+    /// Opens the first of the kernel's paths that exists. @return false where that fails, with the reason in Failure
     bool Open();
     void Close();
     /// @return null while it is not open
@@ -72,6 +73,7 @@ class CDevice {
     TRANSFER Receive(ANSWER& answer, const CDeadline& deadline);
 
     [[gnu::format(printf, 2, 3)]] void SetFailure(const char* format, ...);
+    /// The reason of the last failure, in one line; empty before the first.
     const char* Failure() const { return m_failure; }
 
   private:

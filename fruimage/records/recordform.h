@@ -99,7 +99,7 @@ struct RECORD_FORM {
     std::span<const FORM_MATCH> matches = {}; ///< all must hold
 };
 
-/// In the order of trying: the last form of a list takes whatever its types have left.
+/// In the order in which they are tried: the last form of a type takes the records that fit no other.
 std::span<const RECORD_FORM> StandardForms();
 std::span<const RECORD_FORM> ManufacturerForms();
 /// For types without a form of their own.

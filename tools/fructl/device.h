@@ -32,7 +32,7 @@ class CDevice {
     /// A CBmc must be there and started. `name` is for messages.
     CDevice(const ADDRESS& address, std::string name);
 
-    /// Bytes of the whole device; nothing where it does not tell.
+    /// Bytes of the whole device; nothing where it does not tell. @throws CToolError, as all below
     std::optional<std::size_t> Size();
     /// Reads it, and at least `atLeast` bytes from its start.
     DEVICE_BYTES ReadContents(READING reading, std::size_t atLeast, const PROGRESS& progress = {});

@@ -7,10 +7,10 @@
 
 namespace Fructl {
 
-/// The FRU devices that the SDR repository names, in its order.
+/// The FRU devices that the SDR repository names, in its order. @throws CToolError where it cannot be read
 std::vector<SOURCE> ScanDevices();
 /// "type=...,bus=...,...", "eeprom=PATH", "system", the path of an EEPROM, or a name that the scan of the SDR
-/// repository finds.
+/// repository finds. @throws CToolError for any other text
 SOURCE DeviceSource(const std::string& text);
 
 } // namespace Fructl

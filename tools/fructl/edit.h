@@ -39,6 +39,7 @@ struct CHANGES {
 /// @throws CToolError for a name that does not exist, a word that is none of these, a name set twice
 CHANGES ParseEdits(const std::vector<std::string>& words, const EDIT_OPTIONS& options);
 /// The bytes of a file: of its hexadecimal text, in pairs or the form of `dump`, or the bytes themselves.
+/// @throws CToolError
 BYTES AreaBytes(const std::string& path);
 /// Replaces the bytes of the internal use or the multi-record area.
 EDIT ReplaceArea(AREA_ID area, BYTES bytes, bool resize);

@@ -41,7 +41,7 @@ class CEditedText {
 
   private:
     std::vector<LINE> m_lines;
-    // By name: an image has up to ten thousands of them.
+    // By name: an image can have more than ten thousand of them.
     std::unordered_map<std::string, std::string> m_present; ///< the contents' names and values
     std::vector<std::string> m_removable; ///< custom fields, and "multirecord.N" of records, in their order
 };

@@ -17,7 +17,7 @@ class CEeprom {
     /// @throws CToolError where `path` is no file of a fixed size
     explicit CEeprom(std::string path);
 
-    /// All bytes of it.
+    /// All bytes of it. @throws CToolError
     BYTES Read() const;
     /// Writes `bytes` from its start on, except where `known` has the same. @throws CToolError
     void Write(BYTE_VIEW bytes, BYTE_VIEW known, const PROGRESS& progress) const;

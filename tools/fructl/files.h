@@ -22,9 +22,9 @@ void CheckSize(const std::string& path, const BYTES& bytes, std::size_t limit);
 /// @throws CToolError where the file cannot be read or has more than `limit` bytes
 BYTES ReadFile(const std::string& path, std::size_t limit = FILE_LIMIT);
 
-/// A file under construction, in a fresh directory that goes with it, whatever ends the process. Replaces a regular
-/// file, or none, in one step: a failure leaves the old file as it was. Writes through to anything else, such as a pipe
-/// or a device node.
+/// A file under construction, in a fresh directory that goes with it, also when a signal ends the process. Replaces a
+/// regular file, or none, in one step: a failure leaves the old file as it was. Writes through to anything else, such
+/// as a pipe or a device node.
 class CReplacement {
   public:
     /// @throws CToolError if the target is not writable
@@ -51,7 +51,7 @@ class CReplacement {
     std::filesystem::path m_directory;
 };
 
-/// Writes a whole file in this way.
+/// Writes a whole file in this way. @throws CToolError
 void WriteFile(const std::string& path, BYTE_VIEW bytes);
 
 } // namespace Fructl

@@ -12,7 +12,7 @@ namespace Fructl {
 
 class CLibrary;
 
-/// Runs a session whose death means that `name` is damaged.
+/// Runs a session whose death means that `name` is damaged. @throws CToolError, also for that
 nlohmann::json RunSession(const std::string& name, const std::function<nlohmann::json(const PROGRESS&)>& work,
                           const PROGRESS& progress = {});
 

@@ -8,10 +8,10 @@
 
 namespace Fructl {
 
-/// Of the session over LAN; what is 0 or empty has its default.
+/// The options of the session over LAN; 0 or empty stands for the default (LAN_SESSION_OPTIONS).
 struct LAN_SETTINGS {
     std::string host; ///< empty: no such session
-    UINT16 port = 0;
+    UINT16 port = 0;  ///< UDP
     std::string user;
     UINT8 cipherSuite = 0;
     bool isIpmi15 = false;

@@ -31,7 +31,7 @@ SOURCE EepromSource(const std::string& path);
 std::string ShownLabel(const SOURCE& source);
 /// The device in the form of --at and --to.
 std::string DeviceText(const SOURCE& device);
-/// Reads a file; its first bytes tell the kind.
+/// Reads a file, whose bytes tell the kind. @throws CToolError where it cannot be read, is empty or too long
 SOURCE FileSource(const std::string& path);
 
 } // namespace Fructl
