@@ -9,8 +9,8 @@ namespace Fructl {
 /// From here on SIGINT, SIGTERM and SIGHUP, unless ignored, end the process or wait for a CHold.
 void CatchInterrupts();
 
-/// Sets what runs before a signal ends the process; null: nothing. That may be in a signal handler, so it calls only what
-/// one may call.
+/// Sets what runs before a signal ends the process; null: nothing. It may run in a signal handler, so it calls only
+/// what one may call.
 void SetLastAct(void (*act)());
 
 /// While one lives, a signal waits. The end of the last one ends the process by that signal, after destructors have
