@@ -48,7 +48,7 @@ std::string NameProblem(std::string_view name) {
         return "a host's name has no blank, control character or bracket";
     // Without its zone, which is a name of this machine's interfaces (RFC 4007, section 11).
     const std::string address(name.substr(0, name.find('%')));
-    in6_addr ignored;
+    in6_addr ignored{};
     if (name.find(':') != std::string_view::npos && inet_pton(AF_INET6, address.c_str(), &ignored) != 1)
         return "it has colons and is no IPv6 address";
     return {};
