@@ -3,8 +3,7 @@
 
 fru.bin     two FRU devices as the machine starts with them
 afterN.bin  device N as it has to be after the edits
-edits       one edit a line: device, area, field index, value in hexadecimal; areas 2 and 6 as a whole
-assignment  one more edit, of device 0, as fructl takes it
+editsN      the place of device N and one edit a line, as fructl takes them
 shown       one line a field of device 0 that a general IPMI tool shows after the edits
 large.bin   one FRU device of 2 KiB, to compare costs with
 sdr.bin     the SDR repository
@@ -20,8 +19,7 @@ import pathlib
 import sys
 
 DEVICE_SIZE = 512
-INTERNAL_USE, CHASSIS, BOARD, PRODUCT, MULTIRECORD = 2, 3, 4, 5, 6
-BEFORE, AFTER = 1, 2
+BEFORE, AFTER = 2, 3
 BUILT = datetime.datetime(2019, 6, 22, 9, 18), datetime.datetime(2024, 3, 5, 16, 34)
 
 
@@ -29,41 +27,40 @@ def minutes(date):
     return int((date - datetime.datetime(1996, 1, 1)).total_seconds() // 60).to_bytes(3, "little")
 
 
-# Fields by index: (name that ipmitool prints or None, before, after). The chassis type and the board's
-# date come first and lie before the texts.
+# Fields in their order: (name for fructl, name that ipmitool prints or None, before, after). The chassis type and the
+# board's date come first and lie before the texts.
 CHASSIS_FIELDS = [
-    ("Chassis Type", bytes([17]), bytes([22])),
-    ("Chassis Part Number", b"CH-1000", b"CH-2000-B"),
-    ("Chassis Serial", b"C0001", b"C0002-0042"),
-    ("Chassis Extra", b"bay 4", b"bay 11"),
+    ("type", "Chassis Type", bytes([17]), bytes([22])),
+    ("part-number", "Chassis Part Number", b"CH-1000", b"CH-2000-B"),
+    ("serial-number", "Chassis Serial", b"C0001", b"C0002-0042"),
+    ("custom1", "Chassis Extra", b"bay 4", b"bay 11"),
 ]
 BOARD_FIELDS = [
-    ("Board Mfg Date", minutes(BUILT[0]), minutes(BUILT[1])),
-    ("Board Mfg", b"Example Works", b"Example Works Ltd"),
-    ("Board Product", b"Controller Board", b"Board"),
-    ("Board Serial", b"BS-1", b"BS-1 reworked"),
-    ("Board Part Number", b"BP-77", b"BP-78"),
-    (None, b"board.fru", b"board-2.fru"),
-    ("Board Extra", b"first run", b"second run"),
+    ("mfg-date", "Board Mfg Date", minutes(BUILT[0]), minutes(BUILT[1])),
+    ("manufacturer", "Board Mfg", b"Example Works", b"Example Works Ltd"),
+    ("product-name", "Board Product", b"Controller Board", b"Board"),
+    ("serial-number", "Board Serial", b"BS-1", b"BS-1 reworked"),
+    ("part-number", "Board Part Number", b"BP-77", b"BP-78"),
+    ("file-id", None, b"board.fru", b"board-2.fru"),
+    ("custom1", "Board Extra", b"first run", b"second run"),
 ]
 PRODUCT_FIELDS = [
-    ("Product Manufacturer", b"Example Works", b"Example Works Ltd"),
-    ("Product Name", b"Server One", b"Server One Plus"),
-    ("Product Part Number", b"P-1", b"P-1-PLUS"),
-    ("Product Version", b"1.0", b"1.1"),
-    ("Product Serial", b"S-0815", b""),
-    ("Product Asset Tag", b"", b"rack 7, unit 12"),
-    (None, b"product.fru", b"product.fru"),
-    ("Product Extra", b"leased", b"bought"),
+    ("manufacturer", "Product Manufacturer", b"Example Works", b"Example Works Ltd"),
+    ("name", "Product Name", b"Server One", b"Server One Plus"),
+    ("part-number", "Product Part Number", b"P-1", b"P-1-PLUS"),
+    ("version", "Product Version", b"1.0", b"1.1"),
+    ("serial-number", "Product Serial", b"S-0815", b""),
+    ("asset-tag", "Product Asset Tag", b"", b"rack 7, unit 12"),
+    ("file-id", None, b"product.fru", b"product.fru"),
+    ("custom1", "Product Extra", b"leased", b"bought"),
 ]
 SUPPLY_FIELDS = [
-    ("Product Manufacturer", b"Example Power", b"Example Power"),
-    ("Product Name", b"Supply 500 W", b"Supply 750 W"),
-] + [("Product %d" % i, b"", b"") for i in range(5)]
+    ("manufacturer", None, b"Example Power", b"Example Power"),
+    ("name", None, b"Supply 500 W", b"Supply 750 W"),
+] + [(None, None, b"", b"")] * 5
 
-FRUCTL_FIELD = (0, PRODUCT, 3)
-ASSIGNMENT = "product.version=" + PRODUCT_FIELDS[3][AFTER].decode()
-
+# What stands for the two fields that are no texts.
+EDITED_VALUES = {"Chassis Type": "22", "Board Mfg Date": BUILT[1].strftime("%Y-%m-%dT%H:%MZ")}
 SHOWN_VALUES = {"Chassis Type": "RAID Chassis", "Board Mfg Date": BUILT[1].strftime("%a %b %e %H:%M:%S %Y UTC")}
 
 
@@ -97,12 +94,12 @@ def device(areas):
 
 
 def internal_use(column):
-    return bytes([1]) + bytes(range(100 * column, 100 * column + 31))
+    return bytes([1]) + bytes(range(60 * column, 60 * column + 31))
 
 
 def multirecord(column):
     """One OEM record; the one after the edits is longer, as the last area can grow."""
-    record = b"\x57\x01\x00maker's own" * column
+    record = b"\x57\x01\x00maker's own" * (column - 1)
     start = bytes([0xC0, 0x82, len(record)]) + checksum(record)
     return start + checksum(start) + record
 
@@ -118,24 +115,29 @@ def supply(column):
 
 
 def large():
-    extra = [(None, b"", b"custom field %02d of thirty bytes" % number) for number in range(13)]
+    extra = [(None, None, b"", b"custom field %02d of thirty bytes" % number) for number in range(13)]
     return device([bytes([1]) + bytes(range(251)) * 2 + bytes([0]), area(b"", CHASSIS_FIELDS + extra, 512, AFTER),
                    area(b"\x00", BOARD_FIELDS + extra, 512, AFTER), area(b"\x19", PRODUCT_FIELDS + extra, 512, AFTER),
                    b""])
 
 
-def edits():
-    yield f"0 {INTERNAL_USE} 0 {internal_use(AFTER).hex()}\n"
-    yield f"0 {MULTIRECORD} 0 {multirecord(AFTER).hex()}\n"
-    for number, area_number, fields in ((0, CHASSIS, CHASSIS_FIELDS), (0, BOARD, BOARD_FIELDS),
-                                        (0, PRODUCT, PRODUCT_FIELDS), (1, PRODUCT, SUPPLY_FIELDS)):
-        for index, (_, before, after) in enumerate(fields):
-            if before != after and (number, area_number, index) != FRUCTL_FIELD:
-                yield f"{number} {area_number} {index} {after.hex() or '-'}\n"
+def changed(area_name, fields):
+    for name, shown_name, before, after in fields:
+        if before != after:
+            yield f"{area_name}.{name}={EDITED_VALUES.get(shown_name) or after.decode()}\n"
+
+
+def server_edits():
+    yield "--system\n"
+    yield f"internal.data={internal_use(AFTER).hex()}\n"
+    yield from changed("chassis", CHASSIS_FIELDS)
+    yield from changed("board", BOARD_FIELDS)
+    yield from changed("product", PRODUCT_FIELDS)
+    yield f"multirecord.data={multirecord(AFTER).hex()}\n"
 
 
 def shown():
-    for name, _, after in CHASSIS_FIELDS + BOARD_FIELDS + PRODUCT_FIELDS:
+    for _, name, _, after in CHASSIS_FIELDS + BOARD_FIELDS + PRODUCT_FIELDS:
         if name and after:
             yield f"{name}: {SHOWN_VALUES.get(name) or after.decode()}\n"
 
@@ -193,8 +195,8 @@ def main(directory):
     (folder / "after0.bin").write_bytes(server(AFTER))
     (folder / "after1.bin").write_bytes(supply(AFTER))
     (folder / "large.bin").write_bytes(large())
-    (folder / "edits").write_text("".join(edits()))
-    (folder / "assignment").write_text(ASSIGNMENT)
+    (folder / "edits0").write_text("".join(server_edits()))
+    (folder / "edits1").write_text("--at\nPower Supply\n" + "".join(changed("product", SUPPLY_FIELDS)))
     (folder / "shown").write_text("".join(shown()))
     (folder / "sdr.bin").write_bytes(b"".join(REPOSITORY))
     (folder / "locators").write_text(LOCATORS)
