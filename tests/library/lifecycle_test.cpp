@@ -1,10 +1,29 @@
 // Start, end, settings, texts and the last error.
 #include "support.h"
 
+#include "frudata/bmclib.h"
+
 namespace Frudata_Tests {
 namespace {
 
 using CLifecycleTest = CLibraryTest;
+
+/// What a host finds that has called nothing yet.
+const struct {
+    bool flag = false;
+    EFI_STATUS status = GetFruDataInterface()->IsLoaded(GetFruDataInterface(), flag);
+    int port = KCSAddress;
+    UINT32 level = LIBDBG_DEBUG_LEVEL;
+} g_atFirst;
+
+TEST(Library, BeforeItsStart) {
+    EXPECT_EQ(g_atFirst.status, FRU_STATUS_NOT_INITIALIZED);
+    EXPECT_EQ(g_atFirst.port, 0x0CA2);
+    EXPECT_EQ(g_atFirst.level, 1U);
+    EXPECT_EQ(GetFruDataInterface()->revision, 0x20000U);
+    const UINT8 guid[] = "\xC0\x57\x71\xA2\x0E\xD8\x3A\x43\xAA\xD0\xF1\xE1\xF7\xEB\xD6\xA9";
+    EXPECT_EQ(std::memcmp(&g_FruDataGuid, guid, sizeof g_FruDataGuid), 0);
+}
 
 TEST_F(CLifecycleTest, StartsAndEndsInEveryOrder) {
     bool loaded;
