@@ -84,7 +84,7 @@ class CAllocationTest : public CHardeningTest, public testing::WithParamInterfac
         // Odd, so that the two allocations of each line take turns.
         const unsigned int step = allocations / MOST_RUNS * 2 + 1;
         RunInChildren(
-            "allocations, " + title, allocations / step,
+            title, allocations / step,
             [&](unsigned int run) {
                 prepare();
                 g_failAt = 1 + run * step;
@@ -94,7 +94,6 @@ class CAllocationTest : public CHardeningTest, public testing::WithParamInterfac
                 check(status);
                 prepare();
                 Require(operate() == 0, "the library no longer works");
-                return StatusText(status);
             },
             assertions);
     }

@@ -49,10 +49,9 @@ class CHardeningTest : public CTableHost {
     std::unique_ptr<CSimulatedBmc> m_bmc;
 };
 
-/// Carries out runs 0 to `count` - 1 in children, a new one after each assertion. `run` returns the outcome to
-/// count, or throws a std::string that fails the test. The outcomes are printed under `title`; at most `assertions` may
-/// be assertions.
-void RunInChildren(const std::string& title, unsigned int count, const std::function<std::string(unsigned int)>& run,
+/// Carries out runs 0 to `count` - 1 in children, a new one after each assertion, of which there may be at most
+/// `assertions`. `run` throws a std::string that fails the test.
+void RunInChildren(const std::string& title, unsigned int count, const std::function<void(unsigned int)>& run,
                    unsigned int assertions = UINT32_MAX);
 /// Throws `complaint` unless `holds`.
 void Require(bool holds, const std::string& complaint);
