@@ -1,16 +1,14 @@
-// The string table compiler, run as the build runs it, and the tables that it made for this build.
+// The string table compiler, run as the build runs it, and a table that it made for this build. The tables' layout is
+// what the library takes, and what tests/system reads by itself.
 #include "tests/support/directory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <numeric>
-#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -105,34 +103,6 @@ TEST_F(CStringsTest, KeepsWhatTheSourceSays) {
 TEST(CompiledTables, TheGermanDateStandsDayFirst) {
     const RUN list = RunCompiler("--list " STRC_TABLES "/dede/frudata/str/frudata.str");
     EXPECT_NE(list.output.find("\n35\t%2$02u.%1$02u.%3$04u %4$02u:%5$02u:%6$02u\n"), std::string::npos);
-}
-
-/// Read byte by byte, by the layout that the library relies on.
-TEST(CompiledTables, HaveTheLayoutThatTheLibraryLoads) {
-    std::istringstream languages(STRC_LANGUAGES);
-    for (std::string language; languages >> language;) {
-        std::erase(language, '-');
-        const std::string path = STRC_TABLES "/" + language + "/frudata/str/frudata.str";
-        SCOPED_TRACE(path);
-        const std::string bytes = ReadFile(path);
-        ASSERT_EQ(bytes.size() % 2, 0U);
-        std::vector<unsigned int> words;
-        for (std::size_t i = 0; i < bytes.size(); i += 2)
-            words.push_back(static_cast<unsigned char>(bytes[i]) + static_cast<unsigned char>(bytes[i + 1]) * 256U);
-        EXPECT_EQ(std::accumulate(words.begin(), words.end(), 0U) % 0x10000, 0U);
-        const auto entry = [&](std::size_t index) { return words.at(2 * index) + words.at(2 * index + 1) * 0x10000; };
-        const std::size_t count = entry(0);
-        ASSERT_EQ(count, 139U) << "numbers 0 to 138";
-        std::size_t offset = 4 + 8 * count;
-        for (std::size_t id = 0; id < count; ++id) {
-            EXPECT_EQ(entry(1 + id), offset) << id;
-            offset += 2 * entry(1 + count + id);
-            EXPECT_EQ(words.at(offset / 2 - 1), 0U) << id;
-        }
-        for (const std::size_t id : {0U, 45U, 50U, 136U})
-            EXPECT_EQ(entry(1 + count + id), 1U) << "text " << id << " does not exist";
-        EXPECT_EQ(offset + 2, bytes.size()) << "the texts and the word that makes the sum";
-    }
 }
 
 } // namespace
