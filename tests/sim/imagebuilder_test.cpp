@@ -41,27 +41,15 @@ TEST(ImageBuilder, RefusesWhatTheFormatCannotHold) {
 }
 
 TEST(ImageBuilder, Damage) {
-    const BYTES good = SmallImage().Build();
-    const struct {
-        FRU_DAMAGE damage;
-        std::size_t position;
-        UINT8 value;
-    } rows[] = {
-        {FRU_DAMAGE::HEADER_CHECKSUM, 7, 0xAB},
-        {FRU_DAMAGE::AREA_CHECKSUM, 31, 0x5F},
-        {FRU_DAMAGE::LENGTH_PAST_END, 17, 0xFF},
-        {FRU_DAMAGE::LENGTH_ZERO, 17, 0x00},
-    };
-    for (const auto& row : rows) {
-        BYTES expected = good;
-        expected[row.position] = row.value;
-        BYTES damaged = good;
-        DamageFruImage(damaged, row.damage);
+    for (const auto& [damage, position, value] : {std::tuple(FRU_DAMAGE::HEADER_CHECKSUM, 7U, UINT8{0xAB}),
+                                                  {FRU_DAMAGE::AREA_CHECKSUM, 31U, UINT8{0x5F}},
+                                                  {FRU_DAMAGE::LENGTH_PAST_END, 17U, UINT8{0xFF}},
+                                                  {FRU_DAMAGE::LENGTH_ZERO, 17U, UINT8{0x00}}}) {
+        BYTES expected = SmallImage().Build(), damaged = expected;
+        expected[position] = value;
+        DamageFruImage(damaged, damage);
         EXPECT_EQ(damaged, expected);
     }
-    BYTES erased = good;
-    DamageFruImage(erased, FRU_DAMAGE::NOT_FRU);
-    EXPECT_EQ(erased, BYTES(good.size(), 0xFF));
 }
 
 } // namespace
