@@ -143,7 +143,7 @@ TEST_P(CAllocationTest, EveryOperation) {
         {FRU_STATUS_SUCCESS, FRU_STATUS_MEMORY_ALLOCATION_ERROR, FRU_STATUS_BUFFER_TOO_SMALL, FRU_STATUS_OUT_OF_MEMORY,
          FRU_STATUS_INVALID_BOARD_AREA, FRU_STATUS_INVALID_PRODUCT_AREA, FRU_STATUS_INVALID_CHASSIS_AREA},
         again, [this] { return Load(BMC_DEVICE); },
-        [this](EFI_STATUS status) { Require(SystemFrus() == (status == 0 ? 2U : 1U), "the list is wrong"); });
+        [this](EFI_STATUS status) { Require(NumberOfFrus() == (status == 0 ? 2U : 1U), "the list is wrong"); });
     FailEach(
         "LoadConfigurationFromSystem", {FRU_STATUS_SUCCESS, FRU_STATUS_OUT_OF_MEMORY}, again,
         [this] { return m_table->LoadConfigurationFromSystem(m_table); }, nothing);
@@ -185,7 +185,8 @@ TEST_P(CAllocationTest, EveryValue) {
             "text of area " + std::to_string(area), {FRU_STATUS_SUCCESS},
             [this, area] {
                 LoadAgain();
-                Select(0, area);
+                Select(0);
+                m_table->SelectAreaEnum(m_table, area);
             },
             [&, this] {
                 const WCHAR* text = nullptr;
@@ -210,7 +211,8 @@ TEST_P(CAllocationTest, EveryValue) {
     const auto select = [&](FRU_AREA area) {
         LoadAgain();
         before = Snapshot();
-        Select(0, area);
+        Select(0);
+        m_table->SelectAreaEnum(m_table, area);
     };
     // A line of the log that is lost is no failure.
     const auto orSuccess = [](EFI_STATUS status) {

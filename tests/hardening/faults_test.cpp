@@ -109,7 +109,7 @@ TEST_P(CDeviceFaultsTest, Load) {
         [&] { return Load(GetParam()); },
         [&](EFI_STATUS status) {
             Require(std::count(std::begin(DOCUMENTED), std::end(DOCUMENTED), status) == 1, StatusText(status));
-            Require(SystemFrus() == (status == 0 ? 2U : 1U), "the list is wrong");
+            Require(NumberOfFrus() == (status == 0 ? 2U : 1U), "the list is wrong");
             Select(0);
             Require(Snapshot() == before, "another image has changed");
         });

@@ -126,11 +126,6 @@ CHardeningTest::CHardeningTest() {
     m_table->SetProgressCallback(m_table, IgnoreProgress);
 }
 
-CHardeningTest::~CHardeningTest() {
-    m_table->DeInitialize(m_table);
-    SetCurrentBmc(nullptr);
-}
-
 void CHardeningTest::RenewServer() {
     m_bmc = MakeServer();
     SetCurrentBmc(m_bmc.get());
@@ -138,20 +133,6 @@ void CHardeningTest::RenewServer() {
 
 EFI_STATUS CHardeningTest::Load(const DEVICE& device) {
     return m_table->LoadFruAtAddress(m_table, device.type, 0, device.address, device.bus, 0x20, 0, 0, 0);
-}
-
-unsigned int CHardeningTest::SystemFrus() {
-    unsigned int locators = 0, frus = 0;
-    m_table->SelectList(m_table, FRU_LIST_SYSTEM);
-    m_table->GetNumberOfFrus(m_table, locators, frus);
-    return frus;
-}
-
-void CHardeningTest::Select(unsigned int fru, FRU_AREA area) {
-    m_table->SelectList(m_table, FRU_LIST_SYSTEM);
-    m_table->SelectFru(m_table, fru);
-    if (area != FRU_AREA_NONE)
-        m_table->SelectAreaEnum(m_table, area);
 }
 
 void CHardeningTest::EditAll() {

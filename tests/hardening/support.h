@@ -34,13 +34,11 @@ BYTES FullImage();
 class CHardeningTest : public CTableHost {
   protected:
     CHardeningTest();
-    ~CHardeningTest() override;
+    ~CHardeningTest() override { SetCurrentBmc(nullptr); }
 
     /// Makes a new server the current one.
     void RenewServer();
     EFI_STATUS Load(const DEVICE& device);
-    unsigned int SystemFrus();
-    void Select(unsigned int fru, FRU_AREA area = FRU_AREA_NONE);
     /// A longer value in every field that the selected FRU has, and another chain of records.
     void EditAll();
     /// All that the selected FRU holds.

@@ -135,10 +135,6 @@ CLibraryTest::CLibraryTest() {
     Restart(0);
 }
 
-CLibraryTest::~CLibraryTest() {
-    m_table->DeInitialize(m_table);
-}
-
 void CLibraryTest::Restart(int platform) {
     m_table->DeInitialize(m_table);
     EXPECT_EQ(m_table->Initialize(m_table, platform), 0U);

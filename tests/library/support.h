@@ -49,7 +49,6 @@ void WriteTexts(const std::string& directory, const std::wstring& prefix,
 class CLibraryTest : public CTableHost {
   protected:
     CLibraryTest();
-    ~CLibraryTest() override;
 
     void Restart(int platform);
     EFI_STATUS Load(const std::string& content);

@@ -22,6 +22,20 @@ class CTableHost : public testing::Test {
         EXPECT_EQ(m_table->SelectFieldInteger(m_table, field), 0U);
         return SetSelected(value);
     }
+    /// Selects a FRU of the system list.
+    void Select(unsigned int fru) {
+        EXPECT_EQ(m_table->SelectList(m_table, FRU_LIST_SYSTEM), 0U);
+        EXPECT_EQ(m_table->SelectFru(m_table, fru), 0U);
+    }
+    /// Of the system list.
+    unsigned int NumberOfFrus() {
+        unsigned int locators = 99, frus = 99;
+        if (m_table->SelectList(m_table, FRU_LIST_SYSTEM) == FRU_STATUS_NOT_LOADED)
+            return 0;
+        EXPECT_EQ(m_table->GetNumberOfFrus(m_table, locators, frus), 0U);
+        EXPECT_EQ(locators, 0U);
+        return frus;
+    }
     /// The last error, "" where there is none.
     std::wstring LastError() {
         const wchar_t* message = nullptr;
@@ -34,6 +48,8 @@ class CTableHost : public testing::Test {
         std::filesystem::remove("DBGLOG.txt");
         return log;
     }
+
+    ~CTableHost() override { m_table->DeInitialize(m_table); }
 
     CFreshDirectory m_directory;
     _EFI_FRU_INTERFACE* m_table = GetFruDataInterface();

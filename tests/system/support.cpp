@@ -137,7 +137,6 @@ CSystemTest::CSystemTest() {
 }
 
 CSystemTest::~CSystemTest() {
-    m_table->DeInitialize(m_table);
     EXPECT_TRUE(SelectIPMIInterface(IPMI_INTERFACE_KCS));
     SetCurrentKcs(nullptr);
     SetCurrentBmc(nullptr);
@@ -148,16 +147,6 @@ EFI_STATUS CSystemTest::Set(FRU_AREA area, FRU_FIELD field, const std::string& v
     EXPECT_EQ(m_table->SelectAreaEnum(m_table, area), 0U);
     EXPECT_EQ(m_table->SelectFieldEnum(m_table, field), 0U);
     return SetSelected(value);
-}
-
-unsigned int CSystemTest::NumberOfFrus() {
-    unsigned int locators = 99;
-    unsigned int frus = 99;
-    if (m_table->SelectList(m_table, FRU_LIST_SYSTEM) == FRU_STATUS_NOT_LOADED)
-        return 0;
-    EXPECT_EQ(m_table->GetNumberOfFrus(m_table, locators, frus), 0U);
-    EXPECT_EQ(locators, 0U);
-    return frus;
 }
 
 REQUESTS CSystemTest::Requests(FRONT front) {

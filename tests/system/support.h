@@ -95,13 +95,7 @@ class CSystemTest : public CTableHost {
                                                           a.deviceId);
     }
     EFI_STATUS CommitIt() { return m_table->CommitConfigurationToSystem(m_table); }
-    /// Selects a FRU of the system list.
-    void Select(unsigned int fru) {
-        EXPECT_EQ(m_table->SelectList(m_table, FRU_LIST_SYSTEM), 0U);
-        EXPECT_EQ(m_table->SelectFru(m_table, fru), 0U);
-    }
     EFI_STATUS Set(FRU_AREA area, FRU_FIELD field, const std::string& value);
-    unsigned int NumberOfFrus();
     /// The requests since the last call, of this executable's front or those that reached other controllers.
     REQUESTS Requests(FRONT front = g_front);
     /// Answers the requests `cmd` in turn with these completion codes, then as the BMC does.
