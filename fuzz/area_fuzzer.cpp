@@ -22,9 +22,7 @@ void ChangeCustomFields(CInfoArea& area, CInput& input) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
-    return Run([&] {
-        CInput input(data, size);
-        _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+    return Run(data, size, [](_EFI_FRU_INTERFACE* table, CInput& input) {
         const UINT8 control = input.Byte();
         const auto selector = static_cast<FRU_AREA>(FRU_AREA_INTERNAL_USE + (control & AREA_MASK));
         BYTES image = input.Take(input.Word());

@@ -12,8 +12,7 @@ constexpr UINT8 BRIDGED = 0x40;
 constexpr UINT8 CONTROLLER = 0x20;
 constexpr std::size_t EDIT_SIZE = 32;
 
-void Converse(CInput& input) {
-    _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+void Converse(_EFI_FRU_INTERFACE* table, CInput& input) {
     const UINT8 control = input.Byte();
     const auto type = static_cast<FRU_TYPE>(control & 7);
     const auto controller = static_cast<UINT8>(control & CONTROLLER ? 0xC0 : BMC_ADDRESS);
@@ -47,8 +46,5 @@ void Converse(CInput& input) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
-    return Run([&] {
-        CInput input(data, size);
-        Converse(input);
-    });
+    return Run(data, size, Converse);
 }

@@ -3,9 +3,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     using namespace Frudata_Fuzz;
-    return Run([&] {
-        CInput input(data, size);
-        _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+    return Run(data, size, [&](_EFI_FRU_INTERFACE* table, CInput& input) {
         const UINT8 header[] = {1, 0, 0, 0, 0, 1, 0, 0};
         auto owner = std::make_unique<Frudata_Private::CFru>();
         Frudata_Private::CFru& fru = *owner;

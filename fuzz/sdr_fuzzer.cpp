@@ -7,9 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     using namespace Frudata_Fuzz;
     using namespace Frudata_Private;
-    return Run([&] {
-        EmptyLibrary();
-        CInput input(data, size);
+    return Run(data, size, [](_EFI_FRU_INTERFACE*, CInput& input) {
         const BYTES repository[] = {input.Take(input.Byte()), input.Take(input.Byte()), input.Take(input.Byte())};
         CFaultyBmc bmc(input);
         for (const BYTES& record : repository) {

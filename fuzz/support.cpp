@@ -101,14 +101,10 @@ namespace Frudata_Fuzz {
 
 using namespace Frudata_Private;
 
-namespace {
-
 unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int, unsigned int) {
     Read(message);
     return 0;
 }
-
-} // namespace
 
 _EFI_FRU_INTERFACE* EmptyLibrary() {
     _EFI_FRU_INTERFACE* const table = GetFruDataInterface();

@@ -15,19 +15,20 @@ namespace Frudata_Fuzz {
 /// Thrown in the place of a failed assertion's abort().
 struct FailedAssertion {};
 
+/// The started library without any FRU, as at the beginning of a run. The first call starts it.
+_EFI_FRU_INTERFACE* EmptyLibrary();
 /// Runs `body` to its end or to a failed assertion, which is an end that the library promises. No FRU outlives the
 /// run, so that memory it leaks is found.
-template <typename BODY> int Run(BODY body) {
+template <typename BODY> int Run(const UINT8* data, std::size_t size, BODY body) {
     try {
-        body();
+        CInput input(data, size);
+        body(EmptyLibrary(), input);
     } catch (const FailedAssertion&) {
     }
     Frudata_Private::g_FruData.reset();
     return 0;
 }
 
-/// The started library without any FRU, as at the beginning of a run. The first call starts it.
-_EFI_FRU_INTERFACE* EmptyLibrary();
 /// Puts `fru` on the file list and selects it.
 void SelectNewFru(std::unique_ptr<Frudata_Private::CFru> fru);
 
@@ -74,6 +75,8 @@ inline void Read(const UINT8* data, std::size_t length) {
     for (std::size_t index = 0; index < length; ++index)
         static_cast<void>(*static_cast<const volatile UINT8*>(data + index));
 }
+/// A host's callback.
+unsigned int Progress(PROGRESS_CALLBACK_TYPE type, const WCHAR* message, unsigned int current, unsigned int total);
 /// Reads everything at the cursor's FRU and changes what `input` says.
 void UseSelectedFru(_EFI_FRU_INTERFACE* table, CInput& input);
 /// Saves the cursor's FRU and, where `input` says so, loads what was saved.

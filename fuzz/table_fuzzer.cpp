@@ -33,7 +33,7 @@ void LoadLocales() {
     }
 }
 
-void RunOperations(CInput& input) {
+void RunOperations(_EFI_FRU_INTERFACE* table, CInput& input) {
     const UINT8 control = input.Byte();
     uselocale(g_locales[control % std::size(LOCALES)]);
     BYTES image = input.Take(input.Byte() * 2U);
@@ -49,7 +49,7 @@ void RunOperations(CInput& input) {
     bmc.Bmc().AddController(0, PLACES[1].address).AddFruDevice(0, image);
     for (const FRU_PLACE& place : {PLACES[2], PLACES[3]})
         bmc.Bmc().AddEeprom(place.bus, place.address, static_cast<Frudata_Sim::EEPROM_KIND>(place.type), image);
-    HOST host(EmptyLibrary(), input, std::move(text));
+    HOST host(table, input, std::move(text));
     for (unsigned int count = 0; !input.IsEmpty() && count < MOST_OPERATIONS && host.loads < MOST_LOADS; ++count)
         host.CallNext();
 }
@@ -71,10 +71,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     const int descriptor = LowestDescriptor();
-    Run([&] {
-        CInput input(data, size);
-        RunOperations(input);
-    });
+    Run(data, size, RunOperations);
     SetLibDebugLevel(0);
     HOST::Restore();
     Require(LowestDescriptor() == descriptor);

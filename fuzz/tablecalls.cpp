@@ -52,11 +52,6 @@ bool IsDeviceStatus(EFI_STATUS status, std::initializer_list<EFI_STATUS> allowed
            status >= static_cast<EFI_STATUS>(-600);
 }
 
-unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int, unsigned int) {
-    Read(message);
-    return 0;
-}
-
 EFI_STATUS LoadFuzzedTexts(TABLE* This, const WCHAR*, const WCHAR*) {
     return GetFruDataInterface()->SetLanguageLocale(This, L"fuzz:", L"texts");
 }

@@ -3,10 +3,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     using namespace Frudata_Fuzz;
-    return Run([&] {
-        _EFI_FRU_INTERFACE* const table = EmptyLibrary();
+    return Run(data, size, [&](_EFI_FRU_INTERFACE* table, CInput& edits) {
         SetInputFile({data, size});
-        CInput edits(data, size);
         if (table->LoadConfigurationFromFile(table, INPUT_PATH, nullptr) != 0)
             return;
         UseSelectedFru(table, edits);
