@@ -1,5 +1,5 @@
-// The areas that have fields: input is a control byte, the size of the area image in two bytes, the image, and
-// the changes made to it.
+// An area of any kind: input is a control byte, the size of the area image in two bytes, the image, and the changes
+// made to it.
 #include "fuzz/support.h"
 
 namespace {
@@ -10,6 +10,18 @@ using namespace Frudata_Private;
 constexpr UINT8 AREA_MASK = 3;
 constexpr UINT8 REPAIR = 4;
 constexpr UINT8 CUSTOM_FIELDS = 8;
+constexpr UINT8 MULTIRECORD = 0x10;
+
+bool Takes(CFru& fru, FRU_AREA selector, const BYTES& image) {
+    const auto length = static_cast<UINTN>(image.size());
+    if (CInfoArea* const area = fru.GetInfoArea(selector))
+        return area->SetData(image.data(), length);
+    if (selector == FRU_AREA_INTERNAL_USE)
+        return fru.GetInternalUseArea().SetData(image.data(), length, true);
+    const bool isTaken = fru.SetMultiRecArea(image.data(), length, true) == 0;
+    fru.CheckMultiRecCheckSum();
+    return isTaken;
+}
 
 void ChangeCustomFields(CInfoArea& area, CInput& input) {
     const BYTES added = input.Take(input.Byte());
@@ -24,7 +36,9 @@ void ChangeCustomFields(CInfoArea& area, CInput& input) {
 extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
     return Run(data, size, [](_EFI_FRU_INTERFACE* table, CInput& input) {
         const UINT8 control = input.Byte();
-        const auto selector = static_cast<FRU_AREA>(FRU_AREA_INTERNAL_USE + (control & AREA_MASK));
+        const auto selector = control & MULTIRECORD
+                                  ? FRU_AREA_MULTIRECORD
+                                  : static_cast<FRU_AREA>(FRU_AREA_INTERNAL_USE + (control & AREA_MASK));
         BYTES image = input.Take(input.Word());
         if (control & REPAIR)
             RepairArea(image);
@@ -34,12 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const UINT8* data, std::size_t size) {
         UINT8 header[CFruHeader::FRU_HEADER_LENGTH] = {1};
         header[selector - 1] = 1;
         fru->DecodeHeader(header);
-        const auto length = static_cast<UINTN>(image.size());
-        CInfoArea* const area = fru->GetInfoArea(selector);
-        const bool isTaken =
-            area ? area->SetData(image.data(), length) : fru->GetInternalUseArea().SetData(image.data(), length, true);
-        if (!isTaken)
+        if (!Takes(*fru, selector, image))
             return;
+        CInfoArea* const area = fru->GetInfoArea(selector);
         if (area && (control & CUSTOM_FIELDS))
             ChangeCustomFields(*area, input);
         if (area)

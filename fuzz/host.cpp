@@ -52,8 +52,8 @@ void UseArea(_EFI_FRU_INTERFACE* table, CInput& input) {
         return;
     const UINT8 control = input.Byte();
     // Less room than the area has, as much, or more.
-    std::unique_ptr<UINT8[]> buffer(new UINT8[size + 8]);
-    unsigned int length = control & 2 ? size / 2 : size + (control & 4) * 2;
+    std::unique_ptr<UINT8[]> buffer(new UINT8[size + 260]);
+    unsigned int length = control & 2 ? size / 2 : size + (control & 4) * 65;
     if (table->GetAreaData(table, buffer.get(), length) == 0)
         Read(buffer.get(), length);
     if (control & 1) {

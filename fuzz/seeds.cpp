@@ -113,14 +113,11 @@ void WriteImageSeeds(const BYTES& image) {
         const std::size_t start = image[place] * 8U;
         if (start == 0)
             continue;
-        if (place == 5)
-            WriteSeed("multirecord",
-                      BYTES{8} + Part(image, start, 8) + Part(image, start, image.size() - start) + EDITS);
-        const std::size_t size = place == 1 ? 8 : image[start + 1] * 8U;
+        const std::size_t size = place == 1 ? 8 : place == 5 ? image.size() - start : image[start + 1] * 8U;
         for (const std::size_t control : {0U, 4U, 12U})
-            if (place < 5)
-                WriteSeed("area", BYTES{static_cast<UINT8>(control | (place - 1)), static_cast<UINT8>(size), 0} +
-                                      Part(image, start, size) + EDITS);
+            WriteSeed("area", BYTES{static_cast<UINT8>(place == 5 ? 0x10 : control | (place - 1)),
+                                    static_cast<UINT8>(size), static_cast<UINT8>(size >> 8)} +
+                                  Part(image, start, size) + EDITS);
     }
 }
 
