@@ -106,14 +106,20 @@ unsigned int Progress(PROGRESS_CALLBACK_TYPE, const WCHAR* message, unsigned int
     return 0;
 }
 
+EFI_STATUS Initialize(_EFI_FRU_INTERFACE* This, int platform) {
+    Frudata_Sim::CSimulatedBmc* const before = Frudata_Sim::CurrentBmc();
+    Frudata_Sim::CSimulatedBmc bmc;
+    Frudata_Sim::SetCurrentBmc(&bmc);
+    const EFI_STATUS status = GetFruDataInterface()->Initialize(This, platform);
+    Frudata_Sim::SetCurrentBmc(before);
+    return status;
+}
+
 _EFI_FRU_INTERFACE* EmptyLibrary() {
     _EFI_FRU_INTERFACE* const table = GetFruDataInterface();
     if (!g_pStringResource) {
-        // The discovery must find a driver, or requests go to the ports.
-        CInput noFaults(nullptr, 0);
-        const CFaultyBmc bmc(noFaults);
         SetLibDebugLevel(0);
-        if (table->Initialize(nullptr, FRU_PLATFORM_MBMC) != 0 ||
+        if (Initialize(nullptr, FRU_PLATFORM_MBMC) != 0 ||
             table->SetLanguageLocale(table, FRUDATA_TEXTS L"/en", L"us") != 0)
             std::abort();
     }

@@ -15,6 +15,8 @@ namespace Frudata_Fuzz {
 /// Thrown in the place of a failed assertion's abort().
 struct FailedAssertion {};
 
+/// The table's operation, in front of a BMC: the discovery must find a driver, or requests go to the ports.
+EFI_STATUS Initialize(_EFI_FRU_INTERFACE* This, int platform);
 /// The started library without any FRU, as at the beginning of a run. The first call starts it.
 _EFI_FRU_INTERFACE* EmptyLibrary();
 /// Runs `body` to its end or to a failed assertion, which is an end that the library promises. No FRU outlives the

@@ -31,19 +31,6 @@ void BringBackTexts() {
         g_pStringResource = std::move(g_firstTexts);
 }
 
-/// The discovery must find a driver, or it looks for the ports.
-EFI_STATUS Initialize(TABLE* This, int platform) {
-    CInput noFaults(nullptr, 0);
-    Frudata_Sim::CSimulatedBmc* const before = Frudata_Sim::CurrentBmc();
-    EFI_STATUS status = 0;
-    {
-        const CFaultyBmc bmc(noFaults);
-        status = GetFruDataInterface()->Initialize(This, platform);
-    }
-    Frudata_Sim::SetCurrentBmc(before);
-    return status;
-}
-
 constexpr const WCHAR* FILE_NAMES[] = {INPUT_PATH, INPUT_PATH, OUTPUT_PATH, L"fuzz:none", L"fuzz:\u00E9\u4E2D", L""};
 
 /// A status of this layer, or one of the transport's own.
