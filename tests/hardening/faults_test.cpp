@@ -1,4 +1,4 @@
-// Everything that a BMC can do wrong, at every request that the library makes.
+// Everything that a BMC can do wrong, at every request that the library makes, and power cuts.
 #include "support.h"
 
 #include "frudata/bmclib.h"
@@ -149,6 +149,30 @@ TEST_F(CFaultsTest, Scan) {
             return count;
         },
         [](EFI_STATUS count) { Require(count <= 2, "more locators than records"); });
+}
+
+TEST_F(CFaultsTest, PowerCut) {
+    const auto prepare = [this] {
+        Restart();
+        Require(Load(BMC_DEVICE) == 0, "the device cannot be loaded");
+        Select(0);
+        EditAll();
+    };
+    prepare();
+    m_bmc->SetRecording(true);
+    ASSERT_EQ(m_table->CommitConfigurationToSystem(m_table), 0U);
+    const auto writes = static_cast<unsigned int>(m_bmc->Exchanges().size() - 1); // the first asks for the device id
+    const BYTES whole = m_bmc->FruBytes(0);
+    ASSERT_NE(whole, FullImage());
+    RunInChildren("power cut", writes + 1, [&](unsigned int cut) {
+        prepare();
+        m_bmc->AddFault({.action = FAULT_ACTION::CUT, .value = static_cast<UINT16>(cut)});
+        const EFI_STATUS expected = cut == writes ? FRU_STATUS_SUCCESS : FRU_STATUS_WRITE_FRU_ERROR;
+        Require(m_table->CommitConfigurationToSystem(m_table) == expected, "wrong status of the commit");
+        m_bmc->ClearFaults();
+        Require((m_bmc->FruBytes(0) == whole) == (cut == writes), "wrong bytes on the device");
+        Load(BMC_DEVICE); // refused, or an assertion, or loaded: never a crash
+    });
 }
 
 } // namespace
