@@ -266,6 +266,8 @@ TEST_F(CModelTest, MakesAFruFromNothing) {
                  {"{\"areas\": [{\"name\": \"castle\"}]}", "castle"},
                  {"{\"areas\": [{\"name\": \"board\", \"offset\": \"x\"}]}", "offset"},
                  {"{\"areas\": 3}", "json"},
+                 {"{\"areas\": [], \"status\": \"blank\"}", "blank"},
+                 {"{\"areas\": [], \"header\": {\"checksum\": {\"ok\": false}}}", "repair"},
                  {"{\"board\": {\"colour\": \"red\"}}", "board.colour"},
                  {"{", "parse error"}};
     for (const auto& one : WRONG) {

@@ -73,9 +73,9 @@ TEST_F(CScanTest, NamesAFaultyServer) {
     EXPECT_EQ(missing.status, 2);
     EXPECT_THAT(missing.errors, HasSubstr("nowhere"));
     // A name from the repository must not steer the terminal, and still names its device.
-    ASSERT_EQ(Shell("sed -i 's/\"Riser\"/\"\\\\u001b[2J\"/' server/bmc.json").status, 0);
-    EXPECT_THAT(Fructl("scan --sim server").output, HasSubstr("\n  \\x1B[2J "));
-    EXPECT_EQ(Fructl("probe --at '\\x1B[2J' --sim server").status, 0);
+    ASSERT_EQ(Shell("sed -i 's/\"Riser\"/\"\\\\u009b\\\\u001b[2J\"/' server/bmc.json").status, 0);
+    EXPECT_THAT(Fructl("scan --sim server").output, HasSubstr("\n  \\xC2\\x9B\\x1B[2J "));
+    EXPECT_EQ(Fructl("probe --at '\\xC2\\x9B\\x1B[2J' --sim server").status, 0);
     SetFaults("server", R"([{"netFn":"0x06","cmd":"0x01","action":"transportError"}])");
     const RESULT dead = Fructl("info --sim server");
     EXPECT_EQ(dead.status, 3);

@@ -108,6 +108,8 @@ TEST(FruText, WhatIsOptionalMayBeMissing) {
     const FRU_TEXT read = ReadFruText(text, false);
     EXPECT_TRUE(read.faults.empty());
     EXPECT_TRUE(Parse(read.image).IsSound());
+    for (const char* type : {"AT24CO2", "DS1624S"})
+        EXPECT_TRUE(ReadFruText(Changed("IMBDEVICE", type), false).faults.empty()) << type;
     const std::string miniBmc = "_NVS_TYPE 'MBMC_FRU'\n_MBMC_SIZE_ADRS 10\n_MBMC_SIZE_DATA 0x20\n_DEV_BUS 0\n";
     const std::size_t begin = text.find("_DEV_ID");
     text.replace(begin, text.find("_DEV_ADDRESS") - begin, miniBmc);
@@ -168,14 +170,16 @@ TEST(FruText, ComposedAndEditedFilesHoldTheirImages) {
             for (std::size_t index = 0; index < length; ++index)
                 fields.push_back(static_cast<BYTE>(random() % 3 == 0 ? random() : "'/_SEE_FRUab)"[random() % 13]));
         }
-        fields.resize(40, 0);
-        fields[std::size_t{34} + random() % 5] = 0xC1;
+        fields.resize(41, 0);
+        fields[std::size_t{34} + random() % 7] = 0xC1;
         std::copy(fields.begin(), fields.end(), image.begin() + 0x0E);
         image[0x37] = ZeroChecksum(Slice(image, 8, 0x2F));
         const FruImage::FRU fru = Parse(image);
         const FRU_TEXT composed = ReadFruText(ComposeFruText({.name = "it's//", .title = "a/'/b"}, fru), false);
         EXPECT_TRUE(composed.faults.empty());
         EXPECT_EQ(composed.image, image);
+        EXPECT_EQ(composed.blocks.at(1).bytes.size() + 1, fru.Find(AREA_ID::BOARD)->used)
+            << "padding, checksum: implied";
         const std::string edited = EditFruText(previous, fru);
         EXPECT_EQ(ReadFruText(edited, false).image, image) << edited;
         previous = ReadFruText(edited, false);
