@@ -9,22 +9,6 @@ using CFileTest = CFructlTest;
 
 namespace {
 
-FruImage::PRODUCT_VALUES ProductWith(std::vector<FruImage::FIELD_DESCRIPTION> custom) {
-    return {
-        .manufacturer = "Maker", .productName = "Thing", .serialNumber = "S1234", .customFields = std::move(custom)};
-}
-
-/// Chassis, board and product with three custom fields each.
-BYTES ThreeCustoms(const std::vector<FruImage::FIELD_DESCRIPTION>& chassis,
-                   const std::vector<FruImage::FIELD_DESCRIPTION>& board,
-                   const std::vector<FruImage::FIELD_DESCRIPTION>& product) {
-    return FruImage::CImageBuilder()
-        .Chassis({.partNumber = "CP", .customFields = chassis}, 16)
-        .Board({.minutes = 1, .manufacturer = "Maker", .customFields = board}, 16)
-        .Product(ProductWith(product), 16)
-        .Build();
-}
-
 /// Every type of field: 6-bit "IPMI!!" (as in the standard's example, then more), BCD plus, binary, Latin-1.
 BYTES EveryType() {
     return FruImage::CImageBuilder()
@@ -84,32 +68,6 @@ TEST_F(CFileTest, TextAndBinaryHoldTheSame) {
     ASSERT_EQ(Fructl("set a.fru board.serial-number=OTHER-1 board.custom+=http://x").status, 0);
     EXPECT_THAT(ReadText("a.fru"), HasSubstr("'NW-2000 Mainboard' // the second one"));
     EXPECT_EQ(Fructl("get a.fru board.serial-number board.custom3").output, "OTHER-1\nhttp://x\n");
-}
-
-TEST_F(CFileTest, CustomFieldsAreTheSameShownSetAndSaved) {
-    const std::vector<const char*> texts = {"one-1", "two-2", "three"};
-    const std::vector<FruImage::FIELD_DESCRIPTION> before(texts.begin(), texts.end());
-    for (int position = 0; position < 3; ++position) {
-        std::vector<FruImage::FIELD_DESCRIPTION> after = before;
-        after[static_cast<std::size_t>(position)] = "NEW-X";
-        const std::string number = std::to_string(position + 1);
-        for (const char* area : {"chassis", "board", "product"}) {
-            SCOPED_TRACE(area + number);
-            const std::string name = area + (".custom" + number);
-            const BYTES expected = ThreeCustoms(*area == 'c' ? after : before, *area == 'b' ? after : before,
-                                                *area == 'p' ? after : before);
-            WriteFile("x.bin", ThreeCustoms(before, before, before));
-            ASSERT_EQ(Fructl("save x.bin -o x.fru").status, 0);
-            EXPECT_EQ(Fructl("get x.bin " + name).output,
-                      texts[static_cast<std::size_t>(position)] + std::string("\n"));
-            ASSERT_EQ(Fructl("set x.bin " + name + "=NEW-X").status, 0);
-            EXPECT_EQ(ReadFile("x.bin"), expected);
-            ASSERT_EQ(Fructl("set x.fru " + name + "=NEW-X").status, 0);
-            EXPECT_EQ(Fructl("get x.fru " + name).output, "NEW-X\n");
-            ASSERT_EQ(Fructl("save x.fru --binary -o y.bin").status, 0);
-            EXPECT_EQ(ReadFile("y.bin"), expected);
-        }
-    }
 }
 
 TEST_F(CFileTest, RefusesValuesBeforeAnythingChanges) {
