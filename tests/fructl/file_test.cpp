@@ -214,19 +214,4 @@ TEST_F(CFileTest, DumpsAndLoadsRawAreas) {
     EXPECT_EQ(Fructl("map work.bin").status, 0);
 }
 
-TEST_F(CFileTest, HelpExamplesAndCompletionAreRight) {
-    for (const char* command : {"show", "get", "set", "fields", "save", "commit", "restore", "apply", "diff", "map",
-                                "dump", "load", "scan", "probe", "info", "new", "repair"}) {
-        const RESULT help = Fructl(std::string(command) + " --help");
-        EXPECT_EQ(help.status, 0);
-        EXPECT_THAT(help.output, HasSubstr(std::string("Examples:\n  fructl ") + command));
-    }
-    EXPECT_EQ(Fructl("bogus").status, 1);
-    EXPECT_EQ(Fructl("show --bogus").status, 1);
-    EXPECT_EQ(Fructl("show server/bmc.bin server/psu.bin").status, 1);
-    const std::string complete = "bash -c 'source " FRUCTL_COMPLETION "; COMP_WORDS=(" FRUCTL_PROGRAM " set a.fru "
-                                 "board.s); COMP_CWORD=3; _fructl; echo ${COMPREPLY[@]}'";
-    EXPECT_EQ(Shell(complete).output, "board.serial-number=\n");
-}
-
 } // namespace Fructl_Tests

@@ -74,6 +74,11 @@ const ROUND_TRIP ROUND_TRIPS[] = {
      "noise: 120 mV; Current: 0.10 A to 625.00 A",
      "output-number=3; current-unit=10 mA; nominal-voltage=12.00; minimum-voltage=11.40; maximum-voltage=12.60; "
      "ripple=120; minimum-current=0.10; maximum-current=625.00"},
+    {"extended DC load in 100 mA", 0x0A, "13 B0 04 74 04 EC 04 78 00 0A 00 24 F4", "Extended DC load",
+     "Output number: 3; Current unit: 100 mA; Nominal voltage: 12.00 V; Voltage range: 11.40 V to 12.60 V; Ripple and "
+     "noise: 120 mV; Current: 1.0 A to 6250.0 A",
+     "output-number=3; current-unit=100 mA; nominal-voltage=12.00; minimum-voltage=11.40; maximum-voltage=12.60; "
+     "ripple=120; minimum-current=1.0; maximum-current=6250.0"},
     {"system management URL", 0x03, "01 68 74 74 70 3A 2F 2F 61", "Management access",
      "Sub-type: system management URL; System management URL: http://a",
      "sub-type=system management URL; system-url=http://a"},
@@ -104,7 +109,9 @@ const ROUND_TRIP ROUND_TRIPS[] = {
     {"NVMe", 0x0B, "01", "NVMe", "Data: 01", "data=01"},
     {"NVMe PCIe port", 0x0C, "01", "NVMe PCIe port", "Data: 01", "data=01"},
     {"NVMe topology", 0x0D, "01", "NVMe topology", "Data: 01", "data=01"},
-    {"ASF", 0x07, "01", "ASF legacy device alerts", "Data: 01", "data=01"},
+    {"ASF devices", 0x06, "01", "ASF fixed SMBus device", "Data: 01", "data=01"},
+    {"ASF alerts", 0x07, "01", "ASF legacy device alerts", "Data: 01", "data=01"},
+    {"ASF control", 0x08, "01", "ASF remote control", "Data: 01", "data=01"},
     {"reserved type", 0x7F, "01 02", "Record of an unknown type", "Data: 01 02", "data=01 02"},
     {"record without data", 0xC1, "", "Manufacturer record", "", "",
      "the record is shorter than its type says: length 0 instead of 3"},
