@@ -1,5 +1,6 @@
 // Text files and binary images: shown, changed, converted, refused.
 #include "tests/fructl/support.h"
+#include "tests/fruimage/shapes.h"
 
 namespace Fructl_Tests {
 
@@ -7,36 +8,15 @@ using namespace Frudata_Sim;
 
 using CFileTest = CFructlTest;
 
-namespace {
-
-/// Every type of field: 6-bit "IPMI!!" (as in the standard's example, then more), BCD plus, binary, Latin-1.
-BYTES EveryType() {
-    return FruImage::CImageBuilder()
-        .Board({.minutes = 0xCBFAC0,
-                .manufacturer = {FruImage::ENCODING::SIX_BIT, {0x29, 0xDC, 0xA6}},
-                .productName = {FruImage::ENCODING::BCD_PLUS, {0x12, 0x3B, 0xC9}},
-                .serialNumber = {FruImage::ENCODING::BINARY, {0x00, 0xFE}},
-                .partNumber = "Gr\xFC\xDF"
-                              "e",
-                .fileId = "f.fru"},
-               40)
-        .Build();
-}
-
-} // namespace
-
-TEST_F(CFileTest, ShowsEveryKindOfFieldFromImageAndText) {
-    WriteFile("types.bin", EveryType());
+TEST_F(CFileTest, ShowsEveryKindOfField) {
+    WriteFile("types.bin", FruImage::Shape("every encoding").image);
     const RESULT shown = Fructl("show types.bin --json");
     ASSERT_EQ(shown.status, 0) << shown.errors;
     const json fields = shown.Json()["areas"][0]["fields"];
-    const std::vector<std::array<const char*, 3>> expected = {{"2021-06-01T08:00Z", "date", "C0FACB"},
+    const std::vector<std::array<const char*, 3>> expected = {{"00 01 FE", "binary", "0001FE"},
+                                                              {"123 -.", "bcd+", "123ABC"},
                                                               {"IPMI", "6-bit", "29DCA6"},
-                                                              {"123-.9", "bcd+", "123BC9"},
-                                                              {"00 FE", "binary", "00FE"},
-                                                              {"Gr\xC3\xBC\xC3\x9F"
-                                                               "e",
-                                                               "text", "4772FCDF65"}};
+                                                              {"L\u00E9", "text", "4CE9"}};
     for (std::size_t index = 0; index < expected.size(); ++index) {
         EXPECT_EQ(fields[index]["value"], expected[index][0]);
         EXPECT_EQ(fields[index]["type"], expected[index][1]);
@@ -57,12 +37,6 @@ TEST_F(CFileTest, TextAndBinaryHoldTheSame) {
     EXPECT_EQ(Part(ReadFile("b.bin"), 0, 0x164), Part(original, 0, 0x164));
     EXPECT_EQ(Fructl("diff a.fru c.fru --exit-code").status, 0);
     EXPECT_EQ(Fructl("show a.fru --json").Json()["source"]["title"], "Main board");
-    // Binary and packed fields stand in a text file as hexadecimal lines.
-    WriteFile("types.bin", EveryType());
-    ASSERT_EQ(Fructl("save types.bin -o types.fru").status, 0);
-    EXPECT_EQ(Fructl("diff types.bin types.fru --exit-code").status, 0);
-    EXPECT_EQ(Fructl("get types.fru board.manufacturer board.product-name board.serial-number").output,
-              "IPMI\n123-.9\n00 FE\n");
     // What a person wrote beside the values stays.
     Shell("sed -i \"s/'NW-2000 Mainboard'/& \\/\\/ the second one/\" a.fru");
     ASSERT_EQ(Fructl("set a.fru board.serial-number=OTHER-1 board.custom+=http://x").status, 0);
@@ -89,9 +63,6 @@ TEST_F(CFileTest, RefusesValuesBeforeAnythingChanges) {
         {"board.part-number-", 2, "only custom fields"},
         {"chassis.type=castle", 2, "no chassis type"},
         {"board.mfg-date=2026-02-30", 2, "no date"},
-        {"board.mfg-date=2026-02-+3", 2, "no date"},
-        {"board.mfg-date=2026-02-03Thh:ii", 2, "no date"},
-        {"board.mfg-date=2026-02-03T10:00:30Z", 2, "2026-02-03T10:00:30Z"},
         {"board.mfg-date=2027-11-24T20:16", 2, "outside"},
         {"board.language=castle", 2, "no language"},
         {"internal.data=00", 2, "internal"},
@@ -149,25 +120,6 @@ TEST_F(CFileTest, SetReplacesTheFileAndNothingElse) {
 }
 
 TEST_F(CFileTest, NamesWhatIsWrongWithAFile) {
-    ASSERT_EQ(Fructl("save server/bmc.bin -o good.fru").status, 0);
-    const struct {
-        const char* edit; ///< sed script
-        int status;
-        const char* reason;
-    } TEXTS[] = {{"s/'NW-2000 Mainboard'/'NW-2000 Main/", 2, "no hexadecimal digit"},
-                 {"s/^_DEV_ID.*/_DEV_ID 100/", 2, "_DEV_ID is 100"},
-                 {"s/^_LF_FMT_VER.*/_LF_FMT_VER/", 2, "_LF_FMT_VER has no value"},
-                 {"/_SEE_COMMON/,/_SEE_INTERNAL/s/^AA$/AA 00/", 2, "must have 8"},
-                 {"/_SEE_COMMON/,/_SEE_INTERNAL/s/^AA$/AB/", 4, "checksum is ABh and should be AAh"},
-                 {"/_SEE_MULTIREC/,$d", 2, "bad.fru"}};
-    for (const auto& one : TEXTS) {
-        SCOPED_TRACE(one.edit);
-        WriteText("edit.sed", one.edit);
-        Shell("sed -f edit.sed good.fru > bad.fru");
-        const RESULT result = Fructl("get bad.fru product.name");
-        EXPECT_EQ(result.status, one.status) << result.errors;
-        EXPECT_THAT(result.errors, HasSubstr(one.reason));
-    }
     const struct {
         FRU_DAMAGE damage;
         const char* code;

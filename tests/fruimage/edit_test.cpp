@@ -176,15 +176,6 @@ TEST(Edit, Refused) {
         EXPECT_EQ(Edited(Image(), {rows[row].edit}).Error().code, rows[row].code) << row;
 }
 
-TEST(Edit, DamageLocksOnlyItsArea) {
-    BYTES image = Image();
-    image[8 + 10] ^= 0xFF;
-    EXPECT_EQ(Edited(image, {LONG_BOARD}).Error().code, REFUSAL::DAMAGED);
-    const Result<PLAN> plan = Edited(image, {Set("product.asset-tag", "other")});
-    ASSERT_TRUE(plan);
-    ExpectSameArea(Parse(image), Parse(plan->bytes), AREA_ID::BOARD);
-}
-
 TEST(Build, RefusesWhatIsNoFru) {
     const AREA_DESCRIPTION product{.id = AREA_ID::PRODUCT, .fields = {"name"}};
     const auto with = [&](auto change) {

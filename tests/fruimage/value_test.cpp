@@ -91,8 +91,8 @@ TEST(Value, Dates) {
     }
     EXPECT_EQ(DateText(BYTES{0xFF, 0xFF, 0xFF}), "unspecified");
     EXPECT_EQ(*ParseDate("2000-03-01"), *ParseDate("2000-03-01T00:00:00Z"));
-    for (const char* text :
-         {"1996-01-01", "2027-11-24T20:15Z", "2023-02-29", "2023-01-01T24:00", "2023-01-01T10:00:01", "now", ""})
+    for (const char* text : {"1996-01-01", "2027-11-24T20:15Z", "2023-02-29", "2023-02-+3", "2023-01-01T24:00",
+                             "2023-01-01T10:00:01", "2023-01-01Thh:ii", "now", ""})
         EXPECT_FALSE(ParseDate(text)) << text;
 }
 
