@@ -40,6 +40,8 @@ TEST(Edit, Fields) {
     for (const auto& [name, text] : rows)
         EXPECT_EQ(Value(fru, name), text) << name;
     EXPECT_TRUE(Edited(plan->bytes, {edits[0], edits[1], edits[2], edits[3]})->IsEmpty()) << "they are there already";
+    const Result<PLAN> early = Edited(Shape("list ends early").image, {Set("board.manufacturer", "Other")});
+    EXPECT_EQ(Value(Parse(early->bytes), "board.serial-number"), "(none)") << "the list ends as early as before";
 }
 
 TEST(Edit, LanguageTakesTheTextsAlong) {

@@ -201,8 +201,8 @@ TEST_F(CDriverTest, Opening) {
         gid_t owner = 0;
     };
     const ROW rows[] = {
-        {{{"/dev/ipmi/0", 0}}, "/dev/ipmi/0", ""},
-        {{{"/dev/ipmi0", ENXIO}, {"/dev/ipmidev/0", 0}}, "/dev/ipmidev/0", ""},
+        {{{"/dev/ipmi0", ENOTDIR}, {"/dev/ipmi/0", 0}}, "/dev/ipmi/0", ""},
+        {{{"/dev/ipmi0", ENXIO}, {"/dev/ipmi/0", ENODEV}, {"/dev/ipmidev/0", 0}}, "/dev/ipmidev/0", ""},
         {{},
          nullptr,
          "no IPMI device /dev/ipmi0, /dev/ipmi/0 or /dev/ipmidev/0: are the kernel's modules ipmi_si and "
