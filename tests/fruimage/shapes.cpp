@@ -164,6 +164,7 @@ std::vector<SHAPE> Shapes() {
             {"internal of 4 KiB", Made({Product(), Internal(4096)}), {}, REFUSAL::NO_ROOM, sound},
             {"internal last of 4096", Made({Board(), Product(), At(200, Internal(3896))}, 4096), {}, {}, sound},
             {"no chassis", Made({Board(), Product()}, 256, 0xFF), {}, {}, sound},
+            {"every info area", Made({Chassis(), Board(), Product()}, 512), {}, {}, sound},
             {"unknown bytes between", Made({At(16, Board()), At(128, Chassis())}, 256, 0xEE), {}, {}, sound},
             {"only chassis", Made({Chassis()}, 128), {}, {}, sound},
             {"240 bytes, 148 of padding", Made({Product(148)}, 256), {}, {}, sound},

@@ -84,6 +84,9 @@ TEST_F(CDriverTest, PlainRequests) {
         EXPECT_EQ(row.status == OPENIPMI_OK ? m_answer : BYTES{}, row.answer);
         EXPECT_EQ(m_code == UNTOUCHED, row.status != OPENIPMI_OK);
         EXPECT_EQ(g_kernel.milliseconds, row.milliseconds);
+        if (row.status == OPENIPMI_ERR_BAD_ANSWER) {
+            EXPECT_NE(std::string(OpenIpmiFailure()).find("an answer too long"), std::string::npos);
+        }
         EXPECT_EQ(g_kernel.sent.back(),
                   (SENT{IPMI_SYSTEM_INTERFACE_ADDR_TYPE, IPMI_BMC_CHANNEL, 0, 0, 0x0A, 0x11, {0, 8}}));
     }
