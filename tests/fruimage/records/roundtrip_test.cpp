@@ -115,6 +115,8 @@ const ROUND_TRIP ROUND_TRIPS[] = {
     {"reserved type", 0x7F, "01 02", "Record of an unknown type", "Data: 01 02", "data=01 02"},
     {"record without data", 0xC1, "", "Manufacturer record", "", "",
      "the record is shorter than its type says: length 0 instead of 3"},
+    {"record shorter than its first field", 0xC1, "57 01", "Manufacturer record", "Other data: 57 01",
+     "other-data=57 01", "the record is shorter than its type says: length 2 instead of 3"},
     {"manufacturer without a name", 0xD2, "57 01 00 CA FE", "Manufacturer record", "Manufacturer ID: 343; Data: CA FE",
      "manufacturer-id=343; data=CA FE"},
     {"PICMG module current requirements", 0xC0, "5A 31 00 16 00 1E", "Module current requirements (PICMG)",
