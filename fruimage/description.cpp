@@ -112,7 +112,9 @@ Result<BYTES> Build(const DESCRIPTION& description) {
     BYTES header = {description.version, 0, 0, 0, 0, 0, description.pad, 0};
     for (const PLACED& place : *places) {
         header[static_cast<std::size_t>(place.id)] = static_cast<BYTE>(place.range.offset / UNIT);
-        Copy(image, place.range.offset, place.bytes);
+        // A place past the end can stand in a damaged header; nothing is there.
+        if (!place.bytes.empty())
+            Copy(image, place.range.offset, place.bytes);
     }
     header[7] = ZeroChecksum(BYTE_VIEW(header).first(HEADER_SIZE - 1));
     Copy(image, 0, header);

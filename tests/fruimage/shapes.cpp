@@ -151,6 +151,8 @@ std::vector<SHAPE> Shapes() {
     japanese.fields = {{ENCODING::TEXT, {'S', 0, 'u', 0, 0x2C, 0x67}}};
     AREA_DESCRIPTION padded = Product();
     padded.padding = {0, 9, 9};
+    AREA_DESCRIPTION versioned = Product();
+    versioned.version = 0xF2;
     AREA_DESCRIPTION early{
         .id = AREA_ID::BOARD, .fields = {{ENCODING::BINARY, {0, 0, 0}}, "Maker", "Name"}, .endsEarly = true};
     const BYTES server = *Build(Server());
@@ -166,6 +168,7 @@ std::vector<SHAPE> Shapes() {
             {"no chassis", Made({Board(), Product()}, 256, 0xFF), {}, {}, sound},
             {"every info area", Made({Chassis(), Board(), Product()}, 512), {}, {}, sound},
             {"unknown bytes between", Made({At(16, Board()), At(128, Chassis())}, 256, 0xEE), {}, {}, sound},
+            {"another format version", Made({Board(), versioned}, 256), {}, {}, sound},
             {"only chassis", Made({Chassis()}, 128), {}, {}, sound},
             {"240 bytes, 148 of padding", Made({Product(148)}, 256), {}, {}, sound},
             {"63-byte tag", Made({Chassis(), tag, Records({Supply()})}, 256), {}, {}, sound},

@@ -21,8 +21,8 @@ TEST(Witness, FreeIpmiReadsEditedImages) {
         const FRU fru = Parse(shape.image);
         const EDIT edit = Set("product.asset-tag", tag);
         const Result<PLAN> plan = Apply(fru, {&edit, 1}, {.deviceSize = std::max<std::size_t>(512, fru.bytes.size())});
-        // Of two-byte text and of what stays damaged it shows nothing.
-        if (!plan || !shape.damages.empty() || shape.name == "two-byte text")
+        // Of two-byte text, another format version and what stays damaged it shows nothing.
+        if (!plan || !shape.damages.empty() || shape.name == "two-byte text" || shape.name == "another format version")
             continue;
         const std::string text = Witness(plan->bytes);
         const FRU after = Parse(plan->bytes);

@@ -128,6 +128,7 @@ RECORD_DESCRIPTION Record(const json& object) {
 void ReadFields(const json& object, const AREA_ROW& row, AREA_DESCRIPTION& area) {
     if (const auto language = object.find("language"); language != object.end())
         area.language = language->is_object() ? Byte(*language, "code", 0) : Byte(object, "language", 0);
+    area.version = Byte(object, "version", 1);
     const json fields = object.value("fields", json::array());
     for (std::size_t position = 0; position < fields.size(); ++position)
         area.fields.push_back(Field(fields[position], row, position, area.language));

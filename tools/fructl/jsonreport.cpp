@@ -91,6 +91,8 @@ json JsonArea(const FRU& fru, const AREA& area) {
         result["certain"] = false;
     if (area.IsInfo())
         AddInfo(area, result);
+    if (area.IsInfo() && area.length > 0)
+        result["version"] = fru.bytes[area.offset];
     if (area.id == AREA_ID::MULTIRECORD) {
         result["records"] = json::array();
         for (const RECORD& record : area.records)
