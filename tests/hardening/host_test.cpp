@@ -92,19 +92,20 @@ HOLDINGS Holdings() {
 
 TEST_F(CHostTest, LoadsAndUnloadsAThousandTimes) {
     HOLDINGS first = {};
-    for (unsigned int cycle = 0; cycle < 1100; ++cycle) {
+    for (unsigned int cycle = 0; cycle < 1010; ++cycle) {
         {
             const CLoadedLibrary library;
             ASSERT_TRUE(library.WorkOnce(L"one.fru")) << cycle;
         }
-        // The C library, the loader and the simulated BMC keep what they take in the first rounds.
-        if (cycle == 99)
+        // The C library and the simulated BMC keep what they take in the first rounds.
+        if (cycle == 9)
             first = Holdings();
     }
     const HOLDINGS last = Holdings();
     EXPECT_EQ(last.descriptors, first.descriptors);
     EXPECT_TRUE(last.memory == 0 || last.mappings == first.mappings) << last.mappings << " " << first.mappings;
-    EXPECT_LT(last.memory, first.memory + 1000) << "less than a byte a cycle";
+    // The least that could leak takes 16 bytes a cycle. The allocator's caches, which count as used, fill up meanwhile.
+    EXPECT_LT(last.memory, first.memory + 8000);
 }
 
 TEST_F(CHostTest, ForksAfterTheStart) {
