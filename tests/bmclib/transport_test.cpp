@@ -80,7 +80,7 @@ TEST_F(CTransportTest, DirectRequest) {
     EXPECT_EQ(Response(), (BYTES{0x20, 0x0A, 1, 0x11, 0xC9, 5, 6}));
     EXPECT_EQ(m_Response.data[65534], 0);
     EXPECT_EQ(g_host.m_PortRequests, 1);
-    for (const size_t size : {0, 1, 2, 65535}) {
+    for (const size_t size : {0U, 1U, 2U, 65535U}) {
         answer.assign(size, 1);
         EXPECT_EQ(ProcessTimedMessage(&m_Request, &m_Response, 1), 1) << size;
     }

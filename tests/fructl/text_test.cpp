@@ -172,7 +172,8 @@ TEST(FruText, ComposedAndEditedFilesHoldTheirImages) {
                 continue;
             fields.push_back(static_cast<BYTE>(type | length));
             for (std::size_t index = 0; index < length; ++index)
-                fields.push_back(static_cast<BYTE>(random() % 3 == 0 ? random() : "'/_SEE_FRUab)"[random() % 13]));
+                fields.push_back(random() % 3 == 0 ? static_cast<BYTE>(random())
+                                                   : static_cast<BYTE>("'/_SEE_FRUab)"[random() % 13]));
         }
         fields.resize(41, 0);
         fields[std::size_t{34} + random() % 7] = 0xC1;

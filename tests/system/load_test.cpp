@@ -126,7 +126,7 @@ TEST_F(CLoadTest, StatusesAndMessages) {
 
 // A failure is traced before its message, which names the FRU, is composed.
 TEST_F(CLoadTest, TracesComeBeforeMessages) {
-    const auto expect = [this](const std::string& failure) {
+    const auto expect = [](const std::string& failure) {
         EXPECT_THAT(TakeLog(), testing::HasSubstr(failure + "\r\nCFru::GetFriendlyFruIdentifier [ENTRY]\r\n"));
     };
     LIBDBG_DEBUG_LEVEL = 3;
