@@ -16,8 +16,9 @@ BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length) {
 }
 
 void Copy(BYTES& image, std::size_t offset, BYTE_VIEW bytes) {
-    if (image.size() < offset + bytes.size())
-        image.resize(offset + bytes.size());
+    if (bytes.empty())
+        return;
+    image.resize(std::max(image.size(), offset + bytes.size()));
     std::copy(bytes.begin(), bytes.end(), image.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 

@@ -46,7 +46,8 @@ constexpr std::size_t RoundUp(std::size_t size) {
 }
 /// The bytes from `offset` on, at most `length`; never past the end.
 BYTE_VIEW Slice(BYTE_VIEW bytes, std::size_t offset, std::size_t length);
-/// Replaces the bytes of `image` from `offset` on, which grows where they reach past its end.
+/// Replaces the bytes of `image` from `offset` on, which grows where they reach past its end. No bytes change
+/// nothing, wherever they belong.
 void Copy(BYTES& image, std::size_t offset, BYTE_VIEW bytes);
 /// Whether all of `bytes` are `value`; true for none.
 bool IsFilledWith(BYTE_VIEW bytes, BYTE value);

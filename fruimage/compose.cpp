@@ -89,15 +89,6 @@ RECORD_DESCRIPTION DescribeRecord(const RECORD& record, bool isLast) {
 
 } // namespace
 
-ERROR Refuse(REFUSAL code, AREA_ID area, std::string text, std::string hint) {
-    ERROR error;
-    error.code = code;
-    error.area = area;
-    error.text = std::move(text);
-    error.hint = std::move(hint);
-    return error;
-}
-
 std::size_t NeededSize(const AREA_DESCRIPTION& area) {
     if (!area.bytes.empty())
         return area.bytes.size();

@@ -5,8 +5,6 @@
 
 namespace FruImage {
 
-ERROR Refuse(REFUSAL code, AREA_ID area, std::string text, std::string hint = {});
-
 /// Whether a stored one-byte text would read as the end marker.
 inline bool ReadsAsEnd(const FIELD_DESCRIPTION& field) {
     return TypeLength(field.encoding, field.bytes.size()) == END_OF_FIELDS;

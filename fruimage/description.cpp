@@ -46,7 +46,7 @@ Result<PLACES> Place(const DESCRIPTION& description) {
 }
 
 /// Checks that no area comes twice and none overlaps another. @return the fault, or nothing
-std::optional<ERROR> CheckPlaces(const DESCRIPTION& description, const PLACES& places) {
+FAULT CheckPlaces(const DESCRIPTION& description, const PLACES& places) {
     const RANGE header{0, HEADER_SIZE};
     for (std::size_t first = 0; first < places.size(); ++first) {
         const PLACED& place = places[first];
@@ -112,9 +112,7 @@ Result<BYTES> Build(const DESCRIPTION& description) {
     BYTES header = {description.version, 0, 0, 0, 0, 0, description.pad, 0};
     for (const PLACED& place : *places) {
         header[static_cast<std::size_t>(place.id)] = static_cast<BYTE>(place.range.offset / UNIT);
-        // A place past the end can stand in a damaged header; nothing is there.
-        if (!place.bytes.empty())
-            Copy(image, place.range.offset, place.bytes);
+        Copy(image, place.range.offset, place.bytes);
     }
     header[7] = ZeroChecksum(BYTE_VIEW(header).first(HEADER_SIZE - 1));
     Copy(image, 0, header);

@@ -34,12 +34,17 @@ struct ERROR {
     std::size_t available = 0; ///< NO_ROOM: bytes that the device has
 };
 
-/// A refusal of a value.
-inline ERROR BadValue(std::string text, std::string hint = {}) {
+inline ERROR Refuse(REFUSAL code, AREA_ID area, std::string text, std::string hint = {}) {
     ERROR error;
+    error.code = code;
+    error.area = area;
     error.text = std::move(text);
     error.hint = std::move(hint);
     return error;
+}
+/// Of a value whose field is not known here.
+inline ERROR BadValue(std::string text, std::string hint = {}) {
+    return Refuse(REFUSAL::BAD_VALUE, AREA_ID::HEADER, std::move(text), std::move(hint));
 }
 
 /// Why something is refused; nothing where it is not.

@@ -1,5 +1,7 @@
 #include "drivers/lan/host.h"
 
+#include "drivers/lan/lan.h"
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -66,7 +68,7 @@ std::optional<UINT16> ParsePort(std::string_view text) {
 
 std::string WithPort(const std::string& host, UINT16 port) {
     const bool bare = host.find(':') == std::string::npos;
-    return (bare ? host : "[" + host + "]") + ":" + std::to_string(port);
+    return (bare ? host : "[" + host + "]") + ":" + std::to_string(port ? port : LAN_DEFAULT_PORT);
 }
 
 std::optional<NETWORK_HOST> ParseHost(std::string_view text, std::string& message) {

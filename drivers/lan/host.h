@@ -18,7 +18,7 @@ struct NETWORK_HOST {
     UINT16 port;      ///< 0 where the text has none
 };
 
-/// `host` with `port`, an IPv6 address in brackets: the form for people and for libfreeipmi.
+/// `host` with `port` (0: LAN_DEFAULT_PORT), an IPv6 address in brackets: the form for people and for libfreeipmi.
 std::string WithPort(const std::string& host, UINT16 port);
 /// NAME, NAME:PORT, an IPv6 address, or that as [ADDRESS] or [ADDRESS]:PORT. @param message what is wrong with the text
 /// @return nothing for a text that is none of these

@@ -52,7 +52,7 @@ const char* WrongOption(const LAN_SESSION_OPTIONS& options) {
 
 std::shared_ptr<SESSION_PARAMETERS> Parameters(const LAN_SESSION_OPTIONS& options) {
     auto parameters = std::make_shared<SESSION_PARAMETERS>(options.password ? options.password : "");
-    parameters->name = Frudata_Driver::WithPort(options.host, options.port ? options.port : LAN_DEFAULT_PORT);
+    parameters->name = Frudata_Driver::WithPort(options.host, options.port);
     parameters->user = options.user ? options.user : "";
     parameters->cipherSuite = options.cipherSuite;
     parameters->isIpmi15 = options.ipmi15 != 0;
@@ -76,7 +76,7 @@ int OpenSession(const LAN_SESSION_OPTIONS& options, std::unique_ptr<LAN_SESSION>
         message = std::string(options.host) + ": " + message;
         return LAN_ERR_NAME;
     }
-    parameters->address = Frudata_Driver::WithPort(address, options.port ? options.port : LAN_DEFAULT_PORT);
+    parameters->address = Frudata_Driver::WithPort(address, options.port);
     session = std::make_unique<LAN_SESSION>(timeout);
     return session->session.Open(std::move(parameters), message);
 }

@@ -175,8 +175,7 @@ void CDevice::ReadRange(const FruImage::RANGE& range, DEVICE_BYTES& device, cons
     while (bytes.size() < range.length) {
         ReadSome(range.offset + bytes.size(), range.length - bytes.size(), bytes);
         device.read.back().length = bytes.size();
-        device.bytes.resize(std::max(device.bytes.size(), device.read.back().End()));
-        std::copy(bytes.begin(), bytes.end(), device.bytes.begin() + static_cast<std::ptrdiff_t>(range.offset));
+        FruImage::Copy(device.bytes, range.offset, bytes);
         if (progress)
             progress(device.read.back().End(), std::max(device.bytes.size(), range.End()), "");
     }

@@ -71,8 +71,7 @@ void MakeSteps(const std::vector<STEP>& steps, BYTES before,
     BYTES after = before;
     for (const STEP& step : steps) {
         report(done, total, step.what);
-        after.resize(std::max(after.size(), step.offset + step.bytes.size()));
-        std::copy(step.bytes.begin(), step.bytes.end(), after.begin() + static_cast<std::ptrdiff_t>(step.offset));
+        FruImage::Copy(after, step.offset, step.bytes);
         write(after, before);
         before = after;
         done += step.bytes.size();

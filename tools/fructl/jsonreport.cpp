@@ -68,7 +68,9 @@ json JsonField(const AREA& area, std::size_t position) {
     return result;
 }
 
-void AddInfo(const AREA& area, json& result) {
+void AddInfo(const FRU& fru, const AREA& area, json& result) {
+    if (area.length > 0)
+        result["version"] = fru.bytes[area.offset];
     result["free"] = area.Free();
     result["checksum"] = JsonChecksum(area.checksum, area.expectedChecksum);
     if (area.Row().hasLanguage)
@@ -90,9 +92,7 @@ json JsonArea(const FRU& fru, const AREA& area) {
     if (!area.certain)
         result["certain"] = false;
     if (area.IsInfo())
-        AddInfo(area, result);
-    if (area.IsInfo() && area.length > 0)
-        result["version"] = fru.bytes[area.offset];
+        AddInfo(fru, area, result);
     if (area.id == AREA_ID::MULTIRECORD) {
         result["records"] = json::array();
         for (const RECORD& record : area.records)

@@ -125,8 +125,7 @@ std::vector<std::string> WayNames() {
 
 std::string WayKey() {
     const LAN_SETTINGS& lan = Settings().lan;
-    return lan.host.empty() ? "bmc"
-                            : "lan-" + Frudata_Driver::WithPort(lan.host, lan.port ? lan.port : LAN_DEFAULT_PORT);
+    return lan.host.empty() ? "bmc" : "lan-" + Frudata_Driver::WithPort(lan.host, lan.port);
 }
 
 void ShareWay() {
